@@ -1,0 +1,33 @@
+# Compiler settings that every target of the project shares.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+if(MSVC)
+  # Each floating-point operation is rounded by itself; no contraction into fused operations.
+  add_compile_options(/fp:strict /W4)
+  if(KV_WARNINGS_AS_ERRORS)
+    add_compile_options(/WX)
+  endif()
+else()
+  # g++ fuses multiplications and additions by default as soon as a target offers FMA.
+  add_compile_options(-ffp-contract=off)
+  add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+  if(KV_WARNINGS_AS_ERRORS)
+    add_compile_options(-Werror)
+  endif()
+  # No path of the build machine in the binaries.
+  add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+endif()
+
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # A UNIQUE symbol would pin a shared library in the process, and its unload step would never run.
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
+endif()
