@@ -1,0 +1,17 @@
+#include "platform/optional_library.h"
+
+#include <dlfcn.h>
+
+namespace kv::platform {
+
+const char* const kLibrarySuffix = ".so";
+
+LibraryHandle load_library(const char* file_name) {
+  return dlopen(file_name, RTLD_NOW | RTLD_LOCAL);
+}
+
+void* find_export(LibraryHandle library, const char* name) { return dlsym(library, name); }
+
+void unload_library(LibraryHandle library) { dlclose(library); }
+
+}  // namespace kv::platform

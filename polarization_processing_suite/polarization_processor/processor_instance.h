@@ -1,0 +1,27 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "coefficient_set.h"
+
+namespace kv {
+
+/// What the processor and the operating system offer beyond the library's own kernels.
+enum class CpuTier : std::uint32_t { baseline = 0, avx2 = 1, avx512 = 2 };
+
+}  // namespace kv
+
+/// The weights of one camera, behind the public handle. Its views point into itself: it is never
+/// copied or moved.
+struct PolarizationProcessor {
+  explicit PolarizationProcessor(kv::CpuTier tier);
+  PolarizationProcessor(const PolarizationProcessor&) = delete;
+  PolarizationProcessor& operator=(const PolarizationProcessor&) = delete;
+
+  /// By the polarizer of the own pixel: 0, 45, 90, 135 degrees.
+  std::array<kv::CoefficientSet, 4> coefficient_store;
+  /// By the polarizer of the frame's top-left pixel.
+  std::array<kv::PhaseView, 4> phase_views;
+  kv::CpuTier cpu_tier;
+};

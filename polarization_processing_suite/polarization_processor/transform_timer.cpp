@@ -1,0 +1,24 @@
+#include "transform_timer.h"
+
+#include "platform/performance_counter.h"
+
+namespace kv {
+
+TransformTimer::TransformTimer(const LogClient& log_client, const char* source_path,
+                               std::int32_t source_line, const char* function_name)
+    : log_client_(log_client),
+      source_path_(source_path),
+      source_line_(source_line),
+      function_name_(function_name) {
+  if (platform::read_counter_frequency(frequency_)) platform::read_counter(start_count_);
+}
+
+TransformTimer::~TransformTimer() {
+  if (!platform::read_counter(stop_count_)) return;
+  const double microseconds =
+      static_cast<double>(stop_count_ - start_count_) / static_cast<double>(frequency_) * 1000000.0;
+  log_client_.log_message(Severity::timing, source_path_, source_line_, function_name_,
+                          "%s takes %f microseconds.", label_, microseconds);
+}
+
+}  // namespace kv
