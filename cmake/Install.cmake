@@ -1,0 +1,52 @@
+# What `cmake --install` puts where: the library with its header, a CMake package and a pkg-config
+# file, and the tool. The installed tree may be moved: it finds its parts by relative paths.
+
+include(CMakePackageConfigHelpers)
+
+set(library kevrinth_qrm_polarization_processor)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${library})
+
+# The name that users of the package link to, for users who add this project as a subdirectory.
+add_library(kevrinth::${library} ALIAS ${library})
+
+install(
+  TARGETS ${library}
+  EXPORT ${library}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(
+  FILES
+    ${PROJECT_SOURCE_DIR}/polarization_processing_suite/polarization_processor/${library}.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+if(TARGET kv-polarize)
+  cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR}
+             OUTPUT_VARIABLE bin_to_lib)
+  set_target_properties(kv-polarize PROPERTIES INSTALL_RPATH $ORIGIN/${bin_to_lib})
+  install(TARGETS kv-polarize RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+# find_package(kevrinth_qrm_polarization_processor). The package needs no other one, so that the
+# list of targets is the whole of it.
+install(
+  EXPORT ${library}
+  FILE ${library}-config.cmake
+  NAMESPACE kevrinth::
+  DESTINATION ${package_dir})
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/${library}-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/${library}-config-version.cmake DESTINATION ${package_dir})
+
+# pkg-config. The library is linked by its full file name, since it has no `lib` prefix.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
+           OUTPUT_VARIABLE pc_to_prefix)
+cmake_path(APPEND libdir "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
+cmake_path(APPEND includedir "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/pkg-config.pc.in ${PROJECT_BINARY_DIR}/${library}.pc.in
+               @ONLY)
+file(
+  GENERATE
+  OUTPUT ${PROJECT_BINARY_DIR}/${library}.pc
+  INPUT ${PROJECT_BINARY_DIR}/${library}.pc.in)
+install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
