@@ -8,31 +8,25 @@
 namespace kv {
 namespace {
 
-template <EncodingAxes encoding, bool even_height, bool even_width>
+template <KernelAxes axes>
 void frame_kernel(const TransformRequest& request, const PhaseView& view) {
+  constexpr std::size_t block = block_variant_index({axes.encoding, axes.phase});
   walk_frame(request, view,
-             {.finish_row_pair = &finish_row_pair<encoding, even_width>,
-              .walk_last_rows = &walk_last_rows<encoding, even_height, even_width>});
+             {.prepare = &prepare_block_constants<axes.encoding>,
+              .run_blocks = axes.sse41 ? kSse41Blocks[block] : kSse2Blocks[block],
+              .finish_row_pair = &finish_row_pair<axes.encoding, axes.even_width>,
+              .walk_last_rows = &walk_last_rows<axes.encoding, axes.even_height, axes.even_width>});
 }
-
-/// The kernels of one encoding, at 2 * even_height + even_width.
-using ParityKernels = std::array<FrameKernel, 4>;
 
 template <std::size_t... index>
-constexpr auto kernel_table(std::index_sequence<index...>) {
-  return std::array{ParityKernels{&frame_kernel<kEncodings[index], false, false>,
-                                  &frame_kernel<kEncodings[index], false, true>,
-                                  &frame_kernel<kEncodings[index], true, false>,
-                                  &frame_kernel<kEncodings[index], true, true>}...};
+constexpr std::array<FrameKernel, kKernelCount> kernel_table(std::index_sequence<index...>) {
+  return {&frame_kernel<kernel_axes_at(index)>...};
 }
 
-constexpr auto kKernels = kernel_table(std::make_index_sequence<kEncodingCount>());
+constexpr auto kKernels = kernel_table(std::make_index_sequence<kKernelCount>());
 
 }  // namespace
 
-FrameKernel frame_kernel_at(const KernelAxes& axes) {
-  const ParityKernels& kernels = kKernels[encoding_index(axes.encoding)];
-  return kernels[(axes.even_height ? 2u : 0u) + (axes.even_width ? 1u : 0u)];
-}
+FrameKernel frame_kernel_at(const KernelAxes& axes) { return kKernels[kernel_index(axes)]; }
 
 }  // namespace kv

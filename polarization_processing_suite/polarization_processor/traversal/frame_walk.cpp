@@ -5,14 +5,33 @@ namespace kv {
 void walk_frame(const TransformRequest& request, const PhaseView& view, const KernelSteps& steps) {
   const PlaneFrame planes(request);
   const std::uint64_t height = static_cast<std::uint64_t>(request.height);
-
-  std::uint64_t row = 0;
-  if (height != 2) {
-    do {
-      steps.finish_row_pair(request, view, planes, row, 0);
-      row += 2;
-    } while (row < height - 2);
+  const std::uint64_t width = static_cast<std::uint64_t>(request.width);
+  if (height == 2) {
+    steps.walk_last_rows(request, view, planes, 0);
+    return;
   }
+
+  const BlockConstants constants = steps.prepare(request);
+  // One block fewer than fits keeps the last block's eight samples inside the row. Below a width
+  // of 4 the count wraps around, and the blocks run on until an access faults.
+  const std::uint64_t block_count = (width >> 2) - 1;
+  BlockPosition position{.upper_index = 0,
+                         .lower_index = width,
+                         .below_index = 2 * width,
+                         .upper_pair_cursor = 0,
+                         .lower_pair_cursor = 2 * width};
+  std::uint64_t row = 0;
+  do {
+    if (block_count != 0) steps.run_blocks(request, constants, block_count, position);
+    steps.finish_row_pair(request, view, planes, row, kBlockColumns * block_count);
+
+    row += 2;
+    position.upper_index += 2 * width;
+    position.lower_index += 2 * width;
+    position.below_index += 2 * width;
+    position.upper_pair_cursor += 2 * kBlockColumns * block_count;
+    position.lower_pair_cursor += 2 * kBlockColumns * block_count;
+  } while (row < height - 2);
   steps.walk_last_rows(request, view, planes, row);
 }
 

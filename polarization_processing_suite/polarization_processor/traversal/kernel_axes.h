@@ -3,11 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "pixel/output_set.h"
+#include "vector/block_axes.h"
 
 namespace kv {
-
-inline constexpr std::size_t kPhaseCount = 4;
 
 /// Everything that can vary from frame to frame, and so tells one frame kernel from another.
 struct KernelAxes {
@@ -19,5 +17,32 @@ struct KernelAxes {
 
   constexpr bool operator==(const KernelAxes&) const = default;
 };
+
+/// The family: each variant of the vector block, for both parities of height and of width, in the
+/// SSE2 and the SSE4.1 form.
+inline constexpr std::size_t kKernelCount = kBlockVariantCount * 8;
+
+constexpr KernelAxes kernel_axes_at(std::size_t index) {
+  const BlockAxes& block = kBlockVariants[index / 8];
+  return {.phase = block.phase,
+          .encoding = block.encoding,
+          .even_height = (index & 4) != 0,
+          .even_width = (index & 2) != 0,
+          .sse41 = (index & 1) != 0};
+}
+
+constexpr std::size_t kernel_index(const KernelAxes& axes) {
+  return block_variant_index({axes.encoding, axes.phase}) * 8 + (axes.even_height ? 4 : 0) +
+         (axes.even_width ? 2 : 0) + (axes.sse41 ? 1 : 0);
+}
+
+static_assert(
+    [] {
+      for (std::size_t index = 0; index < kKernelCount; ++index) {
+        if (kernel_index(kernel_axes_at(index)) != index) return false;
+      }
+      return true;
+    }(),
+    "each member of the family has its own index");
 
 }  // namespace kv

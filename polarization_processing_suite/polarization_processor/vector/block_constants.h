@@ -1,0 +1,37 @@
+#pragma once
+
+#include <immintrin.h>
+
+#include "pixel/output_set.h"
+#include "pixel/polarization_constants.h"
+#include "transform_request.h"
+
+namespace kv {
+
+/// What blocks need beside the samples, made once a frame by the executing processor. Only the
+/// members that the encoding uses are set.
+struct BlockConstants {
+  float half_factor;       ///< Approximate reciprocal of 2: factor of S0.
+  float output_ceiling;    ///< output_max.
+  float azimuth_scale;     ///< Plane units per degree.
+  float input_reciprocal;  ///< Approximate reciprocal of input_max; scaled encodings only.
+};
+
+template <EncodingAxes encoding>
+BlockConstants prepare_block_constants(const TransformRequest& request) {
+  constexpr OutputSet outputs = encoding.outputs;
+  BlockConstants constants{};
+  if constexpr (outputs.needs_s0()) {
+    constants.half_factor = _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(2.0f)));
+  }
+  if constexpr (outputs.has_quantised_plane()) constants.output_ceiling = request.output_max;
+  if constexpr (outputs.azimuth) {
+    constants.azimuth_scale = static_cast<float>(request.output_max_int) / float{kAzimuthRange};
+  }
+  if constexpr (encoding.scaled) {
+    constants.input_reciprocal = _mm_cvtss_f32(_mm_rcp_ps(_mm_set1_ps(request.input_max)));
+  }
+  return constants;
+}
+
+}  // namespace kv

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+
+#include "pixel/output_set.h"
+#include "pixel/polarization_constants.h"
+
+// The formulas of a block, lane by lane, for a vector type V. They follow those of a single pixel
+// step by step, but for the factor of S0, the scaling by a reciprocal and the last step of azimuth.
+namespace kv {
+
+/// Stokes values of one row of a block.
+template <class V>
+struct BlockStokes {
+  V s0, s1, s2;
+};
+
+/// The columns of a row, parted by parity: lane i of the two vectors holds the even and the odd
+/// column of the neighbourhood of column i.
+template <class V>
+struct RowSamples {
+  V even, odd;
+};
+
+/// `outer` is the upper row for the upper pixels and the row below for the lower ones; `lower` is
+/// the block's lower row, the neighbour of both.
+template <std::uint32_t phase, class V>
+BlockStokes<V> block_stokes(RowSamples<V> outer, RowSamples<V> lower, V half_factor) {
+  const V s0 = ((lower.even + outer.odd) + (lower.odd + outer.even)) * half_factor;
+  if constexpr (phase == 0) return {s0, outer.even - lower.odd, lower.even - outer.odd};
+  if constexpr (phase == 1) return {s0, lower.even - outer.odd, outer.even - lower.odd};
+  if constexpr (phase == 2) return {s0, lower.odd - outer.even, outer.odd - lower.even};
+  if constexpr (phase == 3) return {s0, outer.odd - lower.even, lower.odd - outer.even};
+}
+
+template <class V>
+V atan_poly(V x) {
+  return x * (V::all(kAtanLinear) + V::all(kAtanCubic) * (x * x));
+}
+
+template <class V>
+V stokes_angle(V s1, V s2) {
+  const V zero = V::zero();
+  const V sign = V::all_bits(kSignBit);
+  const V near_axis = less(where_not(sign, s2), where_not(sign, s1));
+  const V ratio = s2 * approx_reciprocal(s1);
+  const V inverse_ratio = approx_reciprocal(ratio);
+
+  const V right_angle = V::all(kHalfPi) ^ where_not(less(zero, s2), sign);
+  const V straight_angle = V::all(kPi) ^ where_not(less_or_equal(zero, s2), sign);
+
+  const V arc_near_axis = atan_poly(ratio) + where_not(less(zero, s1), straight_angle);
+  const V arc_off_axis = (zero - atan_poly(inverse_ratio)) + right_angle;
+  const V arc = (arc_near_axis & near_axis) + where_not(near_axis, arc_off_axis);
+
+  const V s1_differs_from_zero = not_equal(s1, zero);
+  const V s2_is_zero = equal(s2, zero);
+  return (arc & s1_differs_from_zero) +
+         where_not(s2_is_zero, where_not(s1_differs_from_zero, right_angle));
+}
+
+template <class V>
+V clamp(V value, V ceiling) {
+  return maximum(minimum(value, ceiling), V::zero());
+}
+
+template <class V>
+V azimuth_value(V s1, V s2, V azimuth_scale) {
+  const V degrees = stokes_angle(s1, s2) * V::all(kDegreesOfAzimuth) + V::all(kAzimuthOffset);
+  return degrees * azimuth_scale;
+}
+
+template <class V>
+V dolp_value(BlockStokes<V> stokes, V output_ceiling) {
+  const V length = square_root(stokes.s1 * stokes.s1 + stokes.s2 * stokes.s2);
+  const V s0_is_zero = equal(stokes.s0, V::zero());
+  return where_not(s0_is_zero, length * approx_reciprocal(stokes.s0)) * output_ceiling;
+}
+
+}  // namespace kv

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "transform_request.h"
+#include "vector/block_axes.h"
+#include "vector/block_constants.h"
+
+namespace kv {
+
+inline constexpr std::uint64_t kBlockColumns = 4;
+
+/// Where a block reads and writes: 2 rows of 4 columns, computed from 3 rows.
+struct BlockPosition {
+  std::uint64_t upper_index;  ///< Element of the block's first column in the upper row,
+  std::uint64_t lower_index;  ///< in the row below it,
+  std::uint64_t below_index;  ///< and in the row that is only read.
+
+  /// Float elements of normalized_stokes. They count blocks and nothing else, so that from the
+  /// second row pair on the pairs of vector pixels do not stand at their pixels' places.
+  std::uint64_t upper_pair_cursor;
+  std::uint64_t lower_pair_cursor;
+};
+
+/// Runs `count` blocks, at least one, from left to right.
+///
+/// Blocks weigh samples with the default weights, whatever the instance's are, and take the
+/// approximate reciprocal of 2 for the factor of S0.
+using RunBlocks = void (*)(const TransformRequest& request, const BlockConstants& constants,
+                           std::uint64_t count, BlockPosition position);
+
+/// By block_variant_index. Each fourth column of the SSE4.1 form is a copy of its left neighbour;
+/// the SSE2 form gives it its own value.
+extern const std::array<RunBlocks, kBlockVariantCount> kSse2Blocks;
+extern const std::array<RunBlocks, kBlockVariantCount> kSse41Blocks;
+
+}  // namespace kv

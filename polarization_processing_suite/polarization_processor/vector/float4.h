@@ -1,0 +1,47 @@
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+
+// Included by files that are compiled for different instruction sets. The unnamed namespace keeps
+// each file's code its own: merged by the linker, the code of the higher set could end up in the
+// plain processor's path. Templates over these types are kept apart in the same way.
+namespace kv {
+namespace {
+
+/// Four floats, or four masks of all ones or all zeros.
+struct Float4 {
+  __m128 lanes;
+
+  static Float4 zero() { return {_mm_setzero_ps()}; }
+  static Float4 all(float value) { return {_mm_set1_ps(value)}; }
+  static Float4 all_bits(std::uint32_t bits) {
+    return {_mm_castsi128_ps(_mm_set1_epi32(static_cast<int>(bits)))};
+  }
+};
+
+inline Float4 operator+(Float4 a, Float4 b) { return {_mm_add_ps(a.lanes, b.lanes)}; }
+inline Float4 operator-(Float4 a, Float4 b) { return {_mm_sub_ps(a.lanes, b.lanes)}; }
+inline Float4 operator*(Float4 a, Float4 b) { return {_mm_mul_ps(a.lanes, b.lanes)}; }
+inline Float4 operator/(Float4 a, Float4 b) { return {_mm_div_ps(a.lanes, b.lanes)}; }
+inline Float4 operator&(Float4 a, Float4 b) { return {_mm_and_ps(a.lanes, b.lanes)}; }
+inline Float4 operator^(Float4 a, Float4 b) { return {_mm_xor_ps(a.lanes, b.lanes)}; }
+
+/// b where the mask is clear, else +0.
+inline Float4 where_not(Float4 mask, Float4 b) { return {_mm_andnot_ps(mask.lanes, b.lanes)}; }
+
+inline Float4 less(Float4 a, Float4 b) { return {_mm_cmplt_ps(a.lanes, b.lanes)}; }
+inline Float4 less_or_equal(Float4 a, Float4 b) { return {_mm_cmple_ps(a.lanes, b.lanes)}; }
+inline Float4 equal(Float4 a, Float4 b) { return {_mm_cmpeq_ps(a.lanes, b.lanes)}; }
+inline Float4 not_equal(Float4 a, Float4 b) { return {_mm_cmpneq_ps(a.lanes, b.lanes)}; }
+
+inline Float4 approx_reciprocal(Float4 x) { return {_mm_rcp_ps(x.lanes)}; }
+inline Float4 square_root(Float4 x) { return {_mm_sqrt_ps(x.lanes)}; }
+
+/// The second operand where one of the two is a NaN, as everywhere in the planes.
+inline Float4 minimum(Float4 value, Float4 bound) { return {_mm_min_ps(value.lanes, bound.lanes)}; }
+inline Float4 maximum(Float4 value, Float4 bound) { return {_mm_max_ps(value.lanes, bound.lanes)}; }
+
+}  // namespace
+}  // namespace kv

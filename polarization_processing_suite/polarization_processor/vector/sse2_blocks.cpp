@@ -1,0 +1,41 @@
+#include <utility>
+
+#include "vector/block.h"
+#include "vector/float4.h"
+
+namespace kv {
+namespace {
+
+struct Sse2Form {
+  using Vector = Float4;
+
+  static RowSamples<Float4> load(const std::uint16_t* samples) {
+    const __m128i words = _mm_loadu_si128(reinterpret_cast<const __m128i*>(samples));
+    const __m128 low = _mm_cvtepi32_ps(_mm_unpacklo_epi16(words, _mm_setzero_si128()));
+    const __m128 high = _mm_cvtepi32_ps(_mm_unpackhi_epi16(words, _mm_setzero_si128()));
+    const __m128 x2_x2_x4_x4 = _mm_shuffle_ps(low, high, _MM_SHUFFLE(0, 0, 2, 2));
+    return {{_mm_shuffle_ps(low, x2_x2_x4_x4, _MM_SHUFFLE(2, 0, 2, 0))},  // x0 x2 x2 x4
+            {_mm_shuffle_ps(low, low, _MM_SHUFFLE(3, 3, 1, 1))}};         // x1 x1 x3 x3
+  }
+
+  static void store(std::uint16_t* plane, Float4 bounded) {
+    // SSE2 packs signed numbers only: 0..65535 is moved down to the signed range and back.
+    const __m128i values = _mm_cvtps_epi32(bounded.lanes);
+    const __m128i moved_down = _mm_sub_epi32(values, _mm_set1_epi32(0x8000));
+    const __m128i words = _mm_packs_epi32(moved_down, moved_down);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(plane),
+                     _mm_xor_si128(words, _mm_set1_epi16(-0x8000)));
+  }
+
+  static void store_pairs(float* pairs, Float4 first, Float4 second) {
+    _mm_storeu_ps(pairs, _mm_unpacklo_ps(first.lanes, second.lanes));
+    _mm_storeu_ps(pairs + 4, _mm_unpackhi_ps(first.lanes, second.lanes));
+  }
+};
+
+}  // namespace
+
+const std::array<RunBlocks, kBlockVariantCount> kSse2Blocks =
+    block_table<Sse2Form>(std::make_index_sequence<kBlockVariantCount>());
+
+}  // namespace kv
