@@ -1,0 +1,27 @@
+#include "copy_limit.h"
+
+#include <cstddef>
+#include <cstring>
+
+namespace kv::bench {
+
+void copy_streams(const TransformRequest& request) {
+  const std::size_t width = static_cast<std::size_t>(request.width);
+  const std::size_t row_bytes = width * sizeof(std::uint16_t);
+  std::uint16_t* const planes[] = {request.intensity, request.stokes_s1, request.stokes_s2,
+                                   request.azimuth, request.dolp};
+  for (std::size_t row = 0; row < static_cast<std::size_t>(request.height); ++row) {
+    const std::uint16_t* const input = request.input + row * width;
+    for (std::uint16_t* const plane : planes) {
+      if (plane != nullptr) std::memcpy(plane + row * width, input, row_bytes);
+    }
+    if (request.normalized_stokes != nullptr) {
+      // Two floats a pixel: four times the bytes of the input.
+      auto* const pairs =
+          reinterpret_cast<unsigned char*>(request.normalized_stokes) + row * 4 * row_bytes;
+      for (int part = 0; part < 4; ++part) std::memcpy(pairs + part * row_bytes, input, row_bytes);
+    }
+  }
+}
+
+}  // namespace kv::bench

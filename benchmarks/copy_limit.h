@@ -1,0 +1,11 @@
+#pragma once
+
+#include "transform_request.h"
+
+namespace kv::bench {
+
+/// The least that a transform can take: reads the input and writes every requested plane, row by
+/// row, without computing anything.
+void copy_streams(const TransformRequest& request);
+
+}  // namespace kv::bench
