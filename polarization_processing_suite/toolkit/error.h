@@ -1,0 +1,16 @@
+#ifndef KV_TOOLKIT_ERROR_H
+#define KV_TOOLKIT_ERROR_H
+
+#include <stdexcept>
+
+namespace kv {
+
+/// A fault that the user can mend. what() is one line: what is wrong, and what would be right.
+class Error : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+}  // namespace kv
+
+#endif

@@ -1,0 +1,35 @@
+#ifndef KV_TOOLKIT_FRAME_H
+#define KV_TOOLKIT_FRAME_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace kv {
+
+/// One raw mosaic frame, row by row without gaps.
+struct Frame {
+  int width = 0;
+  int height = 0;
+  int bit_depth = 16;  ///< significant bits of a sample, the lowest ones, 1 to 16
+  std::vector<std::uint16_t> samples;
+};
+
+/// Number of pixels of a frame, once both sides are known to be positive.
+constexpr std::size_t pixel_count(int width, int height) {
+  return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+}
+
+/// Greatest sample of that many bits.
+constexpr int full_scale(int bit_depth) { return (1 << bit_depth) - 1; }
+
+/// An empty frame of that size, its samples allocated.
+/// Throws Error when a side is 0 or the size is beyond any sensor, as a damaged header tells it.
+Frame make_frame(std::uint64_t width, std::uint64_t height, int bit_depth);
+
+/// How many samples need more bits than the frame claims.
+std::size_t count_samples_above_full_scale(const Frame& frame);
+
+}  // namespace kv
+
+#endif

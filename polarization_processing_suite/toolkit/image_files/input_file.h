@@ -1,0 +1,33 @@
+#ifndef KV_TOOLKIT_IMAGE_FILES_INPUT_FILE_H
+#define KV_TOOLKIT_IMAGE_FILES_INPUT_FILE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+
+namespace kv {
+
+/// A file that is open for reading at any place.
+class InputFile {
+ public:
+  /// Throws Error when there is no such file or it can't be read.
+  explicit InputFile(const std::filesystem::path& path);
+
+  std::uint64_t size() const { return size_; }
+  std::istream& stream() { return stream_; }
+
+  /// Goes to a place and forgets an earlier end of file.
+  void seek(std::uint64_t position);
+
+  /// Reads up to that many bytes; returns how many there were.
+  std::size_t read(void* data, std::size_t size);
+
+ private:
+  std::ifstream stream_;
+  std::uint64_t size_ = 0;
+};
+
+}  // namespace kv
+
+#endif

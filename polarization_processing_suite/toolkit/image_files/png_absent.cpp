@@ -1,0 +1,19 @@
+// Stands in for png_file.cpp in builds without libpng.
+#include "../error.h"
+#include "png_file.h"
+
+namespace kv {
+namespace {
+
+[[noreturn]] void refuse() {
+  throw Error("this build has no PNG support; PGM or headerless files would be right");
+}
+
+}  // namespace
+
+bool png_available() { return false; }
+std::unique_ptr<FrameReader> open_png(InputFile) { refuse(); }
+void write_png(PendingFile&, const GreyImage&) { refuse(); }
+void write_png(PendingFile&, const Picture&) { refuse(); }
+
+}  // namespace kv

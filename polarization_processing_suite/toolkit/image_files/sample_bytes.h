@@ -1,0 +1,21 @@
+#ifndef KV_TOOLKIT_IMAGE_FILES_SAMPLE_BYTES_H
+#define KV_TOOLKIT_IMAGE_FILES_SAMPLE_BYTES_H
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace kv {
+
+enum class ByteOrder { little, big };
+
+/// Fills samples from as many stored ones: of one byte up to 8 bits, else of two.
+void samples_from_bytes(std::span<const std::uint8_t> bytes, int bits, ByteOrder order,
+                        std::span<std::uint16_t> samples);
+
+std::vector<std::uint8_t> bytes_from_samples(std::span<const std::uint16_t> samples, int bits,
+                                             ByteOrder order);
+
+}  // namespace kv
+
+#endif

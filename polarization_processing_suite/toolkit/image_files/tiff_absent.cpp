@@ -1,0 +1,19 @@
+// Stands in for tiff_file.cpp in builds without libtiff.
+#include "../error.h"
+#include "tiff_file.h"
+
+namespace kv {
+namespace {
+
+[[noreturn]] void refuse() {
+  throw Error("this build has no TIFF support; PGM or headerless files would be right");
+}
+
+}  // namespace
+
+bool tiff_available() { return false; }
+std::unique_ptr<FrameReader> open_tiff(InputFile) { refuse(); }
+void write_tiff(PendingFile&, const GreyImage&) { refuse(); }
+void write_tiff(PendingFile&, int, int, std::span<const float>) { refuse(); }
+
+}  // namespace kv

@@ -1,0 +1,28 @@
+#ifndef KV_TOOLKIT_IMAGE_FILES_TIFF_FILE_H
+#define KV_TOOLKIT_IMAGE_FILES_TIFF_FILE_H
+
+#include <memory>
+#include <span>
+
+#include "frame_reader.h"
+#include "image_writer.h"
+#include "input_file.h"
+#include "pending_file.h"
+
+namespace kv {
+
+/// Whether this build has libtiff. Without it every other function here throws Error.
+bool tiff_available();
+
+/// Grey TIFF of 8 or 16 bits; every page is a frame. A page's maximum sample value, where it has
+/// one, tells its bit depth.
+std::unique_ptr<FrameReader> open_tiff(InputFile file);
+
+void write_tiff(PendingFile& file, const GreyImage& image);
+
+/// Two interleaved float channels.
+void write_tiff(PendingFile& file, int width, int height, std::span<const float> pairs);
+
+}  // namespace kv
+
+#endif

@@ -1,0 +1,93 @@
+#include "legend.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <numbers>
+#include <string>
+
+#include "glyphs.h"
+#include "hue.h"
+
+namespace kv {
+namespace {
+
+constexpr Color panel_color = {32, 32, 32};
+constexpr Color text_color = {230, 230, 230};
+
+/// Letters of one dot a pixel need a wheel of this panel width to stand around.
+constexpr int least_panel_width = 96;
+
+constexpr int text_scale(int panel_width) { return panel_width / least_panel_width; }
+
+struct Wheel {
+  int center_column;
+  int center_row;
+  int radius;
+};
+
+std::uint8_t blend(std::uint8_t below, double above, double coverage) {
+  return static_cast<std::uint8_t>(std::lround(below + (above - below) * coverage));
+}
+
+void draw_wheel_pixel(Picture& picture, const Wheel& wheel, int right, int up) {
+  const double distance = std::hypot(right, up);
+  // The rim is smoothed over one pixel.
+  const double coverage = std::clamp(wheel.radius + 0.5 - distance, 0.0, 1.0);
+  if (coverage == 0.0) return;
+  const auto hue = hue_of_angle(std::atan2(up, right) * 180.0 / std::numbers::pi);
+  const double value = 255.0 * std::min(distance / wheel.radius, 1.0);
+  std::uint8_t* pixel = picture.pixel(wheel.center_column + right, wheel.center_row - up);
+  for (std::size_t i = 0; i < 3; ++i) pixel[i] = blend(pixel[i], hue[i] * value, coverage);
+}
+
+void draw_wheel(Picture& picture, const Wheel& wheel) {
+  for (int up = -wheel.radius - 1; up <= wheel.radius + 1; ++up) {
+    for (int right = -wheel.radius - 1; right <= wheel.radius + 1; ++right) {
+      draw_wheel_pixel(picture, wheel, right, up);
+    }
+  }
+}
+
+void draw_angle_label(Picture& picture, const Wheel& wheel, int degrees, int scale) {
+  const std::string text = std::to_string(degrees) + "'";
+  const double angle = degrees * std::numbers::pi / 180.0;
+  // Far enough out for the half diagonal of the text in the direction at hand.
+  const double reach = wheel.radius + 3.0 * scale +
+                       std::abs(std::cos(angle)) * text_width(text, scale) / 2.0 +
+                       std::abs(std::sin(angle)) * glyph_height * scale / 2.0;
+  draw_text(
+      picture, text, wheel.center_column + static_cast<int>(std::lround(reach * std::cos(angle))),
+      wheel.center_row - static_cast<int>(std::lround(reach * std::sin(angle))), scale, text_color);
+}
+
+std::string short_number(double value) {
+  char text[16];
+  std::snprintf(text, sizeof text, "%.2g", value);
+  return text;
+}
+
+}  // namespace
+
+int angle_legend_width(int picture_height) {
+  const int width = std::min(picture_height / 4, 600);
+  return width < least_panel_width ? 0 : width;
+}
+
+void draw_angle_legend(Picture& picture, int left, double dolp_white) {
+  for (int row = 0; row < picture.height; ++row) {
+    for (int column = left; column < picture.width; ++column) {
+      std::copy(panel_color.begin(), panel_color.end(), picture.pixel(column, row));
+    }
+  }
+  const int panel_width = picture.width - left;
+  const int scale = text_scale(panel_width);
+  const Wheel wheel = {left + panel_width / 2, picture.height - panel_width * 3 / 4,
+                       panel_width * 5 / 16};
+  draw_wheel(picture, wheel);
+  for (const int degrees : {0, 45, 90, 135}) draw_angle_label(picture, wheel, degrees, scale);
+  draw_text(picture, "DoLP 0-" + short_number(dolp_white), wheel.center_column,
+            picture.height - panel_width / 4, scale, text_color);
+}
+
+}  // namespace kv

@@ -1,0 +1,265 @@
+#include "processor.h"
+
+#include <algorithm>
+
+#include "error.h"
+
+namespace kv {
+namespace {
+
+constexpr std::array<Plane, 5> quantized_planes = {Plane::intensity, Plane::stokes_s1,
+                                                   Plane::stokes_s2, Plane::azimuth, Plane::dolp};
+
+std::string size_text(const Frame& frame) {
+  return std::to_string(frame.width) + " x " + std::to_string(frame.height);
+}
+
+void check_frame(const Frame& frame) {
+  if (frame.width < 2 || frame.height < 2) {
+    throw Error("a frame of " + size_text(frame) +
+                " pixels holds no 2 x 2 cell; width and height must be 2 or more");
+  }
+  // The library runs past its buffers here and never returns.
+  if (frame.width < 4 && frame.height > 2) {
+    throw Error("a frame of " + size_text(frame) +
+                " pixels is too narrow; with a height above 2 the width must be 4 or more");
+  }
+  if (frame.samples.size() != pixel_count(frame.width, frame.height)) {
+    throw Error("a frame of " + size_text(frame) + " pixels needs as many samples, not " +
+                std::to_string(frame.samples.size()));
+  }
+  if (frame.bit_depth < 1 || frame.bit_depth > 16) {
+    throw Error("a bit depth of " + std::to_string(frame.bit_depth) +
+                " is out of range; samples have from 1 to 16 bits");
+  }
+}
+
+void check_settings(const TransformSettings& settings) {
+  if (settings.planes.empty()) throw Error("no plane is asked for; name one or more");
+  if (settings.output_max == 0) throw Error("an output maximum of 0 is none; from 1 to 65535");
+  if (settings.x_origin < 0 || settings.y_origin < 0) {
+    throw Error("a negative origin lies outside of the sensor; origins are 0 or more");
+  }
+  if (settings.phase < kv_polar_phase_0 || settings.phase > kv_polar_phase_135) {
+    throw Error("the phase is none of 0, 45, 90 and 135 degrees");
+  }
+}
+
+void allocate(const Frame& frame, PlaneSet wanted, Planes& planes) {
+  planes.width = frame.width;
+  planes.height = frame.height;
+  const std::size_t pixels = frame.samples.size();
+  planes.normalized_stokes.resize(wanted.has(Plane::normalized_stokes) ? 2 * pixels : 0);
+  for (const Plane plane : quantized_planes) {
+    planes.quantized(plane).resize(wanted.has(plane) ? pixels : 0);
+  }
+}
+
+/// Where a call of the library puts its results; null for a plane that is not wanted.
+struct Targets {
+  float* normalized_stokes = nullptr;
+  std::array<std::uint16_t*, quantized_planes.size()> quantized{};
+};
+
+template <class T>
+T* start_of(std::vector<T>& plane) {
+  return plane.empty() ? nullptr : plane.data();
+}
+
+/// A rectangle of the frame whose samples lie packed at `samples`.
+struct Section {
+  const std::uint16_t* samples;
+  int column;
+  int row;
+  int width;
+  int height;
+};
+
+void call_library(PolarizationProcessor* handle, const TransformSettings& settings, int bit_depth,
+                  const Section& section, const Targets& targets) {
+  const auto& [intensity, stokes_s1, stokes_s2, azimuth, dolp] = targets.quantized;
+  // Only the parity of an origin matters; the remainders keep the sum from overflowing.
+  const ProcessorStatus status = kv_polarization_processor_transform(
+      handle, settings.phase, section.samples, settings.x_origin % 2 + section.column % 2,
+      settings.y_origin % 2 + section.row % 2, section.width, section.height,
+      static_cast<std::uint32_t>(bit_depth), settings.output_max, targets.normalized_stokes,
+      intensity, stokes_s1, stokes_s2, azimuth, dolp);
+  if (status != kv_status_ok) throw Error(status_message(status));
+}
+
+/// A call over several row pairs displaces normalized_stokes. Strips of one row pair and the row
+/// below it have nothing to displace; that third row, an edge to the strip but not to the frame, is
+/// overwritten by the next strip. Even offsets keep the phase.
+void fill_normalized_stokes_by_strips(PolarizationProcessor* handle, const Frame& frame,
+                                      const TransformSettings& settings, Planes& planes) {
+  for (int row = 0, end = 0; end < frame.height; row += 2) {
+    const int rows = std::min(3, frame.height - row);
+    end = row + rows;
+    const std::size_t first = pixel_count(frame.width, row);
+    call_library(handle, settings, frame.bit_depth,
+                 {frame.samples.data() + first, 0, row, frame.width, rows},
+                 {planes.normalized_stokes.data() + 2 * first, {}});
+  }
+}
+
+bool displaces_normalized_stokes(const Frame& frame) {
+  return frame.height >= 5 && frame.width >= 8;
+}
+
+/// Where just one side is odd, the library gives the last pixel the weights of another polarizer.
+/// The last four pixels as a frame of their own give it its true values.
+void mend_last_pixel(PolarizationProcessor* handle, const Frame& frame,
+                     const TransformSettings& settings, Planes& planes) {
+  const std::size_t last = frame.samples.size() - 1;
+  const auto width = static_cast<std::size_t>(frame.width);
+  const std::array<std::uint16_t, 4> cell = {frame.samples[last - width - 1],
+                                             frame.samples[last - width], frame.samples[last - 1],
+                                             frame.samples[last]};
+
+  std::array<float, 8> pairs{};
+  std::array<std::array<std::uint16_t, 4>, quantized_planes.size()> values{};
+  Targets targets;
+  if (!planes.normalized_stokes.empty()) targets.normalized_stokes = pairs.data();
+  for (std::size_t i = 0; i < quantized_planes.size(); ++i) {
+    if (!planes.quantized(quantized_planes[i]).empty()) targets.quantized[i] = values[i].data();
+  }
+  call_library(handle, settings, frame.bit_depth,
+               {cell.data(), frame.width - 2, frame.height - 2, 2, 2}, targets);
+
+  if (targets.normalized_stokes != nullptr) {
+    std::copy_n(pairs.end() - 2, 2, planes.normalized_stokes.end() - 2);
+  }
+  for (std::size_t i = 0; i < quantized_planes.size(); ++i) {
+    if (targets.quantized[i] != nullptr) {
+      planes.quantized(quantized_planes[i]).back() = values[i].back();
+    }
+  }
+}
+
+}  // namespace
+
+std::optional<Plane> plane_named(std::string_view name) {
+  const auto found = std::find(plane_names.begin(), plane_names.end(), name);
+  if (found == plane_names.end()) return std::nullopt;
+  return static_cast<Plane>(found - plane_names.begin());
+}
+
+PlaneSet PlaneSet::all() {
+  PlaneSet set;
+  set.bits_.set();
+  return set;
+}
+
+bool PlaneSet::has_quantized() const {
+  return std::any_of(quantized_planes.begin(), quantized_planes.end(),
+                     [this](Plane plane) { return has(plane); });
+}
+
+std::vector<std::uint16_t>& Planes::quantized(Plane plane) {
+  switch (plane) {
+    case Plane::intensity:
+      return intensity;
+    case Plane::stokes_s1:
+      return stokes_s1;
+    case Plane::stokes_s2:
+      return stokes_s2;
+    case Plane::azimuth:
+      return azimuth;
+    case Plane::dolp:
+      return dolp;
+    case Plane::normalized_stokes:
+      break;
+  }
+  throw std::logic_error("normalized_stokes is no 16-bit plane");
+}
+
+const std::vector<std::uint16_t>& Planes::quantized(Plane plane) const {
+  return const_cast<Planes*>(this)->quantized(plane);
+}
+
+std::string status_message(ProcessorStatus status) {
+  switch (status) {
+    case kv_status_ok:
+      return "no fault";
+    case kv_status_general_failure:
+      return "the processing library can't work on this processor; it needs SSE2";
+    case kv_status_not_initialized:
+      return "the processing library is not initialized";
+    case kv_status_out_of_memory:
+      return "the processing library is out of memory";
+    case kv_status_null_handle:
+      return "there is no processor handle";
+    case kv_status_null_input:
+      return "there is no input frame";
+    case kv_status_no_outputs:
+      return "no output plane is asked for";
+    case kv_status_input_aliases_output:
+      return "an output plane is the input frame itself";
+    case kv_status_outputs_alias:
+      return "two output planes are one buffer";
+    case kv_status_invalid_polar_phase:
+      return "the polar phase is none of 0, 45, 90 and 135 degrees";
+    case kv_status_zero_output_max:
+      return "the output maximum is 0; from 1 to 65535 would be right";
+    case kv_status_invalid_width:
+      return "the width is below 2";
+    case kv_status_invalid_height:
+      return "the height is below 2";
+    case kv_status_invalid_bit_depth:
+      return "the bit depth is above 16";
+    default:
+      return "the processing library returned the unknown status " + std::to_string(status);
+  }
+}
+
+std::optional<PolarPhase> phase_at(int degrees) {
+  switch (degrees) {
+    case 0:
+      return kv_polar_phase_0;
+    case 45:
+      return kv_polar_phase_45;
+    case 90:
+      return kv_polar_phase_90;
+    case 135:
+      return kv_polar_phase_135;
+    default:
+      return std::nullopt;
+  }
+}
+
+Processor::Processor() {
+  kv_polarization_processor_module_initialize();
+  const ProcessorStatus status = kv_polarization_processor_create_polarization_processor(&handle_);
+  if (status != kv_status_ok) {
+    kv_polarization_processor_module_terminate();
+    throw Error(status_message(status));
+  }
+}
+
+Processor::~Processor() {
+  kv_polarization_processor_destroy_polarization_processor(handle_);
+  kv_polarization_processor_module_terminate();
+}
+
+void Processor::transform(const Frame& frame, const TransformSettings& settings,
+                          Planes& planes) const {
+  check_frame(frame);
+  check_settings(settings);
+  allocate(frame, settings.planes, planes);
+
+  Targets targets;
+  for (std::size_t i = 0; i < quantized_planes.size(); ++i) {
+    targets.quantized[i] = start_of(planes.quantized(quantized_planes[i]));
+  }
+  const bool by_strips =
+      settings.planes.has(Plane::normalized_stokes) && displaces_normalized_stokes(frame);
+  if (!by_strips) targets.normalized_stokes = start_of(planes.normalized_stokes);
+  if (settings.planes.has_quantized() || !by_strips) {
+    call_library(handle_, settings, frame.bit_depth,
+                 {frame.samples.data(), 0, 0, frame.width, frame.height}, targets);
+  }
+  if (by_strips) fill_normalized_stokes_by_strips(handle_, frame, settings, planes);
+  if (frame.width % 2 != frame.height % 2) mend_last_pixel(handle_, frame, settings, planes);
+}
+
+}  // namespace kv

@@ -1,0 +1,102 @@
+#ifndef KV_TOOLKIT_PROCESSOR_H
+#define KV_TOOLKIT_PROCESSOR_H
+
+#include <array>
+#include <bitset>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame.h"
+#include "kevrinth_qrm_polarization_processor.h"
+
+namespace kv {
+
+enum class Plane : std::size_t {
+  normalized_stokes,
+  intensity,
+  stokes_s1,
+  stokes_s2,
+  azimuth,
+  dolp
+};
+
+inline constexpr std::size_t plane_count = 6;
+
+inline constexpr std::array<std::string_view, plane_count> plane_names = {
+    "normalized_stokes", "intensity", "stokes_s1", "stokes_s2", "azimuth", "dolp"};
+
+constexpr std::string_view name_of(Plane plane) {
+  return plane_names[static_cast<std::size_t>(plane)];
+}
+
+std::optional<Plane> plane_named(std::string_view name);
+
+/// A choice of planes.
+class PlaneSet {
+ public:
+  static PlaneSet all();
+  void add(Plane plane) { bits_.set(static_cast<std::size_t>(plane)); }
+  bool has(Plane plane) const { return bits_.test(static_cast<std::size_t>(plane)); }
+  bool empty() const { return bits_.none(); }
+  bool has_quantized() const;  ///< any plane but normalized_stokes
+
+ private:
+  std::bitset<plane_count> bits_;
+};
+
+/// How the mosaic lies under the frame, and what is wanted of it.
+struct TransformSettings {
+  PolarPhase phase = kv_polar_phase_0;  ///< polarizer behind the sensor's top-left pixel
+  int x_origin = 0;                     ///< column of the frame's first pixel on the sensor
+  int y_origin = 0;                     ///< row of the frame's first pixel on the sensor
+  std::uint16_t output_max = 65535;     ///< full scale of the 16-bit planes
+  PlaneSet planes = PlaneSet::all();
+};
+
+/// The planes of one frame; those that were not asked for are empty.
+struct Planes {
+  int width = 0;
+  int height = 0;
+  std::vector<float> normalized_stokes;  ///< two a pixel: S1/S0, S2/S0
+  std::vector<std::uint16_t> intensity;
+  std::vector<std::uint16_t> stokes_s1;
+  std::vector<std::uint16_t> stokes_s2;
+  std::vector<std::uint16_t> azimuth;
+  std::vector<std::uint16_t> dolp;
+
+  /// Any plane but normalized_stokes.
+  std::vector<std::uint16_t>& quantized(Plane plane);
+  const std::vector<std::uint16_t>& quantized(Plane plane) const;
+};
+
+/// What a status means, in words for the user of a tool.
+std::string status_message(ProcessorStatus status);
+
+/// The phase whose first polarizer stands at 0, 45, 90 or 135 degrees; none for other angles.
+std::optional<PolarPhase> phase_at(int degrees);
+
+/// Owns one processor of the library, and keeps the library open for as long as it lives.
+class Processor {
+ public:
+  Processor();
+  ~Processor();
+  Processor(const Processor&) = delete;
+  Processor& operator=(const Processor&) = delete;
+
+  /// Fills `planes` from a whole frame; buffers of an earlier frame are used again.
+  /// Every pixel of every plane is that of its place, which a single call of the library does not
+  /// grant for normalized_stokes and for the last pixel (the definition tells how it is mended).
+  /// Throws Error, before anything is computed, when the frame or the settings can't be used.
+  void transform(const Frame& frame, const TransformSettings& settings, Planes& planes) const;
+
+ private:
+  PolarizationProcessor* handle_ = nullptr;
+};
+
+}  // namespace kv
+
+#endif

@@ -1,0 +1,69 @@
+#ifndef KV_TOOLKIT_SCENE_LIGHT_H
+#define KV_TOOLKIT_SCENE_LIGHT_H
+
+#include "vector3.h"
+
+namespace kv {
+
+/// Linear Stokes values; angles counter-clockwise from the image's rows.
+struct Stokes {
+  double s0 = 0;
+  double s1 = 0;
+  double s2 = 0;
+
+  double dolp() const;
+  double angle_degrees() const;  ///< of linear polarization, -90 to 90
+};
+
+/// Linearly and partially polarized light as the coherency tensor of its electric field in space,
+/// <E E^T>, a symmetric matrix whose trace is the radiance. It needs no frame of reference that
+/// would have to be turned at every surface (Born and Wolf, Principles of Optics, 10.8).
+class Light {
+ public:
+  static Light unpolarized(double radiance, Vector3 direction);
+
+  /// Light of that degree of polarization whose field swings along `axis`, a unit vector across
+  /// its direction.
+  static Light polarized(double radiance, double dolp, Vector3 direction, Vector3 axis);
+
+  /// The tensor with these components along the unit vectors a and b, which are at right angles.
+  static Light from_components(Vector3 a, Vector3 b, double aa, double ab, double bb);
+
+  /// a^T <E E^T> b
+  double component(Vector3 a, Vector3 b) const;
+
+  /// As a camera sees it whose rows run along `right` and whose columns run against `up`.
+  Stokes stokes(Vector3 right, Vector3 up) const;
+
+  Light& operator+=(const Light& other);
+
+ private:
+  double xx_ = 0, xy_ = 0, xz_ = 0, yy_ = 0, yz_ = 0, zz_ = 0;
+};
+
+/// A smooth dielectric surface as a ray from outside meets it.
+class DielectricSurface {
+ public:
+  /// `incoming` is the ray's direction; the unit normal points outwards.
+  DielectricSurface(Vector3 incoming, Vector3 normal, double refractive_index);
+
+  /// Where a ray that leaves towards the camera, against `incoming`, came from.
+  Vector3 mirrored() const { return mirrored_; }
+
+  /// Light that travels against mirrored() and is reflected towards the camera.
+  Light reflect(const Light& light) const;
+
+  /// Unpolarized light from within, which gets its polarization where it leaves the surface.
+  Light emit(double radiance) const;
+
+ private:
+  Vector3 incoming_;
+  Vector3 mirrored_;
+  Vector3 across_;       // at right angles to the plane of incidence
+  double reflection_s_;  // amplitude, field along across_
+  double reflection_p_;  // amplitude, field within the plane of incidence
+};
+
+}  // namespace kv
+
+#endif

@@ -1,0 +1,92 @@
+#include "mosaic_camera.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace kv {
+namespace {
+
+// Typical of the sensors with 3.45 micrometre pixels that carry such mosaics.
+constexpr double full_well_electrons = 10500;
+constexpr double read_noise_electrons = 2.5;
+
+/// The finalizer of splitmix64 (Steele, Lea and Flood, 2014): a random word for every counter. In
+/// place of the standard distributions, which differ between standard libraries.
+std::uint64_t random_word(std::uint64_t counter) {
+  std::uint64_t word = counter * 0x9E3779B97F4A7C15;
+  word = (word ^ (word >> 30)) * 0xBF58476D1CE4E5B9;
+  word = (word ^ (word >> 27)) * 0x94D049BB133111EB;
+  return word ^ (word >> 31);
+}
+
+/// A number of mean 0 and variance 1, close to normal: the sum of eight evenly distributed 16-bit
+/// numbers, which reaches 4.9 standard deviations.
+double random_normal(std::uint64_t seed, std::uint64_t index) {
+  const std::uint64_t start = random_word(seed) + 2 * index;
+  std::int64_t sum = 0;
+  for (const std::uint64_t word : {random_word(start), random_word(start + 1)}) {
+    for (int shift = 0; shift < 64; shift += 16) sum += (word >> shift) & 0xFFFF;
+  }
+  constexpr double mean = 8 * 65535 / 2.0;
+  // Eight times the variance of a whole number from 0 to 65535, (65536^2 - 1) / 12.
+  constexpr double variance = 8 * (65536.0 * 65536.0 - 1) / 12;
+  static const double deviation = std::sqrt(variance);
+  return (static_cast<double>(sum) - mean) / deviation;
+}
+
+/// Malus' law for partially polarized light behind an ideal polarizer.
+class Polarizer {
+ public:
+  explicit Polarizer(int degrees)
+      : cos2_(std::cos(degrees * std::numbers::pi / 90)),
+        sin2_(std::sin(degrees * std::numbers::pi / 90)) {}
+  double pass(const Stokes& light) const {
+    return (light.s0 + cos2_ * light.s1 + sin2_ * light.s2) / 2;
+  }
+
+ private:
+  double cos2_;
+  double sin2_;
+};
+
+}  // namespace
+
+std::array<int, 4> polarizer_angles(PolarPhase phase) {
+  switch (phase) {
+    case kv_polar_phase_45:
+      return {45, 90, 0, 135};
+    case kv_polar_phase_90:
+      return {90, 45, 135, 0};
+    case kv_polar_phase_135:
+      return {135, 0, 90, 45};
+    default:
+      return {0, 135, 45, 90};
+  }
+}
+
+Frame photograph(const Scene& scene, int width, int height, const CameraSettings& settings) {
+  const auto angles = polarizer_angles(settings.phase);
+  const std::array<Polarizer, 4> cell = {Polarizer(angles[0]), Polarizer(angles[1]),
+                                         Polarizer(angles[2]), Polarizer(angles[3])};
+  Frame frame = make_frame(static_cast<std::uint64_t>(width), static_cast<std::uint64_t>(height),
+                           settings.bit_depth);
+  const double limit = full_scale(settings.bit_depth);
+  std::uint64_t index = 0;
+  for (int row = 0; row < height; ++row) {
+    for (int column = 0; column < width; ++column, ++index) {
+      const Polarizer& polarizer = cell[static_cast<std::size_t>(2 * (row % 2) + column % 2)];
+      double electrons = polarizer.pass(scene.at(column, row)) * full_well_electrons;
+      if (settings.noise) {
+        // Shot noise has the variance of the signal itself.
+        const double variance = electrons + read_noise_electrons * read_noise_electrons;
+        electrons += std::sqrt(variance) * random_normal(settings.seed, index);
+      }
+      const double level = electrons / full_well_electrons * limit;
+      frame.samples[index] = static_cast<std::uint16_t>(std::lround(std::clamp(level, 0.0, limit)));
+    }
+  }
+  return frame;
+}
+
+}  // namespace kv

@@ -1,0 +1,39 @@
+#ifndef KV_TOOLKIT_SCENE_SCENE_H
+#define KV_TOOLKIT_SCENE_SCENE_H
+
+#include <array>
+
+#include "light.h"
+
+namespace kv {
+
+/// A round polarizing film before a lamp, in pixels of the picture.
+struct FilmDisc {
+  double column;
+  double row;
+  double radius;
+  int angle_degrees;  ///< of its light, 0 along the rows, counter-clockwise
+  double dolp;        ///< of its light
+};
+
+/// A world whose polarization is known at every point: a glossy sphere that floats on rippled water
+/// under a clear sky, and before it four film discs that tell a right mosaic layout from a wrong
+/// one.
+class Scene {
+ public:
+  Scene(int width, int height);
+
+  /// Light that reaches a place of the picture, in units of the camera's full scale.
+  Stokes at(double column, double row) const;
+
+  const std::array<FilmDisc, 4>& discs() const { return discs_; }
+
+ private:
+  double width_;
+  double height_;
+  std::array<FilmDisc, 4> discs_;
+};
+
+}  // namespace kv
+
+#endif
