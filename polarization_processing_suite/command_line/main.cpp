@@ -1,0 +1,232 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include "exit_status.h"
+#include "process.h"
+#include "simulate_command.h"
+#include "toolkit/error.h"
+#include "transform_command.h"
+
+namespace {
+
+constexpr const char* description =
+    "Turns raw frames of polarization cameras into Stokes, angle and degree-of-polarization "
+    "planes.";
+
+constexpr const char* footer =
+    "Examples:\n"
+    "  kv-polarize simulate -o frame.png\n"
+    "  kv-polarize transform frame.png -o planes\n"
+    "  kv-polarize transform night/*.tif -o planes --phase 90 --planes azimuth,dolp --no-pictures\n"
+    "  kv-polarize transform dump.raw -o planes --width 2448 --height 2048 --raw-bits 16\n"
+    "\n"
+    "Exit status: 0 all went well; 1 a frame or the whole work failed; 2 the command line is "
+    "wrong;\n"
+    "130 stopped by Ctrl-C.";
+
+constexpr const char* transform_footer =
+    "Frames: grey PNG or TIFF of 8 or 16 bits (every TIFF page is a frame), PGM (P5), or "
+    "headerless\n"
+    "little endian samples, one frame behind the other, whose shape the three options tell.\n"
+    "\n"
+    "Results, for frame.png: frame_azimuth.png and so on; frame_normalized_stokes.tiff holds S1/S0 "
+    "and\n"
+    "S2/S0 as two float channels whatever the format. The angle in degrees is\n"
+    "azimuth * 180 / output-max - 90: 0 along the rows, counter-clockwise. intensity is half the "
+    "sum\n"
+    "of the four samples and reaches full scale at half of the samples' range.\n"
+    "\n"
+    "Pictures are made of every frame, whatever --planes lists: frame_intensity_picture.png, "
+    "stretched\n"
+    "to the brightest 0.2 per cent and encoded as sRGB; frame_dolp_picture.png; and\n"
+    "frame_angle_picture.png, the angle as hue (0 red, 45 yellow-green, 90 cyan, 135 violet) with "
+    "DoLP\n"
+    "as value, and a legend wheel beside it.\n"
+    "\n"
+    "A bad frame is reported and the others go on.";
+
+/// The items of a comma list.
+std::vector<std::string> split_list(const std::string& list) {
+  std::vector<std::string> items;
+  std::istringstream stream(list);
+  for (std::string item; std::getline(stream, item, ',');) items.push_back(item);
+  return items;
+}
+
+kv::PlaneSet parse_planes(const std::string& list) {
+  kv::PlaneSet planes;
+  for (const std::string& name : split_list(list)) {
+    const auto plane = kv::plane_named(name);
+    if (!plane) {
+      std::string known;
+      for (const auto plane_name : kv::plane_names) known += " " + std::string(plane_name);
+      throw CLI::ValidationError("--planes", "there is no plane '" + name + "'; known are" + known);
+    }
+    planes.add(*plane);
+  }
+  if (planes.empty()) throw CLI::ValidationError("--planes", "the list is empty; name a plane");
+  return planes;
+}
+
+void parse_origin(const std::string& text, kv::TransformSettings& settings) {
+  std::istringstream stream(text);
+  char comma = 0;
+  stream >> settings.x_origin >> comma >> settings.y_origin;
+  if (!stream || comma != ',' || stream.peek() != std::istringstream::traits_type::eof() ||
+      settings.x_origin < 0 || settings.y_origin < 0) {
+    throw CLI::ValidationError(
+        "--origin", "'" + text + "' is none; two numbers from 0 up, as in 0,1, are right");
+  }
+}
+
+CLI::Option* add_phase(CLI::App& command, int& degrees) {
+  return command
+      .add_option("--phase", degrees, "Polarizer behind the sensor's first pixel, in degrees")
+      ->check(CLI::IsMember({0, 45, 90, 135}))
+      ->capture_default_str();
+}
+
+const CLI::Range sides(2, 1 << 20);
+
+/// The transform command's options as they come from the command line.
+class TransformCommand {
+ public:
+  explicit TransformCommand(CLI::App& app)
+      : command_(*app.add_subcommand("transform", "Write planes and pictures of raw frames")) {
+    command_.footer(transform_footer);
+    command_.add_option("FRAME", options_.files, "Raw mosaic frames")->required();
+    command_.add_option("-o,--output", options_.folder, "Folder for the results; made if missing")
+        ->required();
+    add_phase(command_, phase_degrees_);
+    command_
+        .add_option_function<std::string>(
+            "--origin", [this](const std::string& text) { parse_origin(text, options_.settings); },
+            "Column and row of the frame's first pixel on the sensor (default 0,0)")
+        ->type_name("X,Y");
+    command_
+        .add_option("--bit-depth", options_.bit_depth,
+                    "Significant bits of a sample (default: the file's, 8 or 16; of a PGM's "
+                    "maxval or a TIFF's maximum sample value)")
+        ->check(CLI::Range(1, 16));
+    command_
+        .add_option("--output-max", options_.settings.output_max, "Full scale of the 16-bit planes")
+        ->check(CLI::Range(1, 65535))
+        ->capture_default_str();
+    command_
+        .add_option_function<std::string>(
+            "--planes",
+            [this](const std::string& list) { options_.settings.planes = parse_planes(list); },
+            "Planes to write, of normalized_stokes, intensity, stokes_s1, stokes_s2, azimuth, "
+            "dolp (default: all)")
+        ->type_name("LIST");
+    format_name_ = kv::plane_format_names().front();
+    command_.add_option("--format", format_name_, "File format of the 16-bit planes")
+        ->check(CLI::IsMember(kv::plane_format_names()))
+        ->capture_default_str();
+    command_.add_flag("!--no-pictures", options_.pictures, "Write no pictures");
+    command_
+        .add_option("--dolp-white", options_.dolp_white,
+                    "DoLP that pictures show at full brightness")
+        ->check(CLI::Range(0.01, 1.0))
+        ->capture_default_str();
+    add_raw_shape();
+  }
+
+  bool chosen() const { return command_.parsed(); }
+
+  int run() {
+    options_.settings.phase = kv::phase_at(phase_degrees_).value();
+    options_.format = kv::format_named(format_name_).value();
+    if (raw_.bits != 0) options_.raw_shape = raw_;
+    return kv::run_transform(options_);
+  }
+
+ private:
+  void add_raw_shape() {
+    CLI::Option* width =
+        command_.add_option("--width", raw_.width, "Columns of headerless frames")->check(sides);
+    CLI::Option* height =
+        command_.add_option("--height", raw_.height, "Rows of headerless frames")->check(sides);
+    CLI::Option* bits =
+        command_.add_option("--raw-bits", raw_.bits, "Stored bits of their samples, 8 or 16")
+            ->check(CLI::IsMember({8, 16}));
+    width->needs(height)->needs(bits);
+    height->needs(width)->needs(bits);
+    bits->needs(width)->needs(height);
+  }
+
+  CLI::App& command_;
+  kv::TransformOptions options_;
+  int phase_degrees_ = 0;
+  std::string format_name_;
+  kv::RawShape raw_{};
+};
+
+class SimulateCommand {
+ public:
+  explicit SimulateCommand(CLI::App& app)
+      : command_(*app.add_subcommand("simulate", "Write a raw frame of a synthetic scene")) {
+    command_.footer(
+        "The scene: a glossy sphere on rippled water under a clear sky, its light traced by\n"
+        "Fresnel's equations, and four film discs at 0, 45, 90 and 135 degrees, left to right, "
+        "with\n"
+        "DoLP 0.9, 0.8, 0.7 and 0.6.");
+    command_
+        .add_option("-o,--output", options_.file,
+                    "The frame, in the format of its ending: .png, .tiff, .pgm or .raw")
+        ->required();
+    command_.add_option("--width", options_.width, "Columns")->check(sides)->capture_default_str();
+    command_.add_option("--height", options_.height, "Rows")->check(sides)->capture_default_str();
+    command_.add_option("--bit-depth", options_.camera.bit_depth, "Significant bits of a sample")
+        ->check(CLI::Range(1, 16))
+        ->capture_default_str();
+    add_phase(command_, options_.phase_degrees);
+    command_.add_option("--seed", options_.camera.seed, "Start of the noise")
+        ->capture_default_str();
+    command_.add_flag("--noise,!--no-noise", options_.camera.noise,
+                      "With shot and read noise (default), or without");
+  }
+
+  bool chosen() const { return command_.parsed(); }
+
+  int run() {
+    options_.camera.phase = kv::phase_at(options_.phase_degrees).value();
+    return kv::run_simulate(options_);
+  }
+
+ private:
+  CLI::App& command_;
+  kv::SimulateOptions options_;
+};
+
+int complain(const std::string& line, int status) {
+  std::cerr << "kv-polarize: " << line << std::endl;
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  kv::tame_signals();
+  try {
+    CLI::App app(description, "kv-polarize");
+    app.footer(footer);
+    app.set_version_flag("--version", "kv-polarize " KV_VERSION);
+    app.require_subcommand(1);
+    TransformCommand transform(app);
+    SimulateCommand simulate(app);
+    try {
+      app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+      if (error.get_exit_code() == 0) return app.exit(error);
+      return complain(std::string(error.what()) + "; see kv-polarize --help", kv::exit_usage);
+    }
+    return transform.chosen() ? transform.run() : simulate.run();
+  } catch (const std::bad_alloc&) {
+    return complain("there is not enough memory; a smaller frame would be right", kv::exit_failure);
+  } catch (const std::exception& error) {
+    return complain(error.what(), kv::exit_failure);
+  }
+}

@@ -1,0 +1,31 @@
+#ifndef KV_COMMAND_LINE_PROGRESS_BAR_H
+#define KV_COMMAND_LINE_PROGRESS_BAR_H
+
+#include <cstddef>
+
+namespace kv {
+
+/// One line on the error stream that tells how far the files are; removed when done. Shown only on
+/// a terminal and for more than one file.
+class ProgressBar {
+ public:
+  explicit ProgressBar(std::size_t files);
+  ~ProgressBar();
+  ProgressBar(const ProgressBar&) = delete;
+  ProgressBar& operator=(const ProgressBar&) = delete;
+
+  /// `files_done` may hold a fraction, for the pages of a file.
+  void show(double files_done);
+
+  /// Takes the line away, for a message in its place.
+  void hide();
+
+ private:
+  std::size_t files_;
+  bool enabled_;
+  bool visible_ = false;
+};
+
+}  // namespace kv
+
+#endif

@@ -1,0 +1,44 @@
+#include "simulate_command.h"
+
+#include <iostream>
+#include <string>
+
+#include "exit_status.h"
+#include "toolkit/image_files/image_writer.h"
+
+namespace kv {
+namespace {
+
+/// What transform has to be told about the frame, as it can't tell it from the file.
+std::string transform_arguments(const SimulateOptions& options, ImageFormat format) {
+  std::string arguments = options.file.string() + " -o planes";
+  const int depth = options.camera.bit_depth;
+  if (options.phase_degrees != 0) arguments += " --phase " + std::to_string(options.phase_degrees);
+  const bool file_tells_depth =
+      format == ImageFormat::tiff || format == ImageFormat::pgm || depth == 8 || depth == 16;
+  if (!file_tells_depth) arguments += " --bit-depth " + std::to_string(depth);
+  if (format == ImageFormat::raw) {
+    arguments += " --width " + std::to_string(options.width) + " --height " +
+                 std::to_string(options.height) + " --raw-bits " + (depth > 8 ? "16" : "8");
+  }
+  return arguments;
+}
+
+}  // namespace
+
+int run_simulate(const SimulateOptions& options) {
+  const ImageFormat format = format_for(options.file);
+  const Scene scene(options.width, options.height);
+  const Frame frame = photograph(scene, options.width, options.height, options.camera);
+  PendingFile file(options.file);
+  write_grey(file, format, {frame.width, frame.height, frame.bit_depth, frame.samples});
+  file.close();
+  file.publish();
+  std::cout << "frame of " << options.width << " x " << options.height << " pixels with "
+            << frame.bit_depth << " bits in " << options.file.string()
+            << "; next: kv-polarize transform " << transform_arguments(options, format)
+            << std::endl;
+  return exit_success;
+}
+
+}  // namespace kv

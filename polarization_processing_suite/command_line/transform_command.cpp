@@ -1,0 +1,193 @@
+#include "transform_command.h"
+
+#include <chrono>
+#include <deque>
+#include <iomanip>
+#include <iostream>
+#include <new>
+#include <string>
+#include <system_error>
+
+#include "exit_status.h"
+#include "output_names.h"
+#include "process.h"
+#include "progress_bar.h"
+#include "toolkit/error.h"
+#include "toolkit/pictures/pictures.h"
+
+namespace kv {
+namespace {
+
+/// The files of one frame; they appear all together, or none does.
+class FrameOutput {
+ public:
+  template <class Write>
+  void add(const std::filesystem::path& path, Write write) {
+    PendingFile& file = files_.emplace_back(path);
+    write(file);
+    file.close();
+  }
+
+  void publish() {
+    for (PendingFile& file : files_) file.publish();
+  }
+
+ private:
+  std::deque<PendingFile> files_;
+};
+
+class TransformRun {
+ public:
+  explicit TransformRun(const TransformOptions& options)
+      : options_(options),
+        computed_(options.settings),
+        names_(options.folder, options.files),
+        progress_(options.files.size()) {
+    if (options.pictures) {
+      computed_.planes.add(Plane::azimuth);
+      computed_.planes.add(Plane::dolp);
+    }
+  }
+
+  int run() {
+    for (std::size_t i = 0; i < options_.files.size() && !interrupted(); ++i) {
+      transform_file(options_.files[i], static_cast<double>(i));
+    }
+    progress_.hide();
+    print_summary();
+    if (interrupted()) return exit_interrupted;
+    return failures_ == 0 ? exit_success : exit_failure;
+  }
+
+ private:
+  void transform_file(const std::filesystem::path& file, double files_done) {
+    progress_.show(files_done);
+    std::unique_ptr<FrameReader> reader;
+    if (!attempt(file.string(), [&] { reader = open_frames(file, options_.raw_shape); })) return;
+    const std::size_t pages = reader->count();
+    for (std::size_t page = 0; page < pages && !interrupted(); ++page) {
+      progress_.show(files_done + static_cast<double>(page) / static_cast<double>(pages));
+      const std::string name =
+          file.string() + (pages > 1 ? ", page " + std::to_string(page + 1) : "");
+      attempt(name, [&] { transform_frame(file, *reader, page, name); });
+    }
+  }
+
+  /// Reports a failure of the work and lets the run go on.
+  template <class Work>
+  bool attempt(const std::string& name, Work work) {
+    try {
+      work();
+      return true;
+    } catch (const Error& error) {
+      report(name + ": " + error.what());
+    } catch (const std::bad_alloc&) {
+      report(name + ": there is not enough memory for this frame; a smaller one would be right");
+    }
+    ++failures_;
+    return false;
+  }
+
+  void transform_frame(const std::filesystem::path& file, FrameReader& reader, std::size_t page,
+                       const std::string& name) {
+    Frame frame = reader.read(page);
+    if (options_.bit_depth) frame.bit_depth = *options_.bit_depth;
+    warn_of_excess(frame, name);
+    const std::string stem = names_.stem_for(file, page, reader.count());
+
+    const auto start = std::chrono::steady_clock::now();
+    processor_.transform(frame, computed_, planes_);
+    seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    pixels_ += static_cast<double>(frame.samples.size());
+
+    FrameOutput output;
+    write_planes(stem, output);
+    if (options_.pictures) write_pictures(frame, stem, output);
+    output.publish();
+    ++frames_;
+  }
+
+  void warn_of_excess(const Frame& frame, const std::string& name) {
+    const std::size_t excess = count_samples_above_full_scale(frame);
+    if (excess == 0) return;
+    report("warning: " + name + ": " + std::to_string(excess) + " samples are above " +
+           std::to_string(full_scale(frame.bit_depth)) + ", the greatest of " +
+           std::to_string(frame.bit_depth) + " bits; check --bit-depth");
+  }
+
+  void write_planes(const std::string& stem, FrameOutput& output) {
+    for (std::size_t i = 0; i < plane_count; ++i) {
+      const auto plane = static_cast<Plane>(i);
+      if (!options_.settings.planes.has(plane)) continue;
+      const std::string name = stem + "_" + std::string(name_of(plane));
+      if (plane == Plane::normalized_stokes) {
+        output.add(names_.path_for(name + float_pairs_extension()), [&](PendingFile& file) {
+          write_float_pairs(file, planes_.width, planes_.height, planes_.normalized_stokes);
+        });
+      } else {
+        output.add(names_.path_for(name + extension_of(options_.format)), [&](PendingFile& file) {
+          write_grey(file, options_.format,
+                     {planes_.width, planes_.height, 16, planes_.quantized(plane)});
+        });
+      }
+    }
+  }
+
+  void write_pictures(const Frame& frame, const std::string& stem, FrameOutput& output) {
+    const auto add = [&](const std::string& subject, const Picture& picture) {
+      output.add(names_.path_for(stem + "_" + subject + "_picture" + picture_extension()),
+                 [&](PendingFile& file) { write_picture(file, picture); });
+    };
+    const std::uint16_t output_max = options_.settings.output_max;
+    add("intensity", intensity_picture(frame));
+    add("dolp", dolp_picture(planes_, output_max, options_.dolp_white));
+    add("angle", angle_picture(planes_, output_max, options_.dolp_white));
+  }
+
+  void report(const std::string& line) {
+    progress_.hide();
+    std::cerr << "kv-polarize: " << line << std::endl;
+  }
+
+  void print_summary() const {
+    std::cout << frames_ << (frames_ == 1 ? " frame" : " frames") << " transformed";
+    if (failures_ > 0) std::cout << ", " << failures_ << " failed";
+    if (frames_ > 0) {
+      std::cout << "; " << std::fixed << std::setprecision(0) << pixels_ / 1e6 / seconds_
+                << " megapixels per second in the transform itself, without files and pictures; "
+                   "results in "
+                << options_.folder.string();
+    }
+    std::cout << std::endl;
+  }
+
+  const TransformOptions& options_;
+  TransformSettings computed_;  // what is written, and what pictures need
+  OutputNames names_;
+  ProgressBar progress_;
+  Processor processor_;
+  Planes planes_;
+  std::size_t frames_ = 0;
+  std::size_t failures_ = 0;
+  double pixels_ = 0;
+  double seconds_ = 0;
+};
+
+void make_folder(const std::filesystem::path& folder) {
+  std::error_code failure;
+  std::filesystem::create_directories(folder, failure);
+  if (!std::filesystem::is_directory(folder)) {
+    const std::string why = failure ? failure.message() : "a file has this name";
+    throw Error("the output folder " + folder.string() + " cannot be made: " + why +
+                "; choose another one with -o");
+  }
+}
+
+}  // namespace
+
+int run_transform(const TransformOptions& options) {
+  make_folder(options.folder);
+  return TransformRun(options).run();
+}
+
+}  // namespace kv

@@ -1,0 +1,30 @@
+#ifndef KV_COMMAND_LINE_TRANSFORM_COMMAND_H
+#define KV_COMMAND_LINE_TRANSFORM_COMMAND_H
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include "toolkit/image_files/frame_reader.h"
+#include "toolkit/image_files/image_writer.h"
+#include "toolkit/processor.h"
+
+namespace kv {
+
+struct TransformOptions {
+  std::vector<std::filesystem::path> files;
+  std::filesystem::path folder;
+  TransformSettings settings;    ///< its planes are those to write
+  std::optional<int> bit_depth;  ///< in place of the files' own
+  std::optional<RawShape> raw_shape;
+  ImageFormat format = ImageFormat::pgm;
+  bool pictures = true;
+  double dolp_white = 1;
+};
+
+/// Transforms all files and reports on the standard streams. Returns an exit status.
+int run_transform(const TransformOptions& options);
+
+}  // namespace kv
+
+#endif
