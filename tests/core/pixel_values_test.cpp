@@ -1,0 +1,312 @@
+// Values worked by hand. They come from the top-left pixel of a 2 x 2 frame behind the 0 degree
+// polarizer, whose default weights give S0 = (own + horizontal + vertical + diagonal) / 2,
+// S1 = own - diagonal and S2 = vertical - horizontal.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "public_call.h"
+#include "rounding_scope.h"
+
+namespace kv::test {
+namespace {
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kDenormal = 1e-40f;
+
+struct Samples {
+  std::uint16_t own;
+  std::uint16_t horizontal;
+  std::uint16_t vertical;
+  std::uint16_t diagonal;
+};
+
+constexpr Samples uniform(std::uint16_t value) { return {value, value, value, value}; }
+
+struct Scale {
+  std::uint32_t bit_depth = 16;
+  std::uint16_t output_max = 65535;
+};
+
+struct Pixel {
+  float s1_ratio;
+  float s2_ratio;
+  std::uint16_t intensity;
+  std::uint16_t stokes_s1;
+  std::uint16_t stokes_s2;
+  std::uint16_t azimuth;
+  std::uint16_t dolp;
+};
+
+Pixel evaluate(const Samples& samples, const Scale& scale = {}, const Weights* weights = nullptr) {
+  const Processor processor;
+  if (weights != nullptr) {
+    EXPECT_EQ(kv_polarization_processor_set_custom_calibration_coefficients(
+                  processor.handle(), weights->data(), nullptr, nullptr, nullptr),
+              kv_status_ok);
+  }
+  const Planes planes =
+      transformed(processor, {.bit_depth = scale.bit_depth, .output_max = scale.output_max},
+                  {samples.own, samples.horizontal, samples.vertical, samples.diagonal});
+  return {planes.normalized_stokes[0],
+          planes.normalized_stokes[1],
+          planes.intensity[0],
+          planes.stokes_s1[0],
+          planes.stokes_s2[0],
+          planes.azimuth[0],
+          planes.dolp[0]};
+}
+
+/// Any Stokes values, by way of the weights.
+struct Stokes {
+  float s0;
+  float s1;
+  float s2;
+};
+
+Pixel evaluate(const Stokes& stokes, const Scale& scale = {}) {
+  Weights weights{};
+  const auto make_row = [&weights](std::size_t row, float value) {
+    weights[4 * row] = value;
+    // A sum of zeros is negative only if all of them are.
+    for (std::size_t i = 1; i < 4; ++i) weights[4 * row + i] = std::copysign(0.0f, value);
+  };
+  make_row(0, 2 * stokes.s0);
+  make_row(1, stokes.s1);
+  make_row(2, stokes.s2);
+  return evaluate(Samples{1, 0, 0, 0}, scale, &weights);
+}
+
+std::string text(const Samples& s) {
+  return std::to_string(s.own) + " " + std::to_string(s.horizontal) + " " +
+         std::to_string(s.vertical) + " " + std::to_string(s.diagonal);
+}
+
+TEST(PixelValues, AzimuthAndDolp) {
+  // What the approximate reciprocal may move; 0 where the value does not depend on it.
+  struct Level {
+    int value;
+    int tolerance = 0;
+  };
+  struct Case {
+    Samples samples;
+    Level azimuth;
+    Level dolp;
+    Level azimuth_of_12_bits;
+  };
+  const std::vector<Case> cases{
+      {{0, 0, 0, 0}, {32768}, {0}, {2048}},
+      {{100, 100, 100, 100}, {32768}, {0}, {2048}},
+      {{1000, 600, 600, 200}, {32768}, {43690, 16}, {2048}},
+      {{200, 600, 600, 1000}, {65535}, {43690, 16}, {4095}},
+      {{600, 200, 1000, 600}, {49151}, {43690, 16}, {3071}},
+      {{600, 1000, 200, 600}, {16384}, {43690, 16}, {1024}},
+      {{1000, 700, 400, 100}, {29461, 4}, {56520, 24}, {1841, 1}},
+      {{800, 300, 500, 100}, {35619, 4}, {56130, 24}, {2226, 1}},
+      // |S1| = |S2| is taken from the arc around S2.
+      {{300, 500, 900, 700}, {57291, 4}, {30893, 12}, {3580, 1}},
+      // The length exceeds S0.
+      {{100, 0, 100, 0}, {41011, 4}, {65535}, {2563, 1}},
+  };
+  for (const Case& c : cases) {
+    const Pixel pixel = evaluate(c.samples);
+    EXPECT_NEAR(pixel.azimuth, c.azimuth.value, c.azimuth.tolerance) << text(c.samples);
+    EXPECT_NEAR(pixel.dolp, c.dolp.value, c.dolp.tolerance) << text(c.samples);
+
+    const Pixel of_12_bits = evaluate(c.samples, {12, 4095});
+    EXPECT_NEAR(of_12_bits.azimuth, c.azimuth_of_12_bits.value, c.azimuth_of_12_bits.tolerance)
+        << text(c.samples);
+  }
+}
+
+TEST(PixelValues, BlackReadsAsUnpolarizedAtMidScale) {
+  struct Case {
+    std::uint16_t output_max;
+    int azimuth;
+  };
+  for (const Case& c : std::vector<Case>{{65535, 32768}, {4095, 2048}, {1023, 512}, {255, 128}}) {
+    const Pixel pixel = evaluate(uniform(0), {16, c.output_max});
+    EXPECT_EQ(pixel.intensity, 0);
+    EXPECT_EQ(pixel.stokes_s1, 0);
+    EXPECT_EQ(pixel.stokes_s2, 0);
+    EXPECT_EQ(pixel.azimuth, c.azimuth);
+    EXPECT_EQ(pixel.dolp, 0);
+    EXPECT_TRUE(std::isnan(pixel.s1_ratio));
+    EXPECT_TRUE(std::isnan(pixel.s2_ratio));
+  }
+}
+
+TEST(PixelValues, LinearPlanes) {
+  struct Case {
+    const char* name;
+    Samples samples;
+    Scale scale;
+    int intensity;
+    int stokes_s1;
+    int stokes_s2;
+  };
+  const std::vector<Case> cases{
+      {"tie at 0.5", {1, 0, 0, 0}, {}, 0, 1, 0},
+      {"tie at 1.5", {0, 0, 3, 0}, {}, 2, 0, 3},
+      {"tie at 2.5", {1, 1, 1, 2}, {}, 2, 0, 0},
+      {"tie at 3.5", {1, 2, 2, 2}, {}, 4, 0, 0},
+      {"tie at 32767.5", {65535, 0, 0, 0}, {}, 32768, 65535, 0},
+      {"below saturation", uniform(2047), {12, 4095}, 4094, 0, 0},
+      {"at saturation", uniform(2048), {12, 4095}, 4095, 0, 0},
+      {"all samples saturated", uniform(4095), {12, 4095}, 4095, 0, 0},
+      {"samples of more than 12 bits", {5000, 0, 0, 0}, {12, 4095}, 2500, 4095, 0},
+      {"negative S1", {5, 0, 0, 6}, {12, 4095}, 6, 0, 0},
+      {"negative S2", {0, 5, 4, 0}, {12, 4095}, 4, 0, 0},
+      {"scaled down", {500, 500, 500, 500}, {12, 255}, 62, 0, 0},
+      {"scaled down to saturation", uniform(4095), {12, 255}, 255, 0, 0},
+      {"scaled down, negative S1", {0, 0, 0, 5}, {12, 255}, 0, 0, 0},
+      {"scaled up, the half taken before", {100, 20, 80, 0}, {8, 65535}, 25700, 25700, 15420},
+      {"scaled up, samples of more than 8 bits", {300, 0, 0, 0}, {8, 65535}, 38550, 65535, 0},
+      {"full scale one less than that of the samples", {100, 0, 0, 0}, {8, 254}, 50, 100, 0},
+      {"bit depth 0, positive, negative and zero", {7, 9, 9, 0}, {0, 1000}, 1000, 1000, 1000},
+      {"bit depth 0, negative S1 and S2", {0, 9, 0, 9}, {0, 1000}, 1000, 0, 0},
+      {"bit depth 0, black", uniform(0), {0, 1000}, 1000, 1000, 1000},
+      {"output_max 1", {1, 0, 1, 0}, {1, 1}, 1, 1, 1},
+      {"output_max 1, tie", {0, 0, 0, 1}, {1, 1}, 0, 0, 0},
+  };
+  for (const Case& c : cases) {
+    const Pixel pixel = evaluate(c.samples, c.scale);
+    EXPECT_EQ(pixel.intensity, c.intensity) << c.name;
+    EXPECT_EQ(pixel.stokes_s1, c.stokes_s1) << c.name;
+    EXPECT_EQ(pixel.stokes_s2, c.stokes_s2) << c.name;
+  }
+}
+
+TEST(PixelValues, BitDepthDoesNotReachAzimuthDolpAndRatios) {
+  const Samples samples{800, 300, 500, 100};
+  const Pixel expected = evaluate(samples, {12, 4095});
+  for (const std::uint32_t bit_depth : {0u, 1u, 8u, 16u}) {
+    const Pixel pixel = evaluate(samples, {bit_depth, 4095});
+    EXPECT_EQ(pixel.azimuth, expected.azimuth) << bit_depth;
+    EXPECT_EQ(pixel.dolp, expected.dolp) << bit_depth;
+    EXPECT_EQ(pixel.s1_ratio, expected.s1_ratio) << bit_depth;
+    EXPECT_EQ(pixel.s2_ratio, expected.s2_ratio) << bit_depth;
+  }
+}
+
+TEST(PixelValues, AzimuthOfOneBit) {
+  EXPECT_EQ(evaluate(Samples{9, 5, 1, 1}, {16, 1}).azimuth, 0);  // below 90 degrees
+  EXPECT_EQ(evaluate(Samples{9, 3, 3, 1}, {16, 1}).azimuth, 0);  // the tie at 90 degrees
+  EXPECT_EQ(evaluate(Samples{9, 1, 5, 1}, {16, 1}).azimuth, 1);  // above
+}
+
+TEST(PixelValues, RatiosAreDivided) {
+  struct Case {
+    const char* name;
+    Stokes stokes;
+    float s1_ratio;
+    float s2_ratio;
+  };
+  const std::vector<Case> cases{
+      {"rounded quotients", {1200, 800, -300}, 0x1.555556p-1f, -0.25f},
+      {"beyond 1", {1, 3, -2}, 3, -2},
+      {"negative S0", {-500, 300, -250}, -0x1.333334p-1f, 0.5f},
+      {"S0 zero", {0, 300, -300}, kInfinity, -kInfinity},
+      {"S0 negative zero", {-0.0f, 300, -300}, -kInfinity, kInfinity},
+  };
+  for (const Case& c : cases) {
+    const Pixel pixel = evaluate(c.stokes);
+    EXPECT_EQ(pixel.s1_ratio, c.s1_ratio) << c.name;
+    EXPECT_EQ(pixel.s2_ratio, c.s2_ratio) << c.name;
+  }
+  const Pixel quarter = evaluate(Samples{1, 0, 0, 0});
+  EXPECT_EQ(quarter.s1_ratio, 2.0f);
+  EXPECT_EQ(quarter.s2_ratio, 0.0f);
+}
+
+TEST(PixelValues, UnusualStokesValues) {
+  constexpr float huge = 1e6f;  // An S0 that makes DoLP vanish.
+  struct Case {
+    const char* name;
+    Stokes stokes;
+    int intensity;
+    int stokes_s1;
+    int stokes_s2;
+    int azimuth;
+    int dolp;
+  };
+  const std::vector<Case> cases{
+      {"S0 NaN", {kNaN, 100, 0}, 65535, 100, 0, 32768, 65535},
+      {"S1 NaN", {100, kNaN, 50}, 100, 65535, 50, 65535, 65535},
+      {"S2 NaN", {100, 50, kNaN}, 100, 50, 65535, 65535, 65535},
+      {"S2 NaN, S1 zero", {100, 0, kNaN}, 100, 0, 65535, 16384, 65535},
+      {"S0 infinite", {kInfinity, 100, 0}, 65535, 100, 0, 32768, 0},
+      {"S0 minus infinity", {-kInfinity, 100, 0}, 0, 100, 0, 32768, 0},
+      {"S1 infinite", {100, kInfinity, 0}, 100, 65535, 0, 32768, 65535},
+      {"S1 minus infinity", {100, -kInfinity, 0}, 100, 0, 0, 65535, 65535},
+      {"S2 infinite", {100, -1, kInfinity}, 100, 0, 65535, 49151, 65535},
+      {"S2 minus infinity", {100, 0, -kInfinity}, 100, 0, 0, 16384, 65535},
+      {"S1 and S2 infinite", {100, kInfinity, kInfinity}, 100, 65535, 65535, 65535, 65535},
+      {"S0 denormal", {kDenormal, 100, 0}, 0, 100, 0, 32768, 65535},
+      {"S0 denormal, no polarization", {kDenormal, 0, 0}, 0, 0, 0, 32768, 65535},
+      {"S0 negative denormal", {-kDenormal, 100, 0}, 0, 100, 0, 32768, 0},
+      {"S1 denormal", {huge, kDenormal, 1}, 65535, 0, 1, 49151, 0},
+      {"S1 denormal, S2 zero", {huge, kDenormal, 0}, 65535, 0, 0, 65535, 0},
+      {"S0 negative", {-500, 300, 0}, 0, 300, 0, 32768, 0},
+      {"S0 zero", {0, 300, 0}, 0, 300, 0, 32768, 0},
+      {"S0 negative zero", {-0.0f, -300, 0}, 0, 0, 0, 65535, 0},
+      {"S1 negative zero", {huge, -0.0f, 5}, 65535, 0, 5, 49151, 0},
+      {"S2 negative zero, S1 positive", {huge, 5, -0.0f}, 65535, 5, 0, 32768, 0},
+      {"S2 negative zero, S1 negative", {huge, -5, -0.0f}, 65535, 0, 0, 65535, 0},
+      {"S2 just below zero, S1 negative", {1e9f, -30000, -1}, 65535, 0, 0, 0, 2},
+  };
+  for (const Case& c : cases) {
+    const Pixel pixel = evaluate(c.stokes);
+    EXPECT_EQ(pixel.intensity, c.intensity) << c.name;
+    EXPECT_EQ(pixel.stokes_s1, c.stokes_s1) << c.name;
+    EXPECT_EQ(pixel.stokes_s2, c.stokes_s2) << c.name;
+    EXPECT_EQ(pixel.azimuth, c.azimuth) << c.name;
+    EXPECT_EQ(pixel.dolp, c.dolp) << c.name;
+  }
+}
+
+TEST(PixelValues, EveryOperationIsRoundedByItself) {
+  constexpr float two_to_24 = 0x1p24f;
+  // 4097 * 4097 needs 25 bits and loses its last one; a fused operation would keep it.
+  constexpr float square = 16785408;
+  const Weights weights{two_to_24, 1,       1, -two_to_24,  // left to right, both ones are lost
+                        4097,      -square, 0, 0,           //
+                        1,         0,       0, two_to_24,   //
+                        0,         0,       0, 0};
+  EXPECT_EQ(evaluate(Samples{1, 1, 1, 1}, {}, &weights).intensity, 0);
+  EXPECT_EQ(evaluate(Samples{4097, 1, 0, 0}, {}, &weights).stokes_s1, 0);
+}
+
+TEST(PixelValues, RoundingFollowsTheThread) {
+  struct Case {
+    const char* name;
+    Samples samples;
+    Scale scale;
+    std::array<int, 4> intensity;  ///< To nearest, down, up, towards zero.
+  };
+  const std::vector<Case> cases{
+      {"0.5", {1, 0, 0, 0}, {}, {0, 0, 1, 0}},
+      {"1.5", {3, 0, 0, 0}, {}, {2, 1, 2, 1}},
+      {"2.5", {5, 0, 0, 0}, {}, {2, 2, 3, 2}},
+      {"3.5", {7, 0, 0, 0}, {}, {4, 3, 4, 3}},
+      {"62.27", uniform(500), {12, 255}, {62, 62, 63, 62}},
+      {"saturated", uniform(65535), {}, {65535, 65535, 65535, 65535}},
+      {"black", uniform(0), {}, {0, 0, 0, 0}},
+  };
+  for (std::size_t mode = 0; mode < kRoundingModes.size(); ++mode) {
+    const RoundingScope rounding(kRoundingModes[mode].value);
+    for (const Case& c : cases) {
+      EXPECT_EQ(evaluate(c.samples, c.scale).intensity, c.intensity[mode])
+          << c.name << " rounded " << kRoundingModes[mode].name;
+    }
+    constexpr std::array<int, 4> mid_scale{32768, 32767, 32768, 32767};
+    EXPECT_EQ(evaluate(uniform(0)).azimuth, mid_scale[mode]) << kRoundingModes[mode].name;
+    EXPECT_EQ(evaluate(uniform(9)).azimuth, mid_scale[mode]) << kRoundingModes[mode].name;
+    EXPECT_EQ(evaluate(Samples{1, 1, 0, 2}).stokes_s1, 0) << kRoundingModes[mode].name;
+  }
+}
+
+}  // namespace
+}  // namespace kv::test
