@@ -86,11 +86,7 @@ void run_blocks(const TransformRequest& request, const BlockConstants& constants
   const Block<Form, axes> block(request, constants);
   do {
     block.evaluate(position);
-    position.upper_index += kBlockColumns;
-    position.lower_index += kBlockColumns;
-    position.below_index += kBlockColumns;
-    position.upper_pair_cursor += 2 * kBlockColumns;
-    position.lower_pair_cursor += 2 * kBlockColumns;
+    advance(position, 1);
   } while (--count != 0);
 }
 

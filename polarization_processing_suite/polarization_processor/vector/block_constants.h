@@ -8,13 +8,14 @@
 
 namespace kv {
 
-/// What blocks need beside the samples, made once a frame by the executing processor. Only the
-/// members that the encoding uses are set.
+/// What blocks need beside the samples, made once a frame by the executing processor. Those
+/// that the encoding does not use stay zero.
 struct BlockConstants {
   float half_factor;       ///< Approximate reciprocal of 2: factor of S0.
   float output_ceiling;    ///< output_max.
   float azimuth_scale;     ///< Plane units per degree.
   float input_reciprocal;  ///< Approximate reciprocal of input_max; scaled encodings only.
+  float zero_difference;   ///< x - x in the thread's rounding mode: -0 when it is downward.
 };
 
 template <EncodingAxes encoding>
@@ -30,6 +31,10 @@ BlockConstants prepare_block_constants(const TransformRequest& request) {
   }
   if constexpr (encoding.scaled) {
     constants.input_reciprocal = _mm_cvtss_f32(_mm_rcp_ps(_mm_set1_ps(request.input_max)));
+  }
+  if constexpr (outputs.normalized_stokes) {
+    const __m128 x = _mm_set_ss(request.output_max);
+    constants.zero_difference = _mm_cvtss_f32(_mm_sub_ss(x, x));
   }
   return constants;
 }

@@ -9,12 +9,6 @@
 // step by step, but for the factor of S0, the scaling by a reciprocal and the last step of azimuth.
 namespace kv {
 
-/// Stokes values of one row of a block.
-template <class V>
-struct BlockStokes {
-  V s0, s1, s2;
-};
-
 /// The columns of a row, parted by parity: lane i of the two vectors holds the even and the odd
 /// column of the neighbourhood of column i.
 template <class V>
@@ -22,15 +16,39 @@ struct RowSamples {
   V even, odd;
 };
 
-/// `outer` is the upper row for the upper pixels and the row below for the lower ones; `lower` is
-/// the block's lower row, the neighbour of both.
+template <class V>
+struct Difference {
+  V minuend, subtrahend;
+};
+
+/// S1 of one row of a block. `outer` is the upper row for the upper pixels and the row below for
+/// the lower ones; `lower` is the block's lower row, the neighbour of both.
+template <std::uint32_t phase, class V>
+Difference<V> s1_difference(RowSamples<V> outer, RowSamples<V> lower) {
+  if constexpr (phase == 0) return {outer.even, lower.odd};
+  if constexpr (phase == 1) return {lower.even, outer.odd};
+  if constexpr (phase == 2) return {lower.odd, outer.even};
+  if constexpr (phase == 3) return {outer.odd, lower.even};
+}
+
+/// A shift of the mosaic by one row exchanges S1 and S2.
+template <std::uint32_t phase, class V>
+Difference<V> s2_difference(RowSamples<V> outer, RowSamples<V> lower) {
+  return s1_difference<phase ^ 1>(outer, lower);
+}
+
+/// Stokes values of one row of a block.
+template <class V>
+struct BlockStokes {
+  V s0, s1, s2;
+};
+
 template <std::uint32_t phase, class V>
 BlockStokes<V> block_stokes(RowSamples<V> outer, RowSamples<V> lower, V half_factor) {
-  const V s0 = ((lower.even + outer.odd) + (lower.odd + outer.even)) * half_factor;
-  if constexpr (phase == 0) return {s0, outer.even - lower.odd, lower.even - outer.odd};
-  if constexpr (phase == 1) return {s0, lower.even - outer.odd, outer.even - lower.odd};
-  if constexpr (phase == 2) return {s0, lower.odd - outer.even, outer.odd - lower.even};
-  if constexpr (phase == 3) return {s0, outer.odd - lower.even, lower.odd - outer.even};
+  const V sum = (lower.even + outer.odd) + (lower.odd + outer.even);
+  const auto s1 = s1_difference<phase>(outer, lower);
+  const auto s2 = s2_difference<phase>(outer, lower);
+  return {sum * half_factor, s1.minuend - s1.subtrahend, s2.minuend - s2.subtrahend};
 }
 
 template <class V>

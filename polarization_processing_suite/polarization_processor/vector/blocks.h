@@ -23,6 +23,19 @@ struct BlockPosition {
   std::uint64_t lower_pair_cursor;
 };
 
+// Code that files of different instruction sets share is their own copy; see float4.h.
+namespace {
+
+inline void advance(BlockPosition& position, std::uint64_t blocks) {
+  position.upper_index += kBlockColumns * blocks;
+  position.lower_index += kBlockColumns * blocks;
+  position.below_index += kBlockColumns * blocks;
+  position.upper_pair_cursor += 2 * kBlockColumns * blocks;
+  position.lower_pair_cursor += 2 * kBlockColumns * blocks;
+}
+
+}  // namespace
+
 /// Runs `count` blocks, at least one, from left to right.
 ///
 /// Blocks weigh samples with the default weights, whatever the instance's are, and take the

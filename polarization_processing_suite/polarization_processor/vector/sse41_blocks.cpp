@@ -1,7 +1,7 @@
 #include <utility>
 
 #include "vector/block.h"
-#include "vector/float4.h"
+#include "vector/simd128.h"
 
 namespace kv {
 namespace {
@@ -30,9 +30,27 @@ struct Sse41Form {
   }
 };
 
+/// Four blocks at a time, then one by one.
+template <BlockAxes axes>
+[[gnu::flatten]] void run_sse41_blocks(const TransformRequest& request,
+                                       const BlockConstants& constants, std::uint64_t count,
+                                       BlockPosition position) {
+  const WideBlocks<Simd128, axes> blocks(request, constants);
+  for (; count >= Simd128::kBlocks; count -= Simd128::kBlocks) {
+    blocks.evaluate(position);
+    advance(position, Simd128::kBlocks);
+  }
+  if (count != 0) run_blocks<Sse41Form, axes>(request, constants, count, position);
+}
+
+template <std::size_t... index>
+constexpr std::array<RunBlocks, kBlockVariantCount> sse41_table(std::index_sequence<index...>) {
+  return {&run_sse41_blocks<kBlockVariants[index]>...};
+}
+
 }  // namespace
 
 const std::array<RunBlocks, kBlockVariantCount> kSse41Blocks =
-    block_table<Sse41Form>(std::make_index_sequence<kBlockVariantCount>());
+    sse41_table(std::make_index_sequence<kBlockVariantCount>());
 
 }  // namespace kv

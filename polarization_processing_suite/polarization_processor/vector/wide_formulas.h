@@ -1,0 +1,40 @@
+#pragma once
+
+#include "vector/block_formulas.h"
+
+// The formulas of several blocks at a time, to the same bits as those of one block. What is saved
+// rests on the values that can occur: S1 and S2 are differences of 16-bit samples, converted from
+// integers and so never -0.
+namespace kv {
+
+/// Where S1 = S2 = 0 the ratio is a NaN; there the angle is 0. Everywhere else
+/// - a ratio that is infinite, for S1 = 0, gives an inverse ratio and an arc of 0, and so the right
+///   angle alone;
+/// - off the axis S2 differs from 0, so that its sign bit is the sign of both base angles;
+/// - the arc off the axis is subtracted from the right angle, and one polynomial serves both arcs.
+template <class V>
+V wide_stokes_angle(V s1, V s2) {
+  const auto near_axis = less(magnitude(s2), magnitude(s1));
+  const V ratio = s2 * approx_reciprocal(s1);
+  const V arc = atan_poly(select(near_axis, ratio, approx_reciprocal(ratio)));
+  const V base = select(near_axis, where_negative(s1, V::all(kPi)), V::all(kHalfPi));
+  return zero_where_nan(with_sign_of(s2, base) + negated_unless(near_axis, arc));
+}
+
+/// In units of the plane, bounded: the largest angle may round to more than the ceiling.
+template <class V>
+V wide_azimuth(V s1, V s2, V azimuth_scale, V output_ceiling) {
+  const V degrees = wide_stokes_angle(s1, s2) * V::all(kDegreesOfAzimuth) + V::all(kAzimuthOffset);
+  return clamp(degrees * azimuth_scale, output_ceiling);
+}
+
+/// Where S0 = 0 the value before the bounds is a NaN. With the value as second operand the minimum
+/// keeps it, and the maximum, which gives its own second operand, makes it 0.
+template <class V>
+V wide_dolp(V s0, V s1, V s2, V output_ceiling) {
+  const V length = square_root(s1 * s1 + s2 * s2);
+  const V value = (length * approx_reciprocal(s0)) * output_ceiling;
+  return maximum(minimum(output_ceiling, value), V::zero());
+}
+
+}  // namespace kv
