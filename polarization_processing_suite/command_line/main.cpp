@@ -84,6 +84,7 @@ void parse_origin(const std::string& text, kv::TransformSettings& settings) {
 CLI::Option* add_phase(CLI::App& command, int& degrees) {
   return command
       .add_option("--phase", degrees, "Polarizer behind the sensor's first pixel, in degrees")
+      ->type_name("DEGREES")
       ->check(CLI::IsMember({0, 45, 90, 135}))
       ->capture_default_str();
 }
@@ -96,8 +97,11 @@ class TransformCommand {
   explicit TransformCommand(CLI::App& app)
       : command_(*app.add_subcommand("transform", "Write planes and pictures of raw frames")) {
     command_.footer(transform_footer);
-    command_.add_option("FRAME", options_.files, "Raw mosaic frames")->required();
+    command_.add_option("FRAME", options_.files, "Raw mosaic frames")
+        ->type_name("FILE")
+        ->required();
     command_.add_option("-o,--output", options_.folder, "Folder for the results; made if missing")
+        ->type_name("FOLDER")
         ->required();
     add_phase(command_, phase_degrees_);
     command_
@@ -109,9 +113,11 @@ class TransformCommand {
         .add_option("--bit-depth", options_.bit_depth,
                     "Significant bits of a sample (default: the file's, 8 or 16; of a PGM's "
                     "maxval or a TIFF's maximum sample value)")
+        ->type_name("N")
         ->check(CLI::Range(1, 16));
     command_
         .add_option("--output-max", options_.settings.output_max, "Full scale of the 16-bit planes")
+        ->type_name("N")
         ->check(CLI::Range(1, 65535))
         ->capture_default_str();
     command_
@@ -123,12 +129,14 @@ class TransformCommand {
         ->type_name("LIST");
     format_name_ = kv::plane_format_names().front();
     command_.add_option("--format", format_name_, "File format of the 16-bit planes")
+        ->type_name("NAME")
         ->check(CLI::IsMember(kv::plane_format_names()))
         ->capture_default_str();
-    command_.add_flag("!--no-pictures", options_.pictures, "Write no pictures");
+    command_.add_flag("--no-pictures", no_pictures_, "Write no pictures");
     command_
         .add_option("--dolp-white", options_.dolp_white,
                     "DoLP that pictures show at full brightness")
+        ->type_name("N")
         ->check(CLI::Range(0.01, 1.0))
         ->capture_default_str();
     add_raw_shape();
@@ -139,18 +147,22 @@ class TransformCommand {
   int run() {
     options_.settings.phase = kv::phase_at(phase_degrees_).value();
     options_.format = kv::format_named(format_name_).value();
+    options_.pictures = !no_pictures_;
     if (raw_.bits != 0) options_.raw_shape = raw_;
     return kv::run_transform(options_);
   }
 
  private:
   void add_raw_shape() {
-    CLI::Option* width =
-        command_.add_option("--width", raw_.width, "Columns of headerless frames")->check(sides);
-    CLI::Option* height =
-        command_.add_option("--height", raw_.height, "Rows of headerless frames")->check(sides);
+    CLI::Option* width = command_.add_option("--width", raw_.width, "Columns of headerless frames")
+                             ->type_name("N")
+                             ->check(sides);
+    CLI::Option* height = command_.add_option("--height", raw_.height, "Rows of headerless frames")
+                              ->type_name("N")
+                              ->check(sides);
     CLI::Option* bits =
         command_.add_option("--raw-bits", raw_.bits, "Stored bits of their samples, 8 or 16")
+            ->type_name("N")
             ->check(CLI::IsMember({8, 16}));
     width->needs(height)->needs(bits);
     height->needs(width)->needs(bits);
@@ -161,6 +173,7 @@ class TransformCommand {
   kv::TransformOptions options_;
   int phase_degrees_ = 0;
   std::string format_name_;
+  bool no_pictures_ = false;
   kv::RawShape raw_{};
 };
 
@@ -176,14 +189,23 @@ class SimulateCommand {
     command_
         .add_option("-o,--output", options_.file,
                     "The frame, in the format of its ending: .png, .tiff, .pgm or .raw")
+        ->type_name("FILE")
         ->required();
-    command_.add_option("--width", options_.width, "Columns")->check(sides)->capture_default_str();
-    command_.add_option("--height", options_.height, "Rows")->check(sides)->capture_default_str();
+    command_.add_option("--width", options_.width, "Columns")
+        ->type_name("N")
+        ->check(sides)
+        ->capture_default_str();
+    command_.add_option("--height", options_.height, "Rows")
+        ->type_name("N")
+        ->check(sides)
+        ->capture_default_str();
     command_.add_option("--bit-depth", options_.camera.bit_depth, "Significant bits of a sample")
+        ->type_name("N")
         ->check(CLI::Range(1, 16))
         ->capture_default_str();
     add_phase(command_, options_.phase_degrees);
     command_.add_option("--seed", options_.camera.seed, "Start of the noise")
+        ->type_name("N")
         ->capture_default_str();
     command_.add_flag("--noise,!--no-noise", options_.camera.noise,
                       "With shot and read noise (default), or without");

@@ -13,9 +13,8 @@ Frame make_frame(std::uint64_t width, std::uint64_t height, int bit_depth) {
   constexpr std::uint64_t largest_side = largest_frame / 2;
   if (width == 0 || height == 0 || width > largest_side || height > largest_side ||
       width * height > largest_frame) {
-    throw Error("the header tells a size of " + std::to_string(width) + " x " +
-                std::to_string(height) + "; a frame has from 1 to " +
-                std::to_string(largest_frame) + " pixels");
+    throw Error("a frame of " + std::to_string(width) + " x " + std::to_string(height) +
+                " pixels is out of range; it may have up to " + std::to_string(largest_frame));
   }
   return {static_cast<int>(width), static_cast<int>(height), bit_depth,
           std::vector<std::uint16_t>(width * height)};

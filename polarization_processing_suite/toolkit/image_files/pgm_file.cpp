@@ -52,6 +52,9 @@ PgmImage read_header(InputFile& file, std::uint64_t position) {
   PgmImage image;
   image.width = header_number(stream);
   image.height = header_number(stream);
+  if (image.width == 0 || image.height == 0) {
+    throw Error("the PGM header tells a width or height of 0; both are 1 or more");
+  }
   const std::uint64_t maxval = header_number(stream);
   if (maxval < 1 || maxval > 65535) {
     throw Error("the PGM maxval is " + std::to_string(maxval) + "; from 1 to 65535 is right");
