@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace kv::test {
@@ -17,9 +18,9 @@ class GuardedPlane {
   static constexpr std::size_t kGuard = 64;  ///< More than a kernel stores at once.
   static constexpr unsigned char kFill = 0xA5;
 
-  explicit GuardedPlane(std::size_t size) : storage_(size + 2 * kGuard) {
-    std::memset(storage_.data(), kFill, storage_.size() * sizeof(Element));
-  }
+  explicit GuardedPlane(std::size_t size) : storage_(size + 2 * kGuard) { clear(); }
+
+  void clear() { std::memset(storage_.data(), kFill, storage_.size() * sizeof(Element)); }
 
   Element* data() { return storage_.data() + kGuard; }
   std::size_t size() const { return storage_.size() - 2 * kGuard; }
@@ -88,6 +89,15 @@ struct Planes {
             stokes_s2.bytes(),         azimuth.bytes(),   dolp.bytes()};
   }
 
+  void clear() {
+    normalized_stokes.clear();
+    intensity.clear();
+    stokes_s1.clear();
+    stokes_s2.clear();
+    azimuth.clear();
+    dolp.clear();
+  }
+
   bool untouched() const {
     return normalized_stokes.untouched() && intensity.untouched() && stokes_s1.untouched() &&
            stokes_s2.untouched() && azimuth.untouched() && dolp.untouched();
@@ -98,5 +108,10 @@ struct Planes {
            azimuth.guards_untouched() && dolp.guards_untouched();
   }
 };
+
+/// Says where planes of a frame `width` columns wide first differ from what they should be, guards
+/// included; planes that are not wanted should be untouched. Empty if they don't differ.
+std::string difference(const Planes& actual, const Planes& expected, std::size_t width,
+                       PlaneNumber wanted = kAllPlanes);
 
 }  // namespace kv::test

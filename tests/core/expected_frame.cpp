@@ -1,0 +1,215 @@
+#include "expected_frame.h"
+
+#include <xmmintrin.h>
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+namespace kv::test {
+namespace {
+
+struct Stokes {
+  float s0;
+  float s1;
+  float s2;
+};
+
+/// The two areas of a frame have the arcs of the azimuth in common, and differ in these.
+struct Encoder {
+  const TransformRequest& request;
+  bool scaled;
+  bool vector_area;
+};
+
+float reciprocal(float x) { return _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(x))); }
+
+/// NaN becomes `output_max`.
+float clamped(float v, float output_max) {
+  const float below = v < output_max ? v : output_max;
+  return below > 0 ? below : 0;
+}
+
+std::uint16_t quantised(float v, float output_max) {
+  return static_cast<std::uint16_t>(std::lrint(clamped(v, output_max)));
+}
+
+std::uint16_t linear_level(float x, const Encoder& encoder) {
+  const float output_max = encoder.request.output_max;
+  if (!encoder.scaled) return quantised(x, output_max);
+  const float product = x * output_max;
+  if (!encoder.vector_area) return quantised(product / encoder.request.input_max, output_max);
+  return quantised(product * reciprocal(encoder.request.input_max), output_max);
+}
+
+float arctangent(float x) {
+  float t = x * x;
+  t = -0x1.891c02p-3f * t;  // -0.19194795
+  t = 0x1.f1dda4p-1f + t;   // 0.9723941
+  return x * t;
+}
+
+/// Angle of (S1, S2) in radians: around S1 or, from the diagonals on, around S2.
+float angle_of(float s1, float s2) {
+  constexpr float half_pi = 0x1.921fb6p+0f;
+  constexpr float pi = 0x1.921fb6p+1f;
+  const float ratio = s2 * reciprocal(s1);
+  const float inverse_ratio = reciprocal(ratio);
+  const float right_angle = 0 < s2 ? half_pi : -half_pi;
+  const float straight_angle = 0 <= s2 ? pi : -pi;
+  const float around_s1 = arctangent(ratio) + (0 < s1 ? 0.0f : straight_angle);
+  const float around_s2 = (0.0f - arctangent(inverse_ratio)) + right_angle;
+
+  // An alternative that is not chosen is a zero that still takes part in a sum.
+  const bool near_axis = std::fabs(s2) < std::fabs(s1);
+  const float arc = (near_axis ? around_s1 : 0.0f) + (near_axis ? 0.0f : around_s2);
+  const bool on_s2_axis = !(s1 != 0) && !(s2 == 0);
+  return (s1 != 0 ? arc : 0.0f) + (on_s2_axis ? right_angle : 0.0f);
+}
+
+std::uint16_t azimuth_level(const Stokes& stokes, const Encoder& encoder) {
+  const float output_max = encoder.request.output_max;
+  const float degrees = angle_of(stokes.s1, stokes.s2) * 0x1.ca5dcp+4f + 90.0f;  // 28.647888
+  if (!encoder.vector_area) return quantised((degrees * output_max) / 180.0f, output_max);
+  const float scale = output_max / 180.0f;
+  return quantised(clamped(degrees * scale, output_max), output_max);
+}
+
+std::uint16_t dolp_level(const Stokes& stokes, const Encoder& encoder) {
+  const float length = std::sqrt(stokes.s1 * stokes.s1 + stokes.s2 * stokes.s2);
+  const float degree = length * reciprocal(stokes.s0);
+  return quantised((stokes.s0 == 0 ? 0.0f : degree) * encoder.request.output_max,
+                   encoder.request.output_max);
+}
+
+void write_levels(const Stokes& stokes, std::size_t pixel, const Encoder& encoder) {
+  const TransformRequest& planes = encoder.request;
+  if (planes.intensity) planes.intensity[pixel] = linear_level(stokes.s0, encoder);
+  if (planes.stokes_s1) planes.stokes_s1[pixel] = linear_level(stokes.s1, encoder);
+  if (planes.stokes_s2) planes.stokes_s2[pixel] = linear_level(stokes.s2, encoder);
+  if (planes.azimuth) planes.azimuth[pixel] = azimuth_level(stokes, encoder);
+  if (planes.dolp) planes.dolp[pixel] = dolp_level(stokes, encoder);
+}
+
+void write_ratios(const Stokes& stokes, std::size_t place, const TransformRequest& request) {
+  if (!request.normalized_stokes) return;
+  request.normalized_stokes[2 * place] = stokes.s1 / stokes.s0;
+  request.normalized_stokes[2 * place + 1] = stokes.s2 / stokes.s0;
+}
+
+class ExpectedFrame {
+ public:
+  ExpectedFrame(const TransformRequest& request, const PhaseView& view, bool sse41)
+      : request_(request),
+        view_(view),
+        sse41_(sse41),
+        scaled_(request.output_max_int != (std::int32_t{1} << request.bit_depth) - 1),
+        height_(static_cast<std::size_t>(request.height)),
+        width_(static_cast<std::size_t>(request.width)),
+        paired_rows_(height_ % 2 == 0 ? height_ - 2 : height_ - 1),
+        vector_columns_(width_ < 8 ? 0 : 4 * (width_ / 4 - 1)) {}
+
+  void fill() const {
+    for (std::size_t row = 0; row < paired_rows_; row += 2) {
+      fill_vector_area(row);
+      fill_scalar_part(row, vector_columns_);
+      fill_scalar_part(row + 1, vector_columns_);
+    }
+    for (std::size_t row = paired_rows_; row < height_; ++row) fill_scalar_part(row, 0);
+  }
+
+ private:
+  float sample(std::size_t row, std::size_t column) const {
+    return request_.input[row * width_ + column];
+  }
+
+  /// The ratios of the area are packed one block behind the other, without regard to row ends:
+  /// those of upper rows from the plane's first pixel, those of lower rows from its second row.
+  void fill_vector_area(std::size_t row) const {
+    const Encoder encoder{request_, scaled_, true};
+    for (std::size_t block = 0; block < vector_columns_ / 4; ++block) {
+      const std::size_t blocks_before = row / 2 * (vector_columns_ / 4) + block;
+      for (const std::size_t lower : {0u, 1u}) {
+        for (std::size_t lane = 0; lane < 4; ++lane) {
+          const Stokes stokes = vector_stokes(row, 4 * block, lane, lower == 1);
+          write_ratios(stokes, lower * width_ + 4 * blocks_before + lane, request_);
+          write_levels(stokes, (row + lower) * width_ + 4 * block + lane, encoder);
+        }
+      }
+    }
+  }
+
+  Stokes vector_stokes(std::size_t row, std::size_t column, std::size_t lane, bool lower) const {
+    if (sse41_ && lane == 3) lane = 2;
+    constexpr std::array<std::size_t, 4> even{0, 2, 2, 4};
+    constexpr std::array<std::size_t, 4> odd{1, 1, 3, 3};
+    // Of the two rows of the neighbourhood, one is even and one is odd, as with the columns.
+    const std::size_t even_row = lower ? row + 2 : row;
+    const float even_even = sample(even_row, column + even[lane]);
+    const float even_odd = sample(even_row, column + odd[lane]);
+    const float odd_even = sample(row + 1, column + even[lane]);
+    const float odd_odd = sample(row + 1, column + odd[lane]);
+
+    const float s0 = (even_even + even_odd + odd_even + odd_odd) * reciprocal(2.0f);
+    switch (request_.polar_phase) {
+      case 1:
+        return {s0, odd_even - even_odd, even_even - odd_odd};
+      case 2:
+        return {s0, odd_odd - even_even, even_odd - odd_even};
+      case 3:
+        return {s0, even_odd - odd_even, odd_odd - even_even};
+      default:
+        return {s0, even_even - odd_odd, odd_even - even_odd};
+    }
+  }
+
+  void fill_scalar_part(std::size_t row, std::size_t first_column) const {
+    const Encoder encoder{request_, scaled_, false};
+    for (std::size_t column = first_column; column < width_; ++column) {
+      const Stokes stokes = scalar_stokes(row, column);
+      write_ratios(stokes, row * width_ + column, request_);
+      write_levels(stokes, row * width_ + column, encoder);
+    }
+  }
+
+  Stokes scalar_stokes(std::size_t row, std::size_t column) const {
+    const std::size_t beside = column + 1 < width_ ? column + 1 : column - 1;
+    const std::size_t below = row + 1 < height_ ? row + 1 : row - 1;
+    const std::array<float, 4> samples{sample(row, column), sample(row, beside),
+                                       sample(below, column), sample(below, beside)};
+    const CoefficientSet& weights = *view_[entry_at(row, column)];
+    return {weighted_sum(weights.s0_weights, samples) * 0.5f,
+            weighted_sum(weights.s1_weights, samples), weighted_sum(weights.s2_weights, samples)};
+  }
+
+  std::size_t entry_at(std::size_t row, std::size_t column) const {
+    const bool last_pixel = row == height_ - 1 && column == width_ - 1;
+    if (last_pixel && height_ % 2 != width_ % 2) return 0;
+    return 2 * (row % 2) + column % 2;
+  }
+
+  static float weighted_sum(const std::array<float, 4>& weights,
+                            const std::array<float, 4>& samples) {
+    float sum = weights[0] * samples[0];
+    for (std::size_t i = 1; i < 4; ++i) sum = sum + weights[i] * samples[i];
+    return sum;
+  }
+
+  const TransformRequest& request_;
+  const PhaseView& view_;
+  bool sse41_;
+  bool scaled_;
+  std::size_t height_;
+  std::size_t width_;
+  std::size_t paired_rows_;
+  std::size_t vector_columns_;
+};
+
+}  // namespace
+
+void fill_expected_planes(const TransformRequest& request, const PhaseView& view, bool sse41) {
+  ExpectedFrame(request, view, sse41).fill();
+}
+
+}  // namespace kv::test

@@ -1,0 +1,59 @@
+// Every kernel of the family, byte for byte, against the expectation formed from the rules.
+#include <gtest/gtest.h>
+
+#include <iostream>
+
+#include "expected_frame.h"
+#include "random_case.h"
+#include "routing/kernel_selector.h"
+#include "traversal/kernel_name.h"
+
+namespace kv::test {
+namespace {
+
+class Kernels : public BothForms {
+ protected:
+  /// Tries the kernels of all planes and phases. Reports the first wrong one.
+  bool try_kernels(const RandomCase& random_case) {
+    const Frame& frame = random_case.frame;
+    const RoundingScope rounding(random_case.rounding.value);
+    processor_.coefficient_store = random_case.coefficients;
+    Planes expected(frame.samples.size());
+    Planes actual(frame.samples.size());
+    for (std::uint32_t phase = 0; phase < kPhaseCount; ++phase) {
+      const PhaseView& view = processor_.phase_views[phase];
+      TransformRequest request = request_for(frame, phase);
+      expected.clear();
+      expected.hand_to(request);
+      fill_expected_planes(request, view, sse41());
+
+      for (PlaneNumber wanted = 1; wanted <= kAllPlanes; ++wanted) {
+        actual.clear();
+        actual.hand_to(request, wanted);
+        select_kernel(request, view, sse41());
+        const std::string wrong = difference(actual, expected, frame.width, wanted);
+        if (!wrong.empty()) {
+          ADD_FAILURE() << kernel_name(kernel_axes_of(request, sse41())) << "\n"
+                        << wrong << "\n"
+                        << random_case;
+          return false;
+        }
+      }
+    }
+    return true;
+  }
+};
+
+TEST_P(Kernels, GiveTheExpectedBytes) {
+  constexpr int enough_failures = 5;
+  std::cout << "KV_TEST_SEED=" << first_seed() << " KV_TEST_FRAMES=" << frame_count() << std::endl;
+  int failures = 0;
+  for (std::uint32_t i = 0; i < frame_count() && failures < enough_failures; ++i) {
+    if (!try_kernels(random_case(first_seed() + i))) ++failures;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, Kernels, testing::Bool(), form_name);
+
+}  // namespace
+}  // namespace kv::test

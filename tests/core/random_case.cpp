@@ -1,0 +1,165 @@
+#include "random_case.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <ostream>
+#include <random>
+
+namespace kv::test {
+namespace {
+
+/// 32 bits a call, alike everywhere.
+class Random {
+ public:
+  explicit Random(std::uint32_t seed) : engine_(seed) {}
+  std::uint32_t operator()() { return static_cast<std::uint32_t>(engine_()); }
+
+ private:
+  std::mt19937 engine_;
+};
+
+template <class Choices>
+const auto& pick(const Choices& choices, Random& random) {
+  return choices[random() % choices.size()];
+}
+
+struct Size {
+  std::size_t height;
+  std::size_t width;
+};
+
+/// Widths up to 40 are 0 to 9 blocks with every remainder; the others hold the widest group of
+/// blocks, once and twice, with blocks left over. Heights up to 9 are up to 4 row pairs. Widths of
+/// 2 and 3 come back from a height of 2 only.
+const std::vector<Size> kSizes = [] {
+  std::vector<Size> sizes;
+  for (std::size_t height = 2; height <= 9; ++height) {
+    for (std::size_t width = height == 2 ? 2 : 4; width <= 40; ++width) {
+      sizes.push_back({height, width});
+    }
+    for (const std::size_t width : {71, 86, 133, 148}) sizes.push_back({height, width});
+  }
+  return sizes;
+}();
+
+struct Scale {
+  std::uint32_t bit_depth;
+  std::uint16_t output_max;
+};
+constexpr std::array<Scale, 17> kScales{{{16, 65535},
+                                         {16, 4095},
+                                         {16, 255},
+                                         {16, 1},
+                                         {14, 16383},
+                                         {14, 65535},
+                                         {12, 4095},
+                                         {12, 4096},
+                                         {12, 65535},
+                                         {12, 255},
+                                         {10, 1023},
+                                         {8, 255},
+                                         {8, 65535},
+                                         {8, 1},
+                                         {0, 1},
+                                         {0, 4095},
+                                         {0, 65535}}};
+
+struct Content {
+  const char* name;
+  std::uint32_t (*sample)(Random& random, std::uint32_t input_max);
+};
+constexpr std::array<Content, 8> kContents{{
+    {"all zero", [](Random&, std::uint32_t) { return 0u; }},
+    {"saturated", [](Random&, std::uint32_t input_max) { return input_max; }},
+    {"all bits set", [](Random&, std::uint32_t) { return 65535u; }},
+    {"noise", [](Random& random, std::uint32_t input_max) { return random() % (input_max + 1); }},
+    {"noise of 16 bits", [](Random& random, std::uint32_t) { return random() % 65536; }},
+    {"sparse",
+     [](Random& random, std::uint32_t) { return random() % 16 == 0 ? random() % 65536 : 0; }},
+    {"nearly black", [](Random& random, std::uint32_t) { return random() % 3; }},
+    {"nearly saturated",
+     [](Random& random, std::uint32_t input_max) {
+       return input_max - std::min(input_max, random() % 3);
+     }},
+}};
+
+struct WeightKind {
+  const char* name;
+  float (*weight)(Random& random, float default_weight);
+};
+/// None is a NaN: which of two NaNs a sum keeps depends on the order of its operands.
+constexpr std::array<float, 8> kExtremes{0.0f,
+                                         -0.0f,
+                                         1.0f,
+                                         1e-40f,
+                                         3e38f,
+                                         -3e38f,
+                                         std::numeric_limits<float>::infinity(),
+                                         -std::numeric_limits<float>::infinity()};
+constexpr std::array<WeightKind, 4> kWeightKinds{{
+    {"default", [](Random&, float w) { return w; }},
+    {"near the default",
+     [](Random& random, float w) {
+       return w + static_cast<float>(random() % 2001) * 1e-4f - 0.1f;
+     }},
+    {"any",
+     [](Random& random, float) { return static_cast<float>(random() % 400001) * 1e-5f - 2; }},
+    {"extreme", [](Random& random, float) { return pick(kExtremes, random); }},
+}};
+
+std::uint32_t number_from_environment(const char* name, std::uint32_t otherwise) {
+  const char* const text = std::getenv(name);
+  return text == nullptr ? otherwise : static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10));
+}
+
+}  // namespace
+
+RandomCase random_case(std::uint32_t seed) {
+  Random random(seed);
+  const Size& size = kSizes[seed % kSizes.size()];
+  const Scale& scale = pick(kScales, random);
+  const Content& content = pick(kContents, random);
+  const WeightKind& weights = pick(kWeightKinds, random);
+
+  RandomCase result{.seed = seed,
+                    .frame = {.height = size.height,
+                              .width = size.width,
+                              .bit_depth = scale.bit_depth,
+                              .output_max = scale.output_max},
+                    .content = content.name,
+                    .weights = weights.name,
+                    .coefficients = PolarizationProcessor(CpuTier::baseline).coefficient_store,
+                    .rounding = pick(kRoundingModes, random)};
+  result.frame.samples.resize(size.height * size.width);
+  for (std::uint16_t& sample : result.frame.samples) {
+    sample = static_cast<std::uint16_t>(content.sample(random, (1u << scale.bit_depth) - 1));
+  }
+  for (CoefficientSet& set : result.coefficients) {
+    for (auto* const row : {&set.s0_weights, &set.s1_weights, &set.s2_weights}) {
+      for (float& weight : *row) weight = weights.weight(random, weight);
+    }
+  }
+  return result;
+}
+
+std::ostream& operator<<(std::ostream& out, const RandomCase& c) {
+  return out << "height " << c.frame.height << ", width " << c.frame.width << ", bit_depth "
+             << c.frame.bit_depth << ", output_max " << c.frame.output_max << ", " << c.content
+             << ", weights " << c.weights << ", rounding " << c.rounding.name
+             << "\nto repeat: KV_TEST_SEED=" << c.seed << " KV_TEST_FRAMES=1";
+}
+
+std::uint32_t first_seed() {
+  static const std::uint32_t seed =
+      number_from_environment("KV_TEST_SEED", std::uint32_t{std::random_device()()});
+  return seed;
+}
+
+std::uint32_t frame_count() {
+  constexpr std::uint32_t frames_of_a_size = 5;
+  return number_from_environment("KV_TEST_FRAMES",
+                                 frames_of_a_size * static_cast<std::uint32_t>(kSizes.size()));
+}
+
+}  // namespace kv::test

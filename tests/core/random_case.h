@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+
+#include "kernel_run.h"
+#include "rounding_scope.h"
+
+namespace kv::test {
+
+/// A frame to try all kernels of its parities on, wholly determined by its seed.
+struct RandomCase {
+  std::uint32_t seed;
+  Frame frame;
+  const char* content;
+  const char* weights;
+  std::array<CoefficientSet, 4> coefficients;
+  RoundingMode rounding;
+};
+
+/// Seeds in a row visit all geometries in turn.
+RandomCase random_case(std::uint32_t seed);
+
+/// Height, width and the other choices, and how to run this case alone.
+std::ostream& operator<<(std::ostream& out, const RandomCase& random_case);
+
+/// From KV_TEST_SEED, else a new one each time.
+std::uint32_t first_seed();
+
+/// From KV_TEST_FRAMES, else so many that each geometry comes up several times.
+std::uint32_t frame_count();
+
+}  // namespace kv::test
