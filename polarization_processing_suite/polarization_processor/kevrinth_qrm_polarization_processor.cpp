@@ -21,11 +21,13 @@ constexpr char kErrorPrefix[] = "ERROR: ";
 constexpr char kNullHandle[] = "%s The specified polarization processor handle is NULL!";
 constexpr char kNullHandleToDestroy[] = "%s The specified color processor handle is NULL!";
 
+/// This file as log lines name it, the same from every build: __FILE__ may hold a folder of the
+/// build machine, and its separators differ from platform to platform.
+constexpr char kSourcePath[] =
+    R"(polarization_processing_suite\polarization_processor\kevrinth_qrm_polarization_processor.cpp)";
+
 /// Error lines name the file without its folder.
-const char* source_file_name() {
-  const char* const last_separator = std::strrchr(__FILE__, '\\');
-  return last_separator == nullptr ? __FILE__ : last_separator + 1;
-}
+const char* source_file_name() { return std::strrchr(kSourcePath, '\\') + 1; }
 
 template <class... Arguments>
 void log_error(int line, const char* function, const char* format, Arguments... arguments) {
@@ -141,7 +143,7 @@ ProcessorStatus kv_polarization_processor_transform(
   const kv::LogClient* const client = module_log_client;
   if (client == nullptr) return kv_status_not_initialized;
 
-  const kv::TransformTimer timer(*client, __FILE__, __LINE__, __func__);
+  const kv::TransformTimer timer(*client, kSourcePath, __LINE__, __func__);
   if (handle == nullptr) {
     log_error(__LINE__, __func__, kNullHandle, kErrorPrefix);
     return kv_status_null_handle;

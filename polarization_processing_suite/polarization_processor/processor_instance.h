@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "coefficient_set.h"
+#include "routing/vector_backend.h"
 
 namespace kv {
 
@@ -24,4 +25,7 @@ struct PolarizationProcessor {
   /// By the polarizer of the frame's top-left pixel.
   std::array<kv::PhaseView, 4> phase_views;
   kv::CpuTier cpu_tier;
+  /// Both are bound on every processor, and torn down in the reverse order.
+  kv::VectorBackend avx512_backend{kv::kAvx512Module};
+  kv::VectorBackend avx2_backend{kv::kAvx2Module};
 };

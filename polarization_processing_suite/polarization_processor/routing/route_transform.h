@@ -5,7 +5,8 @@
 
 namespace kv {
 
-/// Fills the requested planes from the frame with the weights of the instance.
+/// Fills the requested planes from the frame: by the vector module of the instance's tier, or else
+/// by the library's own kernels.
 void route_transform(const PolarizationProcessor& instance, const TransformRequest& request,
                      bool sse41_available);
 
