@@ -1,7 +1,6 @@
 #include "transform_command.h"
 
 #include <chrono>
-#include <deque>
 #include <iomanip>
 #include <iostream>
 #include <new>
@@ -9,6 +8,7 @@
 #include <system_error>
 
 #include "exit_status.h"
+#include "frame_output.h"
 #include "output_names.h"
 #include "process.h"
 #include "progress_bar.h"
@@ -17,24 +17,6 @@
 
 namespace kv {
 namespace {
-
-/// The files of one frame; they appear all together, or none does.
-class FrameOutput {
- public:
-  template <class Write>
-  void add(const std::filesystem::path& path, Write write) {
-    PendingFile& file = files_.emplace_back(path);
-    write(file);
-    file.close();
-  }
-
-  void publish() {
-    for (PendingFile& file : files_) file.publish();
-  }
-
- private:
-  std::deque<PendingFile> files_;
-};
 
 class TransformRun {
  public:
@@ -101,9 +83,9 @@ class TransformRun {
     pixels_ += static_cast<double>(frame.samples.size());
 
     FrameOutput output;
-    write_planes(stem, output);
-    if (options_.pictures) write_pictures(frame, stem, output);
-    output.publish();
+    add_planes(stem, output);
+    if (options_.pictures) add_pictures(frame, stem, output);
+    output.write();
     ++frames_;
   }
 
@@ -115,33 +97,35 @@ class TransformRun {
            std::to_string(frame.bit_depth) + " bits; check --bit-depth");
   }
 
-  void write_planes(const std::string& stem, FrameOutput& output) {
+  void add_planes(const std::string& stem, FrameOutput& output) {
     for (std::size_t i = 0; i < plane_count; ++i) {
       const auto plane = static_cast<Plane>(i);
       if (!options_.settings.planes.has(plane)) continue;
       const std::string name = stem + "_" + std::string(name_of(plane));
       if (plane == Plane::normalized_stokes) {
-        output.add(names_.path_for(name + float_pairs_extension()), [&](PendingFile& file) {
+        output.add(names_.path_for(name + float_pairs_extension()), [this](PendingFile& file) {
           write_float_pairs(file, planes_.width, planes_.height, planes_.normalized_stokes);
         });
       } else {
-        output.add(names_.path_for(name + extension_of(options_.format)), [&](PendingFile& file) {
-          write_grey(file, options_.format,
-                     {planes_.width, planes_.height, 16, planes_.quantized(plane)});
-        });
+        output.add(names_.path_for(name + extension_of(options_.format)),
+                   [this, plane](PendingFile& file) {
+                     write_grey(file, options_.format,
+                                {planes_.width, planes_.height, 16, planes_.quantized(plane)});
+                   });
       }
     }
   }
 
-  void write_pictures(const Frame& frame, const std::string& stem, FrameOutput& output) {
-    const auto add = [&](const std::string& subject, const Picture& picture) {
+  void add_pictures(const Frame& frame, const std::string& stem, FrameOutput& output) {
+    const auto add = [&](const std::string& subject, auto draw) {
       output.add(names_.path_for(stem + "_" + subject + "_picture" + picture_extension()),
-                 [&](PendingFile& file) { write_picture(file, picture); });
+                 [draw](PendingFile& file) { write_picture(file, draw()); });
     };
     const std::uint16_t output_max = options_.settings.output_max;
-    add("intensity", intensity_picture(frame));
-    add("dolp", dolp_picture(planes_, output_max, options_.dolp_white));
-    add("angle", angle_picture(planes_, output_max, options_.dolp_white));
+    const double white = options_.dolp_white;
+    add("intensity", [&frame] { return intensity_picture(frame); });
+    add("dolp", [=, this] { return dolp_picture(planes_, output_max, white); });
+    add("angle", [=, this] { return angle_picture(planes_, output_max, white); });
   }
 
   void report(const std::string& line) {

@@ -37,7 +37,7 @@ TEST(AnglePicture, GoesOnceRoundTheHuesIn180Degrees) {
 
 TEST(AnglePicture, ValueIsDolpUpToItsWhite) {
   const auto red_at = [](double dolp, double white) {
-    return kv::angle_picture(uniform_planes(0, dolp, 65535), 65535, white).rgb[0];
+    return kv::angle_picture(uniform_planes(0, dolp, 65535), 65535, white).bytes[0];
   };
   EXPECT_EQ(red_at(0, 1), 0);
   EXPECT_NEAR(red_at(0.4, 1), 102, 1);
@@ -52,7 +52,7 @@ TEST(AnglePicture, HasALegendWhoseColorsAreThoseOfThePicture) {
   ASSERT_EQ(picture.width, side + kv::angle_legend_width(side));
   ASSERT_GT(picture.width, side);
   // The yellow-green of 45 degrees stands in the panel, right of and above the place of 225.
-  const kv::Color color = {picture.rgb[0], picture.rgb[1], picture.rgb[2]};
+  const kv::Color color = {picture.bytes[0], picture.bytes[1], picture.bytes[2]};
   int rightmost = 0;
   int leftmost = picture.width;
   for (int row = 0; row < side; ++row) {

@@ -91,10 +91,10 @@ void write_picture(PendingFile& file, const Picture& picture) {
   if (png_available()) {
     write_png(file, picture);
   } else {
-    write_ppm(file, picture);
+    write_netpbm(file, picture);
   }
 }
 
-std::string picture_extension() { return png_available() ? ".png" : ".ppm"; }
+std::string picture_extension() { return png_available() ? ".png" : ".pnm"; }
 
 }  // namespace kv

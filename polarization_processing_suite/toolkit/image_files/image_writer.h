@@ -42,7 +42,7 @@ void write_grey(PendingFile& file, ImageFormat format, const GreyImage& image);
 void write_float_pairs(PendingFile& file, int width, int height, std::span<const float> pairs);
 std::string float_pairs_extension();
 
-/// PNG, and where a build has none, PPM.
+/// PNG, and where a build has none, netpbm.
 void write_picture(PendingFile& file, const Picture& picture);
 std::string picture_extension();
 

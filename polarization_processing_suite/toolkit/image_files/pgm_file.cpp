@@ -120,9 +120,9 @@ void write_pgm(PendingFile& file, const GreyImage& image) {
   file.write(bytes.data(), bytes.size());
 }
 
-void write_ppm(PendingFile& file, const Picture& picture) {
-  write_header(file, "P6", picture.width, picture.height, 255);
-  file.write(picture.rgb.data(), picture.rgb.size());
+void write_netpbm(PendingFile& file, const Picture& picture) {
+  write_header(file, picture.channels == 1 ? "P5" : "P6", picture.width, picture.height, 255);
+  file.write(picture.bytes.data(), picture.bytes.size());
 }
 
 }  // namespace kv

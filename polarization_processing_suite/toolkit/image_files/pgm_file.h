@@ -16,8 +16,8 @@ std::unique_ptr<FrameReader> open_pgm(InputFile file);
 
 void write_pgm(PendingFile& file, const GreyImage& image);
 
-/// The colour sibling, P6.
-void write_ppm(PendingFile& file, const Picture& picture);
+/// P5 for a grey picture, P6 for one in colour.
+void write_netpbm(PendingFile& file, const Picture& picture);
 
 }  // namespace kv
 

@@ -10,21 +10,27 @@ namespace kv {
 
 using Color = std::array<std::uint8_t, 3>;  ///< red, green, blue as displays take them
 
-/// An image to look at.
+/// An image to look at, grey or in colour.
 struct Picture {
-  Picture(int picture_width, int picture_height)
+  Picture(int picture_width, int picture_height, int picture_channels)
       : width(picture_width),
         height(picture_height),
-        rgb(3 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {}
+        channels(picture_channels),
+        bytes(row_size() * static_cast<std::size_t>(height)) {}
+
+  std::size_t row_size() const {
+    return static_cast<std::size_t>(width) * static_cast<std::size_t>(channels);
+  }
 
   std::uint8_t* pixel(int column, int row) {
-    return &rgb[3 * (static_cast<std::size_t>(row) * static_cast<std::size_t>(width) +
-                     static_cast<std::size_t>(column))];
+    return &bytes[static_cast<std::size_t>(row) * row_size() +
+                  static_cast<std::size_t>(column) * static_cast<std::size_t>(channels)];
   }
 
   int width;
   int height;
-  std::vector<std::uint8_t> rgb;  ///< three bytes a pixel, row by row
+  int channels;  ///< 1: grey; 3: red, green, blue
+  std::vector<std::uint8_t> bytes;
 };
 
 }  // namespace kv

@@ -64,11 +64,9 @@ std::vector<std::uint8_t> dolp_table(std::uint16_t output_max, double dolp_white
 
 Picture grey_picture(int width, int height, const std::vector<std::uint16_t>& values,
                      const std::vector<std::uint8_t>& table) {
-  Picture picture(width, height);
-  std::uint8_t* out = picture.rgb.data();
-  for (const std::uint16_t value : values) {
-    out = std::fill_n(out, 3, table[value]);
-  }
+  Picture picture(width, height, 1);
+  std::transform(values.begin(), values.end(), picture.bytes.begin(),
+                 [&table](std::uint16_t value) { return table[value]; });
   return picture;
 }
 
@@ -100,7 +98,7 @@ Picture angle_picture(const Planes& planes, std::uint16_t output_max, double dol
   const std::vector<Color> colors = color_table(output_max);
   const std::vector<std::uint8_t> values = dolp_table(output_max, dolp_white);
   const int legend_width = angle_legend_width(planes.height);
-  Picture picture(planes.width + legend_width, planes.height);
+  Picture picture(planes.width + legend_width, planes.height, 3);
   const std::uint16_t* azimuth = planes.azimuth.data();
   const std::uint16_t* dolp = planes.dolp.data();
   for (int row = 0; row < planes.height; ++row) {
