@@ -53,7 +53,7 @@ TEST_P(MemoryBounds, AreKept) {
       for (std::size_t width = height == 2 ? 2 : 4; width <= 40; ++width) {
         transform_fenced(height, width, fence);
       }
-      for (const std::size_t width : {64, 67, 82, 101, 132, 151}) {
+      for (const std::size_t width : {64u, 67u, 82u, 101u, 132u, 151u}) {
         transform_fenced(height, width, fence);
       }
     }
@@ -64,8 +64,8 @@ using MemoryBoundsDeathTest = MemoryBounds;
 
 /// A width of 2 or 3 has no guard once there is a row pair.
 TEST_P(MemoryBoundsDeathTest, NarrowFramesRunAway) {
-  for (const std::size_t height : {3, 4}) {
-    for (const std::size_t width : {2, 3}) {
+  for (const std::size_t height : {3u, 4u}) {
+    for (const std::size_t width : {2u, 3u}) {
       EXPECT_DEATH(transform_fenced(height, width, Fence::after), "")
           << "height " << height << ", width " << width;
     }

@@ -38,7 +38,7 @@ const std::vector<Size> kSizes = [] {
     for (std::size_t width = height == 2 ? 2 : 4; width <= 40; ++width) {
       sizes.push_back({height, width});
     }
-    for (const std::size_t width : {71, 86, 133, 148}) sizes.push_back({height, width});
+    for (const std::size_t width : {71u, 86u, 133u, 148u}) sizes.push_back({height, width});
   }
   return sizes;
 }();

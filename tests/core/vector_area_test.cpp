@@ -89,7 +89,7 @@ TEST_P(VectorArea, StaysAtTheDefaultWeights) {
 
 /// The one sample is the diagonal of the block's last lane, and out of reach of the others.
 TEST_P(VectorArea, OnlyTheSse2FormSeesTheColumnBehindABlock) {
-  for (const std::size_t width : {8, 9, 12, 40}) {
+  for (const std::size_t width : {8u, 9u, 12u, 40u}) {
     Frame frame{.height = 4, .width = width, .samples = std::vector<std::uint16_t>(4 * width, 0)};
     frame.samples[4] = 1000;
     const Planes planes = run_kernel(frame, 0, processor_, sse41());
@@ -103,7 +103,7 @@ TEST_P(VectorArea, OnlyTheSse2FormSeesTheColumnBehindABlock) {
 }
 
 TEST_P(VectorArea, FourthLaneRepeatsTheThirdInTheSse41FormOnly) {
-  for (const std::size_t width : {8, 11, 25, 40, 83}) {
+  for (const std::size_t width : {8u, 11u, 25u, 40u, 83u}) {
     const Frame frame{.height = 7, .width = width, .samples = noise(7 * width, 11)};
     const Planes planes = run_kernel(frame, 1, processor_, sse41());
     std::size_t different = 0;
