@@ -10,12 +10,7 @@ namespace {
 
 template <KernelAxes axes>
 void frame_kernel(const TransformRequest& request, const PhaseView& view) {
-  constexpr std::size_t block = block_variant_index({axes.encoding, axes.phase});
-  walk_frame(request, view,
-             {.prepare = &prepare_block_constants<axes.encoding>,
-              .run_blocks = axes.sse41 ? kSse41Blocks[block] : kSse2Blocks[block],
-              .finish_row_pair = &finish_row_pair<axes.encoding, axes.even_width>,
-              .walk_last_rows = &walk_last_rows<axes.encoding, axes.even_height, axes.even_width>});
+  walk_frame(request, view, kernel_steps_of(axes));
 }
 
 template <std::size_t... index>

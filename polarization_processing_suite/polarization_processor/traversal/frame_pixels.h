@@ -3,23 +3,26 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "coefficient_set.h"
 #include "pixel/pixel_function.h"
+#include "traversal/weighed_frame.h"
 
 namespace kv {
 
-/// The pixels of one frame, each evaluated by its shape and an entry of the phase view.
+/// Single pixels of one frame, each evaluated by its shape and an entry of the view.
 template <EncodingAxes encoding>
-struct FramePixels {
-  const TransformRequest& request;
-  const PhaseView& view;
-  const PlaneFrame& planes;
+class FramePixels {
+ public:
+  explicit FramePixels(const WeighedFrame& frame) : frame_(frame) {}
 
   template <BoundaryShape shape>
   void operator()(shapes::Tag<shape>, std::uint64_t row, std::uint64_t column,
                   std::size_t entry) const {
-    pixel_function<encoding, shape>(row, column, *view[entry], request, planes);
+    pixel_function<encoding, shape>(row, column, *frame_.view[entry], frame_.request,
+                                    frame_.planes);
   }
+
+ private:
+  const WeighedFrame& frame_;
 };
 
 }  // namespace kv

@@ -3,11 +3,11 @@
 namespace kv {
 
 void walk_frame(const TransformRequest& request, const PhaseView& view, const KernelSteps& steps) {
-  const PlaneFrame planes(request);
+  const WeighedFrame frame(request, view);
   const std::uint64_t height = static_cast<std::uint64_t>(request.height);
   const std::uint64_t width = static_cast<std::uint64_t>(request.width);
   if (height == 2) {
-    steps.walk_last_rows(request, view, planes, 0);
+    steps.walk_last_rows(frame, 0);
     return;
   }
 
@@ -23,7 +23,7 @@ void walk_frame(const TransformRequest& request, const PhaseView& view, const Ke
   std::uint64_t row = 0;
   do {
     if (block_count != 0) steps.run_blocks(request, constants, block_count, position);
-    steps.finish_row_pair(request, view, planes, row, kBlockColumns * block_count);
+    steps.finish_row_pair(frame, row, kBlockColumns * block_count);
 
     row += 2;
     position.upper_index += 2 * width;
@@ -32,7 +32,7 @@ void walk_frame(const TransformRequest& request, const PhaseView& view, const Ke
     position.upper_pair_cursor += 2 * kBlockColumns * block_count;
     position.lower_pair_cursor += 2 * kBlockColumns * block_count;
   } while (row < height - 2);
-  steps.walk_last_rows(request, view, planes, row);
+  steps.walk_last_rows(frame, row);
 }
 
 }  // namespace kv

@@ -2,37 +2,28 @@
 
 #include <cstdint>
 
+#include "traversal/cell.h"
 #include "traversal/frame_pixels.h"
 
 namespace kv {
 
-using RowPairEnd = void (*)(const TransformRequest& request, const PhaseView& view,
-                            const PlaneFrame& planes, std::uint64_t row, std::uint64_t column);
+using RowPairEnd = void (*)(const WeighedFrame& frame, std::uint64_t row, std::uint64_t column);
 
-/// Evaluates a row pair from an even `column` to the frame's right edge: tail pairs, then the edge
-/// step, which is two columns of an even width and one column of an odd width.
+/// Evaluates a row pair from an even `column` to the frame's right edge. In the cell at the edge of
+/// an even width the first column stands in for the one to the right; an odd width ends in half a
+/// cell.
 template <EncodingAxes encoding, bool even_width>
-void finish_row_pair(const TransformRequest& request, const PhaseView& view,
-                     const PlaneFrame& planes, std::uint64_t row, std::uint64_t column) {
-  using namespace shapes;
-  const FramePixels<encoding> pixel{request, view, planes};
-  const std::uint64_t width = static_cast<std::uint64_t>(request.width);
+void finish_row_pair(const WeighedFrame& frame, std::uint64_t row, std::uint64_t column) {
+  const std::uint64_t width = static_cast<std::uint64_t>(frame.request.width);
+  const Cells<encoding> cell(frame);
 
-  for (; column < width - 2; column += 2) {
-    pixel(interior, row, column, 0);
-    pixel(interior, row, column + 1, 1);
-    pixel(interior, row + 1, column, 2);
-    pixel(interior, row + 1, column + 1, 3);
-  }
-
+  for (; column < width - 2; column += 2) cell({row, row + 2, column, column + 2});
   if constexpr (even_width) {
-    pixel(interior, row, column, 0);
-    pixel(right_edge, row, column + 1, 1);
-    pixel(interior, row + 1, column, 2);
-    pixel(right_edge, row + 1, column + 1, 3);
+    cell({row, row + 2, column, column});
   } else {
-    pixel(right_edge, row, column, 0);
-    pixel(right_edge, row + 1, column, 2);
+    const FramePixels<encoding> pixel(frame);
+    pixel(shapes::right_edge, row, column, 0);
+    pixel(shapes::right_edge, row + 1, column, 2);
   }
 }
 

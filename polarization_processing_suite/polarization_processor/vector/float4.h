@@ -43,5 +43,12 @@ inline Float4 square_root(Float4 x) { return {_mm_sqrt_ps(x.lanes)}; }
 inline Float4 minimum(Float4 value, Float4 bound) { return {_mm_min_ps(value.lanes, bound.lanes)}; }
 inline Float4 maximum(Float4 value, Float4 bound) { return {_mm_max_ps(value.lanes, bound.lanes)}; }
 
+/// Values of 0 to 65535, rounded in the thread's mode, as 16-bit words in the low and in the high
+/// half. SSE2 packs signed numbers only: the range is moved down and back.
+inline __m128i rounded_words(Float4 bounded) {
+  const __m128i moved_down = _mm_sub_epi32(_mm_cvtps_epi32(bounded.lanes), _mm_set1_epi32(0x8000));
+  return _mm_xor_si128(_mm_packs_epi32(moved_down, moved_down), _mm_set1_epi16(-0x8000));
+}
+
 }  // namespace
 }  // namespace kv

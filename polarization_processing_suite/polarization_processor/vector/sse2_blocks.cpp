@@ -19,12 +19,7 @@ struct Sse2Form {
   }
 
   static void store(std::uint16_t* plane, Float4 bounded) {
-    // SSE2 packs signed numbers only: 0..65535 is moved down to the signed range and back.
-    const __m128i values = _mm_cvtps_epi32(bounded.lanes);
-    const __m128i moved_down = _mm_sub_epi32(values, _mm_set1_epi32(0x8000));
-    const __m128i words = _mm_packs_epi32(moved_down, moved_down);
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(plane),
-                     _mm_xor_si128(words, _mm_set1_epi16(-0x8000)));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(plane), rounded_words(bounded));
   }
 
   static void store_pairs(float* pairs, Float4 first, Float4 second) {
