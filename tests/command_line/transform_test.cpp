@@ -53,6 +53,11 @@ struct Chain {
   std::vector<std::string> further_arguments;
 };
 
+std::string name_of_chain(const testing::TestParamInfo<Chain>& info) {
+  return info.param.extension + "_phase_" + std::to_string(info.param.phase) + "_depth_" +
+         std::to_string(info.param.bit_depth);
+}
+
 class SimulateThenTransform : public testing::TestWithParam<Chain> {};
 
 TEST_P(SimulateThenTransform, RecoversTheDiscs) {
@@ -97,7 +102,8 @@ INSTANTIATE_TEST_SUITE_P(
                           12,
                           {"--bit-depth", "12", "--width", "301", "--height", "240", "--raw-bits",
                            "16"}},
-                    Chain{"raw", 0, 8, {"--width", "301", "--height", "240", "--raw-bits", "8"}}));
+                    Chain{"raw", 0, 8, {"--width", "301", "--height", "240", "--raw-bits", "8"}}),
+    name_of_chain);
 
 class TransformTest : public testing::Test {
  protected:

@@ -135,6 +135,7 @@ TEST(Processor, ComputesOnlyWhatIsAskedForAndAlwaysTheSame) {
 }
 
 struct Refusal {
+  const char* name;
   const char* part_of_message;
   void (*spoil)(kv::Frame&, kv::TransformSettings&);
 };
@@ -159,16 +160,25 @@ TEST_P(RefusalTest, NamesTheFaultBeforeTheLibraryIsCalled) {
 INSTANTIATE_TEST_SUITE_P(
     All, RefusalTest,
     testing::Values(
-        Refusal{"2 or more", [](kv::Frame& f, kv::TransformSettings&) { f = random_frame(1, 6); }},
-        Refusal{"2 or more", [](kv::Frame& f, kv::TransformSettings&) { f = random_frame(6, 1); }},
-        Refusal{"4 or more", [](kv::Frame& f, kv::TransformSettings&) { f = random_frame(2, 3); }},
-        Refusal{"4 or more", [](kv::Frame& f, kv::TransformSettings&) { f = random_frame(3, 9); }},
-        Refusal{"as many", [](kv::Frame& f, kv::TransformSettings&) { f.samples.pop_back(); }},
-        Refusal{"bit depth", [](kv::Frame& f, kv::TransformSettings&) { f.bit_depth = 17; }},
-        Refusal{"bit depth", [](kv::Frame& f, kv::TransformSettings&) { f.bit_depth = 0; }},
-        Refusal{"65535", [](kv::Frame&, kv::TransformSettings& s) { s.output_max = 0; }},
-        Refusal{"origin", [](kv::Frame&, kv::TransformSettings& s) { s.y_origin = -1; }},
-        Refusal{"phase", [](kv::Frame&, kv::TransformSettings& s) { s.phase = 4; }},
-        Refusal{"plane", [](kv::Frame&, kv::TransformSettings& s) { s.planes = {}; }}));
+        Refusal{"one_column", "2 or more",
+                [](kv::Frame& f, kv::TransformSettings&) { f = random_frame(1, 6); }},
+        Refusal{"one_row", "2 or more",
+                [](kv::Frame& f, kv::TransformSettings&) { f = random_frame(6, 1); }},
+        Refusal{"width_2", "4 or more",
+                [](kv::Frame& f, kv::TransformSettings&) { f = random_frame(2, 3); }},
+        Refusal{"width_3", "4 or more",
+                [](kv::Frame& f, kv::TransformSettings&) { f = random_frame(3, 9); }},
+        Refusal{"too_few_samples", "as many",
+                [](kv::Frame& f, kv::TransformSettings&) { f.samples.pop_back(); }},
+        Refusal{"deep", "bit depth",
+                [](kv::Frame& f, kv::TransformSettings&) { f.bit_depth = 17; }},
+        Refusal{"no_bits", "bit depth",
+                [](kv::Frame& f, kv::TransformSettings&) { f.bit_depth = 0; }},
+        Refusal{"output_max", "65535",
+                [](kv::Frame&, kv::TransformSettings& s) { s.output_max = 0; }},
+        Refusal{"origin", "origin", [](kv::Frame&, kv::TransformSettings& s) { s.y_origin = -1; }},
+        Refusal{"phase", "phase", [](kv::Frame&, kv::TransformSettings& s) { s.phase = 4; }},
+        Refusal{"no_plane", "plane", [](kv::Frame&, kv::TransformSettings& s) { s.planes = {}; }}),
+    [](const testing::TestParamInfo<Refusal>& info) { return std::string(info.param.name); });
 
 }  // namespace
