@@ -20,6 +20,20 @@ install(
     ${PROJECT_SOURCE_DIR}/polarization_processing_suite/polarization_processor/${library}.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
+# Nobody links to the logger: the libraries look for it beside themselves. It looks there for its
+# configuration.
+if(TARGET kevrinth_qrm_logger)
+  set(logger_dir ${PROJECT_SOURCE_DIR}/polarization_processing_suite/logger)
+  set(runtime_dir $<IF:$<PLATFORM_ID:Windows>,${CMAKE_INSTALL_BINDIR},${CMAKE_INSTALL_LIBDIR}>)
+  install(
+    TARGETS kevrinth_qrm_logger
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(FILES ${logger_dir}/kevrinth_qrm_logger.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(FILES ${logger_dir}/kevrinth_qrm_logger.cfg DESTINATION ${runtime_dir})
+endif()
+
 if(TARGET kv-polarize)
   cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR}
              OUTPUT_VARIABLE bin_to_lib)

@@ -1,0 +1,121 @@
+#include "config.h"
+
+#include <array>
+#include <charconv>
+#include <fstream>
+#include <string_view>
+#include <system_error>
+
+#include "platform/own_folder.h"
+
+namespace kv::logger {
+namespace {
+
+std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
+
+template <class Number>
+Number number_in(std::string_view value, Number lowest, Number highest) {
+  Number number{};
+  const char* const end = value.data() + value.size();
+  const auto [rest, error] = std::from_chars(value.data(), end, number);
+  if (error != std::errc{} || rest != end || number < lowest || number > highest) {
+    throw ConfigFault(quoted(value) + " is not a whole number from " + std::to_string(lowest) +
+                      " to " + std::to_string(highest));
+  }
+  return number;
+}
+
+bool on_or_off(std::string_view value) {
+  if (value == "on") return true;
+  if (value == "off") return false;
+  throw ConfigFault(quoted(value) + " is neither 'on' nor 'off'");
+}
+
+struct Key {
+  std::string_view name;
+  void (*set)(Config& config, std::string_view value);
+};
+
+constexpr std::size_t kMaxKib = 1024 * 1024;
+constexpr std::size_t kMaxFiles = 1000;
+
+constexpr std::array kKeys{
+    Key{"level", [](Config& c, std::string_view v) { c.level = number_in(v, 0, 7); }},
+    Key{"console", [](Config& c, std::string_view v) { c.console = on_or_off(v); }},
+    Key{"file", [](Config& c, std::string_view v) { c.file = v; }},
+    Key{"file_max_kib",
+        [](Config& c, std::string_view v) {
+          c.file_max_kib = number_in(v, std::size_t{1}, kMaxKib);
+        }},
+    Key{"file_count",
+        [](Config& c, std::string_view v) {
+          c.file_count = number_in(v, std::size_t{0}, kMaxFiles);
+        }},
+    Key{"pattern", [](Config& c, std::string_view v) { c.pattern = v; }},
+};
+
+const Key& key_named(std::string_view name) {
+  std::string known;
+  for (const Key& key : kKeys) {
+    if (key.name == name) return key;
+    known += (known.empty() ? "" : ", ") + std::string(key.name);
+  }
+  throw ConfigFault("unknown key " + quoted(name) + "; known are " + known);
+}
+
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r";
+  const auto first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+void apply_line(Config& config, std::string_view line) {
+  line = trimmed(line);
+  if (line.empty() || line.front() == '#') return;
+  const auto equals = line.find('=');
+  if (equals == std::string_view::npos) {
+    throw ConfigFault(quoted(line) + " is not of the form 'key = value'");
+  }
+  const Key& key = key_named(trimmed(line.substr(0, equals)));
+  try {
+    key.set(config, trimmed(line.substr(equals + 1)));
+  } catch (const ConfigFault& fault) {
+    throw ConfigFault(std::string(key.name) + ": " + fault.what());
+  }
+}
+
+}  // namespace
+
+Config parse_config(std::istream& lines, const std::string& name) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  Config config;
+  std::string line;
+  for (int number = 1; std::getline(lines, line); ++number) {
+    if (number == 1 && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
+    try {
+      apply_line(config, line);
+    } catch (const ConfigFault& fault) {
+      throw ConfigFault(name + ":" + std::to_string(number) + ": " + fault.what());
+    }
+  }
+  if (lines.bad()) throw ConfigFault(name + ": cannot be read");
+  return config;
+}
+
+std::filesystem::path find_config(const std::string& file_name) {
+  if (file_name.empty()) return {};
+  std::error_code ignored;
+  if (std::filesystem::exists(file_name, ignored)) return file_name;
+  const std::filesystem::path beside_library = own_folder() / file_name;
+  return std::filesystem::exists(beside_library, ignored) ? beside_library
+                                                          : std::filesystem::path{};
+}
+
+Config read_config(const std::filesystem::path& path) {
+  std::ifstream lines(path);
+  if (!lines) throw ConfigFault(path.string() + ": cannot be opened for reading");
+  return parse_config(lines, path.string());
+}
+
+}  // namespace kv::logger

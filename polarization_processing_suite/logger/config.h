@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <istream>
+#include <stdexcept>
+#include <string>
+
+namespace kv::logger {
+
+/// What to write and where. The initial values are the defaults.
+struct Config {
+  std::int32_t level = 2;  ///< The highest severity number that is written, 0 to 7.
+  bool console = true;     ///< To standard error.
+  std::string file;        ///< None when empty.
+  std::size_t file_max_kib = 10240;
+  std::size_t file_count = 3;  ///< Files set aside, beside the one being written.
+  std::string pattern = "%Y-%m-%d %H:%M:%S.%e [%l] %n: %v";
+
+  bool operator==(const Config&) const = default;
+};
+
+/// Says in one line what is wrong with a configuration, where, and what would be right.
+class ConfigFault : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Reads `key = value` lines; throws ConfigFault at the first that makes no sense. `name` stands
+/// for the source in the fault.
+Config parse_config(std::istream& lines, const std::string& name);
+
+/// The file of that name in the working folder, else the one beside this library; empty when there
+/// is neither.
+std::filesystem::path find_config(const std::string& file_name);
+
+/// The configuration in that file; throws ConfigFault.
+Config read_config(const std::filesystem::path& path);
+
+}  // namespace kv::logger

@@ -1,0 +1,70 @@
+#include "config.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace kv::logger {
+namespace {
+
+Config parsed(const std::string& text) {
+  std::istringstream lines(text);
+  return parse_config(lines, "test.cfg");
+}
+
+std::string fault_of(const std::string& text) {
+  try {
+    parsed(text);
+  } catch (const ConfigFault& fault) {
+    return fault.what();
+  }
+  return "no fault";
+}
+
+TEST(LoggerConfig, SampleHoldsTheDefaults) { EXPECT_EQ(read_config(SAMPLE_CONFIG), Config{}); }
+
+TEST(LoggerConfig, EachKey) {
+  const Config expected{.level = 7,
+                        .console = false,
+                        .file = "a folder/run #1.log",
+                        .file_max_kib = 1,
+                        .file_count = 0,
+                        .pattern = "%# = %v"};
+  EXPECT_EQ(parsed("\xEF\xBB\xBFlevel=7\r\n"
+                   "  console =\toff  \r\n"
+                   "# level = 3\r\n"
+                   "\r\n"
+                   "file = a folder/run #1.log\r\n"
+                   "file_max_kib = 1\r\n"
+                   "file_count = 0\r\n"
+                   "pattern = %# = %v"),
+            expected);
+}
+
+TEST(LoggerConfig, LastOfEqualKeysCounts) { EXPECT_EQ(parsed("level = 1\nlevel = 5").level, 5); }
+
+struct Fault {
+  const char* text;
+  const char* message;
+};
+
+TEST(LoggerConfig, FaultsSayWhatIsWrongAndWhatWouldBeRight) {
+  const Fault faults[] = {
+      {"level = 8", "test.cfg:1: level: '8' is not a whole number from 0 to 7"},
+      {"\n\nlevel = -1", "test.cfg:3: level: '-1' is not a whole number from 0 to 7"},
+      {"level = 2.5", "test.cfg:1: level: '2.5' is not a whole number from 0 to 7"},
+      {"level =", "test.cfg:1: level: '' is not a whole number from 0 to 7"},
+      {"level = 99999999999", "test.cfg:1: level: '99999999999' is not a whole number from 0 to 7"},
+      {"file_max_kib = 0", "test.cfg:1: file_max_kib: '0' is not a whole number from 1 to 1048576"},
+      {"file_count = many", "test.cfg:1: file_count: 'many' is not a whole number from 0 to 1000"},
+      {"console = yes", "test.cfg:1: console: 'yes' is neither 'on' nor 'off'"},
+      {"# level\nlevel 2", "test.cfg:2: 'level 2' is not of the form 'key = value'"},
+      {"Level = 2",
+       "test.cfg:1: unknown key 'Level'; known are level, console, file, file_max_kib, file_count, "
+       "pattern"},
+  };
+  for (const Fault& fault : faults) EXPECT_EQ(fault_of(fault.text), fault.message);
+}
+
+}  // namespace
+}  // namespace kv::logger

@@ -1,0 +1,3 @@
+#include "kevrinth_qrm_polarization_processor.h"
+
+int main() { return kv_polarization_processor_module_initialize(); }
