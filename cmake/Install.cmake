@@ -20,19 +20,26 @@ install(
     ${PROJECT_SOURCE_DIR}/polarization_processing_suite/polarization_processor/${library}.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
-# Nobody links to the logger: the libraries look for it beside themselves. It looks there for its
-# configuration.
+# Optional companions are looked for by bare name: beside the library, on Windows beside the program.
+set(companion_dir $<IF:$<PLATFORM_ID:Windows>,${CMAKE_INSTALL_BINDIR},${CMAKE_INSTALL_LIBDIR}>)
+
+# The logger looks for its configuration beside itself.
 if(TARGET kevrinth_qrm_logger)
   set(logger_dir ${PROJECT_SOURCE_DIR}/polarization_processing_suite/logger)
-  set(runtime_dir $<IF:$<PLATFORM_ID:Windows>,${CMAKE_INSTALL_BINDIR},${CMAKE_INSTALL_LIBDIR}>)
   install(
     TARGETS kevrinth_qrm_logger
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
   install(FILES ${logger_dir}/kevrinth_qrm_logger.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-  install(FILES ${logger_dir}/kevrinth_qrm_logger.cfg DESTINATION ${runtime_dir})
+  install(FILES ${logger_dir}/kevrinth_qrm_logger.cfg DESTINATION ${companion_dir})
 endif()
+
+foreach(module ${library}_vector_avx2 ${library}_vector_avx512)
+  if(TARGET ${module})
+    install(TARGETS ${module} LIBRARY DESTINATION ${companion_dir})
+  endif()
+endforeach()
 
 if(TARGET kv-polarize)
   cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR}

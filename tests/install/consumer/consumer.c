@@ -5,12 +5,11 @@
 int main(void) {
   const uint16_t frame[4] = {3000, 2000, 2000, 1000};
   uint16_t s0[4] = {0}, s1[4] = {0};
-  PolarizationProcessor *processor = NULL;
+  PolarizationProcessor* processor = NULL;
   kv_polarization_processor_module_initialize();
   kv_polarization_processor_create_polarization_processor(&processor);
-  ProcessorStatus status =
-      kv_polarization_processor_transform(processor, kv_polar_phase_0, frame, 0, 0, 2, 2, 12, 4095,
-                                          NULL, s0, s1, NULL, NULL, NULL);
+  ProcessorStatus status = kv_polarization_processor_transform(
+      processor, kv_polar_phase_0, frame, 0, 0, 2, 2, 12, 4095, NULL, s0, s1, NULL, NULL, NULL);
   kv_polarization_processor_destroy_polarization_processor(processor);
   kv_polarization_processor_module_terminate();
   printf("status %d, S0 %d, S1 %d\n", (int)status, s0[0], s1[0]);
