@@ -1,0 +1,108 @@
+#include "host.h"
+
+#include <array>
+#include <random>
+#include <regex>
+
+namespace kv::test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The folders of the fakes and the companions that they stand for.
+struct Fake {
+  const char* folder;
+  const char* file_stem;
+  std::string Companions::*variant;
+};
+
+constexpr std::array<Fake, 3> kFakes{{
+    {"logger", "kevrinth_qrm_logger", &Companions::logger},
+    {"avx512", "kevrinth_qrm_polarization_processor_vector_avx512", &Companions::avx512},
+    {"avx2", "kevrinth_qrm_polarization_processor_vector_avx2", &Companions::avx2},
+}};
+
+fs::path file_name(const Fake& fake) { return std::string(fake.file_stem) + kLibrarySuffix; }
+
+}  // namespace
+
+Host::Host(const Companions& companions)
+    : folder_(fs::temp_directory_path() / ("host_test_" + std::to_string(std::random_device{}()))) {
+  reset_recorder();
+  fs::create_directory(folder_);
+  const fs::path library = folder_ / fs::path(PROCESSOR_LIBRARY).filename();
+  fs::copy_file(PROCESSOR_LIBRARY, library);
+  for (const Fake& fake : kFakes) {
+    const std::string& variant = companions.*fake.variant;
+    if (variant.empty()) continue;
+    const fs::path source = fs::path(FAKES_FOLDER) / fake.folder / variant / file_name(fake);
+    fs::copy_file(source, folder_ / file_name(fake));
+  }
+  library_.emplace(library);
+  library_->find("kv_polarization_processor_module_initialize", initialize_);
+  library_->find("kv_polarization_processor_module_terminate", terminate_);
+  library_->find("kv_polarization_processor_create_polarization_processor", create_);
+  library_->find("kv_polarization_processor_destroy_polarization_processor", destroy_);
+  library_->find("kv_polarization_processor_get_custom_calibration_coefficients", get_);
+  library_->find("kv_polarization_processor_set_custom_calibration_coefficients", set_);
+  library_->find("kv_polarization_processor_transform", transform_);
+}
+
+Host::~Host() {
+  unload();
+  for (const Fake& fake : kFakes) drop_library(folder_ / file_name(fake));
+  fs::remove_all(folder_);
+}
+
+ProcessorStatus Host::get(PolarizationProcessor* handle) const {
+  return get_(handle, nullptr, nullptr, nullptr, nullptr);
+}
+
+ProcessorStatus Host::set(PolarizationProcessor* handle) const {
+  return set_(handle, nullptr, nullptr, nullptr, nullptr);
+}
+
+ProcessorStatus Host::transform(PolarizationProcessor* handle, const Arguments& a) const {
+  return transform_(handle, a.polar_phase, a.input, a.x_origin, a.y_origin, a.width, a.height,
+                    a.bit_depth, a.output_max, a.normalized_stokes, a.intensity, a.stokes_s1,
+                    a.stokes_s2, a.azimuth, a.dolp);
+}
+
+Events events() {
+  static const std::regex duration("takes [0-9]+\\.[0-9]{6} microseconds");
+  Events all;
+  for (std::size_t i = 0; i < recorded(); ++i) {
+    all.push_back(std::regex_replace(event_at(i), duration, "takes N microseconds"));
+  }
+  return all;
+}
+
+Events operator+(Events first, const Events& second) {
+  first.insert(first.end(), second.begin(), second.end());
+  return first;
+}
+
+const Events kLoggerComes{
+    "load logger",
+    "qrm_get_log 'KEVRINTH_QRM_POLARIZATION_PROCESSOR' '' 'kevrinth_qrm_logger.cfg'"};
+
+const Events kLoggerGoes{"qrm_free_log 'KEVRINTH_QRM_POLARIZATION_PROCESSOR' ''", "unload logger"};
+
+// The whole path, as far as it is the same on every machine.
+const Events kTimingLine{
+    "qrm_log 7 polarization_processing_suite\\polarization_processor\\"
+    "kevrinth_qrm_polarization_processor.cpp kv_polarization_processor_transform | "
+    "transform takes N microseconds."};
+
+Events error_line(const std::string& export_name, const std::string& message) {
+  return {"qrm_log 2 kevrinth_qrm_polarization_processor.cpp kv_polarization_processor_" +
+          export_name + " | " + message};
+}
+
+Events null_handle_to_transform() {
+  return error_line("transform", "ERROR:  The specified polarization processor handle is NULL!") +
+         kTimingLine;
+}
+
+}  // namespace kv::test
