@@ -1,10 +1,8 @@
 // The built tool on input that it has to refuse.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <functional>
-
 #include "tool.h"
+#include "toolkit/image_files/image_writer.h"
 
 namespace {
 
@@ -149,8 +147,10 @@ TEST(BadInput, FilesThatCannotBeWrittenToTheirEndVanish) {
   const Tool tool;
   const std::string small_files = "ulimit -f 8; ";
   std::vector<std::string> frame = {"simulate", "--width", "640", "--height", "512", "-o"};
-  for (const char* extension : {"png", "tiff", "pgm", "raw"}) {
-    frame.push_back(tool.path(std::string("frame.") + extension));
+  std::vector<std::string> extensions = kv::plane_format_names();
+  extensions.emplace_back("raw");
+  for (const std::string& extension : extensions) {
+    frame.push_back(tool.path("frame." + extension));
     expect_refusal(tool, tool.run_after(small_files, frame), 1, "cannot write", "");
     frame.pop_back();
   }

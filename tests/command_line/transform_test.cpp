@@ -53,6 +53,10 @@ struct Chain {
   std::vector<std::string> further_arguments;
 };
 
+void PrintTo(const Chain& chain, std::ostream* out) {
+  *out << chain.extension << ", phase " << chain.phase << ", depth " << chain.bit_depth;
+}
+
 std::string name_of_chain(const testing::TestParamInfo<Chain>& info) {
   return info.param.extension + "_phase_" + std::to_string(info.param.phase) + "_depth_" +
          std::to_string(info.param.bit_depth);

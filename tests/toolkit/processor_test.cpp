@@ -140,6 +140,10 @@ struct Refusal {
   void (*spoil)(kv::Frame&, kv::TransformSettings&);
 };
 
+void PrintTo(const Refusal& refusal, std::ostream* out) { *out << refusal.part_of_message; }
+
+std::string name_of_refusal(const testing::TestParamInfo<Refusal>& info) { return info.param.name; }
+
 class RefusalTest : public testing::TestWithParam<Refusal> {};
 
 TEST_P(RefusalTest, NamesTheFaultBeforeTheLibraryIsCalled) {
@@ -179,6 +183,6 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"origin", "origin", [](kv::Frame&, kv::TransformSettings& s) { s.y_origin = -1; }},
         Refusal{"phase", "phase", [](kv::Frame&, kv::TransformSettings& s) { s.phase = 4; }},
         Refusal{"no_plane", "plane", [](kv::Frame&, kv::TransformSettings& s) { s.planes = {}; }}),
-    [](const testing::TestParamInfo<Refusal>& info) { return std::string(info.param.name); });
+    name_of_refusal);
 
 }  // namespace
