@@ -43,17 +43,22 @@ std::uint32_t enabled_states() {
 
 constexpr bool bit(std::uint32_t value, unsigned position) { return (value >> position & 1u) != 0; }
 
-bool avx512_usable() {
+/// In XCR0: the halves of ymm registers together with xmm, and what AVX-512 adds to them.
+constexpr std::uint32_t kAvxStates = 0x06;
+constexpr std::uint32_t kAvx512States = 0xE0;
+
+bool states_enabled(std::uint32_t states) {
   const std::uint32_t ecx = cpuid(1, 0).ecx;
-  if (!bit(ecx, 27) || !bit(ecx, 28)) return false;  // OSXSAVE, AVX
-  constexpr std::uint32_t kAvx512States = 0xE0;
-  if ((enabled_states() & kAvx512States) != kAvx512States) return false;
-  const std::uint32_t ebx = cpuid(7, 0).ebx;
-  return bit(ebx, 16) && bit(ebx, 17) && bit(ebx, 30);  // AVX512F, AVX512DQ, AVX512BW
+  return bit(ecx, 27) && bit(ecx, 28) && (enabled_states() & states) == states;  // OSXSAVE, AVX
 }
 
-bool avx2_offered() {
-  return bit(cpuid(7, 0).ebx, 5) && bit(cpuid(1, 0).ecx, 12);  // AVX2, FMA
+bool has_leaf_7() { return cpuid(0, 0).eax >= 7; }
+
+bool offers_avx2() { return bit(cpuid(7, 0).ebx, 5); }
+
+bool offers_avx512() {
+  const std::uint32_t ebx = cpuid(7, 0).ebx;
+  return bit(ebx, 16) && bit(ebx, 17) && bit(ebx, 30);  // AVX512F, AVX512DQ, AVX512BW
 }
 
 }  // namespace
@@ -66,9 +71,17 @@ bool sse41_available() {
 }
 
 CpuTier detect_cpu_tier() {
-  if (avx512_usable()) return CpuTier::avx512;
-  if (avx2_offered()) return CpuTier::avx2;
+  if (states_enabled(kAvx512States) && offers_avx512()) return CpuTier::avx512;
+  const bool fma = bit(cpuid(1, 0).ecx, 12);
+  if (offers_avx2() && fma) return CpuTier::avx2;
   return CpuTier::baseline;
+}
+
+bool avx2_runnable() { return has_leaf_7() && states_enabled(kAvxStates) && offers_avx2(); }
+
+bool avx512_runnable() {
+  return has_leaf_7() && states_enabled(kAvxStates | kAvx512States) && offers_avx512() &&
+         offers_avx2();
 }
 
 }  // namespace kv

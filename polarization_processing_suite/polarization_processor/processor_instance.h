@@ -1,17 +1,10 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 
 #include "coefficient_set.h"
+#include "cpu_features.h"
 #include "routing/vector_backend.h"
-
-namespace kv {
-
-/// What the processor and the operating system offer beyond the library's own kernels.
-enum class CpuTier : std::uint32_t { baseline = 0, avx2 = 1, avx512 = 2 };
-
-}  // namespace kv
 
 /// The weights of one camera, behind the public handle. Its views point into itself: it is never
 /// copied or moved.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "transform_request.h"
 #include "vector/block_axes.h"
 
 namespace kv {
@@ -17,6 +18,8 @@ struct KernelAxes {
 
   constexpr bool operator==(const KernelAxes&) const = default;
 };
+
+KernelAxes kernel_axes_of(const TransformRequest& request, bool sse41_available);
 
 /// The family: each variant of the vector block, for both parities of height and of width, in the
 /// SSE2 and the SSE4.1 form.

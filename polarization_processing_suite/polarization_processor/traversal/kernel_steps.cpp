@@ -35,10 +35,10 @@ constexpr auto kEncodingSteps = steps_table(std::make_index_sequence<kEncodingCo
 KernelSteps kernel_steps_of(const KernelAxes& axes) {
   const EncodingSteps& steps = kEncodingSteps[encoding_index(axes.encoding)];
   const auto& walkers = axes.even_height ? steps.walk_last_two_rows : steps.walk_last_row;
-  const auto& blocks = axes.sse41 ? kSse41Blocks : kSse2Blocks;
+  const BlockTable& blocks = axes.sse41 ? kSse41Blocks : kSse2Blocks;
   const std::size_t even_width = axes.even_width ? 1 : 0;
   return {.prepare = steps.prepare,
-          .run_blocks = blocks[block_variant_index({axes.encoding, axes.phase})],
+          .run_blocks = blocks.by_variant[block_variant_index({axes.encoding, axes.phase})],
           .finish_row_pair = steps.finish_row_pair[even_width],
           .walk_last_rows = walkers[even_width]};
 }

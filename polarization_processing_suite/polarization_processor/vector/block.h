@@ -91,8 +91,8 @@ void run_blocks(const TransformRequest& request, const BlockConstants& constants
 }
 
 template <class Form, std::size_t... index>
-constexpr std::array<RunBlocks, kBlockVariantCount> block_table(std::index_sequence<index...>) {
-  return {&run_blocks<Form, kBlockVariants[index]>...};
+constexpr BlockTable block_table(std::index_sequence<index...>) {
+  return {{&run_blocks<Form, kBlockVariants[index]>...}};
 }
 
 }  // namespace kv

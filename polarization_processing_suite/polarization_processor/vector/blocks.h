@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 
 #include "transform_request.h"
@@ -43,9 +42,14 @@ inline void advance(BlockPosition& position, std::uint64_t blocks) {
 using RunBlocks = void (*)(const TransformRequest& request, const BlockConstants& constants,
                            std::uint64_t count, BlockPosition position);
 
-/// By block_variant_index. Each fourth column of the SSE4.1 form is a copy of its left neighbour;
+/// By block_variant_index.
+struct BlockTable {
+  RunBlocks by_variant[kBlockVariantCount];
+};
+
+/// Each fourth column of the SSE4.1 form is a copy of its left neighbour;
 /// the SSE2 form gives it its own value.
-extern const std::array<RunBlocks, kBlockVariantCount> kSse2Blocks;
-extern const std::array<RunBlocks, kBlockVariantCount> kSse41Blocks;
+extern const BlockTable kSse2Blocks;
+extern const BlockTable kSse41Blocks;
 
 }  // namespace kv

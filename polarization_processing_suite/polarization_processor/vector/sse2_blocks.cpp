@@ -30,7 +30,7 @@ struct Sse2Form {
 
 }  // namespace
 
-const std::array<RunBlocks, kBlockVariantCount> kSse2Blocks =
+constinit const BlockTable kSse2Blocks =
     block_table<Sse2Form>(std::make_index_sequence<kBlockVariantCount>());
 
 }  // namespace kv

@@ -1,6 +1,7 @@
 #include <utility>
 
 #include "vector/block.h"
+#include "vector/flatten.h"
 #include "vector/simd128.h"
 
 namespace kv {
@@ -32,9 +33,8 @@ struct Sse41Form {
 
 /// Four blocks at a time, then one by one.
 template <BlockAxes axes>
-[[gnu::flatten]] void run_sse41_blocks(const TransformRequest& request,
-                                       const BlockConstants& constants, std::uint64_t count,
-                                       BlockPosition position) {
+KV_FLATTEN void run_sse41_blocks(const TransformRequest& request, const BlockConstants& constants,
+                                 std::uint64_t count, BlockPosition position) {
   const WideBlocks<Simd128, axes> blocks(request, constants);
   for (; count >= Simd128::kBlocks; count -= Simd128::kBlocks) {
     blocks.evaluate(position);
@@ -44,13 +44,13 @@ template <BlockAxes axes>
 }
 
 template <std::size_t... index>
-constexpr std::array<RunBlocks, kBlockVariantCount> sse41_table(std::index_sequence<index...>) {
-  return {&run_sse41_blocks<kBlockVariants[index]>...};
+constexpr BlockTable sse41_table(std::index_sequence<index...>) {
+  return {{&run_sse41_blocks<kBlockVariants[index]>...}};
 }
 
 }  // namespace
 
-const std::array<RunBlocks, kBlockVariantCount> kSse41Blocks =
+constinit const BlockTable kSse41Blocks =
     sse41_table(std::make_index_sequence<kBlockVariantCount>());
 
 }  // namespace kv

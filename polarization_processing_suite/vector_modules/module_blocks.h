@@ -1,0 +1,10 @@
+#pragma once
+
+#include "vector/blocks.h"
+
+namespace kv {
+
+/// The blocks of the module that this is linked into.
+extern const BlockTable kModuleBlocks;
+
+}  // namespace kv

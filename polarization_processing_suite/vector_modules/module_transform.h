@@ -1,0 +1,11 @@
+#pragma once
+
+#include "coefficient_set.h"
+#include "transform_request.h"
+
+namespace kv {
+
+/// Fills the requested planes with the bytes that the library's own kernels would write.
+void module_transform(const TransformRequest& request, const PhaseView& view, bool sse41_available);
+
+}  // namespace kv
