@@ -56,6 +56,9 @@
  *     frame, call for strips of three rows (2p to 2p + 2, from top to bottom, the last one reaching
  *     the frame's end) with pointers into the same planes.
  *
+ *   The last pixel of a frame with just one odd side is weighed as if its column and row were even:
+ *   its S1 and S2 are exchanged, and with an odd height negated as well.
+ *
  * Life and threads
  *
  *   initialize, create, any number of transforms and coefficient calls, destroy, terminate.

@@ -66,30 +66,26 @@ T* start_of(std::vector<T>& plane) {
   return plane.empty() ? nullptr : plane.data();
 }
 
-/// A rectangle of the frame whose samples lie packed at `samples`.
-struct Section {
+/// Some rows of the frame, from an even one on, so that the phase is the frame's.
+struct Strip {
   const std::uint16_t* samples;
-  int column;
-  int row;
   int width;
   int height;
 };
 
 void call_library(PolarizationProcessor* handle, const TransformSettings& settings, int bit_depth,
-                  const Section& section, const Targets& targets) {
+                  const Strip& strip, const Targets& targets) {
   const auto& [intensity, stokes_s1, stokes_s2, azimuth, dolp] = targets.quantized;
-  // Only the parity of an origin matters; the remainders keep the sum from overflowing.
   const ProcessorStatus status = kv_polarization_processor_transform(
-      handle, settings.phase, section.samples, settings.x_origin % 2 + section.column % 2,
-      settings.y_origin % 2 + section.row % 2, section.width, section.height,
-      static_cast<std::uint32_t>(bit_depth), settings.output_max, targets.normalized_stokes,
-      intensity, stokes_s1, stokes_s2, azimuth, dolp);
+      handle, settings.phase, strip.samples, settings.x_origin, settings.y_origin, strip.width,
+      strip.height, static_cast<std::uint32_t>(bit_depth), settings.output_max,
+      targets.normalized_stokes, intensity, stokes_s1, stokes_s2, azimuth, dolp);
   if (status != kv_status_ok) throw Error(status_message(status));
 }
 
 /// A call over several row pairs displaces normalized_stokes. Strips of one row pair and the row
 /// below it have nothing to displace; that third row, an edge to the strip but not to the frame, is
-/// overwritten by the next strip. Even offsets keep the phase.
+/// overwritten by the next strip.
 void fill_normalized_stokes_by_strips(PolarizationProcessor* handle, const Frame& frame,
                                       const TransformSettings& settings, Planes& planes) {
   for (int row = 0, end = 0; end < frame.height; row += 2) {
@@ -97,43 +93,13 @@ void fill_normalized_stokes_by_strips(PolarizationProcessor* handle, const Frame
     end = row + rows;
     const std::size_t first = pixel_count(frame.width, row);
     call_library(handle, settings, frame.bit_depth,
-                 {frame.samples.data() + first, 0, row, frame.width, rows},
+                 {frame.samples.data() + first, frame.width, rows},
                  {planes.normalized_stokes.data() + 2 * first, {}});
   }
 }
 
 bool displaces_normalized_stokes(const Frame& frame) {
   return frame.height >= 5 && frame.width >= 8;
-}
-
-/// Where just one side is odd, the library gives the last pixel the weights of another polarizer.
-/// The last four pixels as a frame of their own give it its true values.
-void mend_last_pixel(PolarizationProcessor* handle, const Frame& frame,
-                     const TransformSettings& settings, Planes& planes) {
-  const std::size_t last = frame.samples.size() - 1;
-  const auto width = static_cast<std::size_t>(frame.width);
-  const std::array<std::uint16_t, 4> cell = {frame.samples[last - width - 1],
-                                             frame.samples[last - width], frame.samples[last - 1],
-                                             frame.samples[last]};
-
-  std::array<float, 8> pairs{};
-  std::array<std::array<std::uint16_t, 4>, quantized_planes.size()> values{};
-  Targets targets;
-  if (!planes.normalized_stokes.empty()) targets.normalized_stokes = pairs.data();
-  for (std::size_t i = 0; i < quantized_planes.size(); ++i) {
-    if (!planes.quantized(quantized_planes[i]).empty()) targets.quantized[i] = values[i].data();
-  }
-  call_library(handle, settings, frame.bit_depth,
-               {cell.data(), frame.width - 2, frame.height - 2, 2, 2}, targets);
-
-  if (targets.normalized_stokes != nullptr) {
-    std::copy_n(pairs.end() - 2, 2, planes.normalized_stokes.end() - 2);
-  }
-  for (std::size_t i = 0; i < quantized_planes.size(); ++i) {
-    if (targets.quantized[i] != nullptr) {
-      planes.quantized(quantized_planes[i]).back() = values[i].back();
-    }
-  }
 }
 
 }  // namespace
@@ -256,10 +222,9 @@ void Processor::transform(const Frame& frame, const TransformSettings& settings,
   if (!by_strips) targets.normalized_stokes = start_of(planes.normalized_stokes);
   if (settings.planes.has_quantized() || !by_strips) {
     call_library(handle_, settings, frame.bit_depth,
-                 {frame.samples.data(), 0, 0, frame.width, frame.height}, targets);
+                 {frame.samples.data(), frame.width, frame.height}, targets);
   }
   if (by_strips) fill_normalized_stokes_by_strips(handle_, frame, settings, planes);
-  if (frame.width % 2 != frame.height % 2) mend_last_pixel(handle_, frame, settings, planes);
 }
 
 }  // namespace kv

@@ -88,8 +88,8 @@ class Processor {
   Processor& operator=(const Processor&) = delete;
 
   /// Fills `planes` from a whole frame; buffers of an earlier frame are used again.
-  /// Every pixel of every plane is that of its place, which a single call of the library does not
-  /// grant for normalized_stokes and for the last pixel (the definition tells how it is mended).
+  /// The 16-bit planes are the library's to the last bit. Of normalized_stokes every pair stands at
+  /// its pixel's place, which a single call of the library does not grant.
   /// Throws Error, before anything is computed, when the frame or the settings can't be used.
   void transform(const Frame& frame, const TransformSettings& settings, Planes& planes) const;
 
