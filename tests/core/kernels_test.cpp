@@ -1,17 +1,18 @@
-// Every kernel of the family, byte for byte, against the expectation formed from the rules.
+// Every kernel of the family on every path, byte for byte, against the expectation formed from the
+// rules.
 #include <gtest/gtest.h>
 
 #include <iostream>
 
+#include "every_path.h"
 #include "expected_frame.h"
 #include "random_case.h"
-#include "routing/kernel_selector.h"
 #include "traversal/kernel_name.h"
 
 namespace kv::test {
 namespace {
 
-class Kernels : public BothForms {
+class Kernels : public EveryPath {
  protected:
   /// Tries the kernels of all planes and phases. Reports the first wrong one.
   bool try_kernels(const RandomCase& random_case) {
@@ -30,7 +31,7 @@ class Kernels : public BothForms {
       for (PlaneNumber wanted = 1; wanted <= kAllPlanes; ++wanted) {
         actual.clear();
         actual.hand_to(request, wanted);
-        select_kernel(request, view, sse41());
+        run(request, view);
         const std::string wrong = difference(actual, expected, frame.width, wanted);
         if (!wrong.empty()) {
           ADD_FAILURE() << kernel_name(kernel_axes_of(request, sse41())) << "\n"
@@ -53,7 +54,7 @@ TEST_P(Kernels, GiveTheExpectedBytes) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Forms, Kernels, testing::Bool(), form_name);
+INSTANTIATE_TEST_SUITE_P(Paths, Kernels, testing::ValuesIn(kPaths), path_name);
 
 }  // namespace
 }  // namespace kv::test

@@ -2,9 +2,9 @@
 // be accessed, so that a step outside ends the process.
 #include <gtest/gtest.h>
 
+#include "every_path.h"
 #include "fenced_memory.h"
 #include "kernel_run.h"
-#include "routing/kernel_selector.h"
 
 namespace kv::test {
 namespace {
@@ -26,7 +26,7 @@ struct FencedPlanes {
   FencedPlane<std::uint16_t> dolp;
 };
 
-class MemoryBounds : public BothForms {
+class MemoryBounds : public EveryPath {
  protected:
   void transform_fenced(std::size_t height, std::size_t width, Fence fence) {
     const std::size_t pixels = height * width;
@@ -42,7 +42,7 @@ class MemoryBounds : public BothForms {
       request.stokes_s2 = wanted & 8 ? planes.stokes_s2.data() : nullptr;
       request.azimuth = wanted & 16 ? planes.azimuth.data() : nullptr;
       request.dolp = wanted & 32 ? planes.dolp.data() : nullptr;
-      select_kernel(request, processor_.phase_views[0], sse41());
+      run(request, processor_.phase_views[0]);
     }
   }
 };
@@ -72,8 +72,8 @@ TEST_P(MemoryBoundsDeathTest, NarrowFramesRunAway) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Forms, MemoryBounds, testing::Bool(), form_name);
-INSTANTIATE_TEST_SUITE_P(Forms, MemoryBoundsDeathTest, testing::Bool(), form_name);
+INSTANTIATE_TEST_SUITE_P(Paths, MemoryBounds, testing::ValuesIn(kPaths), path_name);
+INSTANTIATE_TEST_SUITE_P(Paths, MemoryBoundsDeathTest, testing::ValuesIn(kPaths), path_name);
 
 }  // namespace
 }  // namespace kv::test

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <ostream>
+#include <string>
+
+#include "cpu_features.h"
+#include "processor_instance.h"
+#include "routing/kernel_selector.h"
+
+namespace kv::test {
+
+/// Code that can handle a frame: the library's own kernels, or a module called directly. A module
+/// is asked for the SSE2 form as well, which it has to give although no processor that can run it
+/// needs that form.
+struct Path {
+  const char* name;
+  bool sse41;
+  const VectorBackend* (*module)(const PolarizationProcessor& processor);
+};
+
+inline const VectorBackend* avx2_module(const PolarizationProcessor& processor) {
+  return &processor.avx2_backend;
+}
+inline const VectorBackend* avx512_module(const PolarizationProcessor& processor) {
+  return &processor.avx512_backend;
+}
+
+inline constexpr std::array<Path, 6> kPaths{{{"sse2", false, nullptr},
+                                             {"sse41", true, nullptr},
+                                             {"avx2", true, avx2_module},
+                                             {"avx2_as_sse2", false, avx2_module},
+                                             {"avx512", true, avx512_module},
+                                             {"avx512_as_sse2", false, avx512_module}}};
+
+inline void PrintTo(const Path& path, std::ostream* out) { *out << path.name; }
+inline std::string path_name(const testing::TestParamInfo<Path>& info) { return info.param.name; }
+
+/// A test that is run on each path. A path that this machine lacks is skipped.
+class EveryPath : public testing::TestWithParam<Path> {
+ protected:
+  void SetUp() override {
+    if (GetParam().module == nullptr) {
+      if (sse41() && !sse41_available()) GTEST_SKIP() << "this processor has no SSE4.1";
+    } else if (!GetParam().module(processor_)->usable()) {
+      GTEST_SKIP() << "this machine cannot run the module, or it is not built";
+    }
+  }
+
+  bool sse41() const { return GetParam().sse41; }
+
+  void run(const TransformRequest& request, const PhaseView& view) const {
+    if (GetParam().module == nullptr) {
+      select_kernel(request, view, sse41());
+    } else {
+      GetParam().module(processor_)->transform(processor_, request, view, sse41());
+    }
+  }
+
+  PolarizationProcessor processor_{CpuTier::baseline};
+};
+
+}  // namespace kv::test
