@@ -1,22 +1,21 @@
-// Frame kernels of both forms beside the copy of the same streams.
+// Whole frames by every path of the library, beside the copy of the same streams.
 //
-//   frame_benchmarks --benchmark_filter='2448x2048.*sse41'
+//   frame_benchmarks --benchmark_filter='2448x2048/.*/unscaled'
 
 #include <benchmark/benchmark.h>
 
 #include <string>
 
 #include "copy_limit.h"
-#include "cpu_features.h"
 #include "paired_timing.h"
-#include "processor_instance.h"
-#include "routing/kernel_selector.h"
 #include "sample_frame.h"
+#include "transform_path.h"
 
 namespace {
 
 using kv::OutputSet;
 using kv::bench::FrameSize;
+using kv::bench::Path;
 
 constexpr FrameSize kSizes[] = {{64, 64}, {640, 512}, {2448, 2048}, {4096, 3000}};
 
@@ -43,30 +42,28 @@ constexpr NamedOutputs kOutputs[] = {
     {"normalized_stokes", {.normalized_stokes = true}},
 };
 
-void time_kernel(benchmark::State& state, FrameSize size, OutputSet outputs, bool scaled,
-                 bool sse41) {
-  if (sse41 && !kv::sse41_available()) {
-    state.SkipWithError("this processor has no SSE4.1");
+void time_frames(benchmark::State& state, FrameSize size, OutputSet outputs, bool scaled,
+                 Path path) {
+  kv::bench::Transformer transform(path);
+  if (const char* const missing = transform.missing()) {
+    state.SkipWithError(missing);
     return;
   }
   kv::bench::SampleFrame frame(size);
   const kv::TransformRequest request = frame.request(outputs, scaled);
-  const PolarizationProcessor processor(kv::CpuTier::baseline);
   kv::bench::time_against_limit(
-      state, size.pixels(), [&] { kv::select_kernel(request, processor.phase_views[0], sse41); },
-      [&] { kv::bench::copy_streams(request); });
+      state, size.pixels(), [&] { transform(request); }, [&] { kv::bench::copy_streams(request); });
 }
 
-void register_kernels() {
+void register_frames() {
   for (const FrameSize size : kSizes) {
-    for (const bool sse41 : {true, false}) {
-      for (const bool scaled : {false, true}) {
-        for (const auto& [name, outputs] : kOutputs) {
-          if (scaled && !outputs.has_linear_plane()) continue;
-          const std::string full_name = "kernel/" + size.name() + "/" + name +
-                                        (scaled ? "/scaled" : "/unscaled") +
-                                        (sse41 ? "/sse41" : "/sse2");
-          benchmark::RegisterBenchmark(full_name.c_str(), time_kernel, size, outputs, scaled, sse41)
+    for (const bool scaled : {false, true}) {
+      for (const auto& [name, outputs] : kOutputs) {
+        if (scaled && !outputs.has_linear_plane()) continue;
+        for (const Path path : kv::bench::kPaths) {
+          const std::string full_name =
+              size.name() + "/" + name + (scaled ? "/scaled/" : "/unscaled/") + name_of(path);
+          benchmark::RegisterBenchmark(full_name.c_str(), time_frames, size, outputs, scaled, path)
               ->UseManualTime()
               ->Unit(benchmark::kMillisecond);
         }
@@ -78,7 +75,7 @@ void register_kernels() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  register_kernels();
+  register_frames();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

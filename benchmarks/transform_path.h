@@ -1,0 +1,34 @@
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include "processor_instance.h"
+#include "transform_request.h"
+
+namespace kv::bench {
+
+/// The ways that a frame can take through the library. All but the SSE2 form, which a processor
+/// with SSE4.1 never gets, are measured as whole calls of the public function.
+enum class Path { sse2, sse41, avx2, avx512 };
+
+inline constexpr std::array kPaths{Path::sse2, Path::sse41, Path::avx2, Path::avx512};
+
+const char* name_of(Path path);
+
+/// One way, with a processor of its own.
+class Transformer {
+ public:
+  explicit Transformer(Path path);
+
+  /// What this machine or this build lacks for the path; null where it lacks nothing.
+  const char* missing() const;
+
+  void operator()(const TransformRequest& request);
+
+ private:
+  Path path_;
+  PolarizationProcessor processor_;
+};
+
+}  // namespace kv::bench
