@@ -48,6 +48,7 @@ class WideBlocks {
         ceiling_words(Words::all(static_cast<std::uint16_t>(from.output_max_int))) {}
 
   void evaluate(const BlockPosition& at) const {
+    if constexpr (Simd::kPrefetchesForWriting) prefetch_planes(at);
     if constexpr (needs_columns) {
       const ColumnSamples upper = load(at.upper_index);
       const ColumnSamples lower = load(at.lower_index);
@@ -75,6 +76,33 @@ class WideBlocks {
   static constexpr bool has_plain_s1 = outputs.stokes_s1 && !scaled;
   static constexpr bool has_plain_s2 = outputs.stokes_s2 && !scaled;
   static constexpr bool needs_columns = outputs.needs_s0() || outputs.azimuth || scaled;
+
+  /// In bytes. Where a store's line is not at hand the store waits for it, unless the line is asked
+  /// for early enough. Intel server processors gain; Zen 4 fetches ahead by itself.
+  static constexpr std::uint64_t kPrefetchDistance = 512;
+
+  void prefetch_planes(const BlockPosition& at) const {
+    const auto prefetch = [](const auto* plane, std::uint64_t index, std::uint64_t bytes) {
+      const char* const address = reinterpret_cast<const char*>(plane + index) + kPrefetchDistance;
+      for (std::uint64_t offset = 0; offset < bytes; offset += 64) {
+        Simd::prefetch_for_writing(address + offset);
+      }
+    };
+    const auto prefetch_rows = [&](bool wanted, const std::uint16_t* plane) {
+      if (!wanted) return;
+      prefetch(plane, at.upper_index, kColumns * sizeof *plane);
+      prefetch(plane, at.lower_index, kColumns * sizeof *plane);
+    };
+    prefetch_rows(outputs.intensity, request.intensity);
+    prefetch_rows(outputs.stokes_s1, request.stokes_s1);
+    prefetch_rows(outputs.stokes_s2, request.stokes_s2);
+    prefetch_rows(outputs.azimuth, request.azimuth);
+    prefetch_rows(outputs.dolp, request.dolp);
+    if constexpr (outputs.normalized_stokes) {
+      prefetch(request.normalized_stokes, at.upper_pair_cursor, 2 * kColumns * sizeof(float));
+      prefetch(request.normalized_stokes, at.lower_pair_cursor, 2 * kColumns * sizeof(float));
+    }
+  }
 
   ColumnSamples load(std::uint64_t index) const {
     const auto [x0_x1, x2_x3] = Simd::load_pairs(request.input + index);
