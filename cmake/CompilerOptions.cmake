@@ -27,6 +27,11 @@ else()
   add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 endif()
 
+if(MINGW)
+  # The files ask for libraries of the system only, and equal sources give equal files.
+  add_link_options(-static LINKER:--no-insert-timestamp)
+endif()
+
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # A UNIQUE symbol would pin a shared library in the process, and its unload step would never run.
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
