@@ -83,18 +83,6 @@ Events operator+(Events first, const Events& second) {
   return first;
 }
 
-const Events kLoggerComes{
-    "load logger",
-    "qrm_get_log 'KEVRINTH_QRM_POLARIZATION_PROCESSOR' '' 'kevrinth_qrm_logger.cfg'"};
-
-const Events kLoggerGoes{"qrm_free_log 'KEVRINTH_QRM_POLARIZATION_PROCESSOR' ''", "unload logger"};
-
-// The whole path, as far as it is the same on every machine.
-const Events kTimingLine{
-    "qrm_log 7 polarization_processing_suite\\polarization_processor\\"
-    "kevrinth_qrm_polarization_processor.cpp kv_polarization_processor_transform | "
-    "transform takes N microseconds."};
-
 Events error_line(const std::string& export_name, const std::string& message) {
   return {"qrm_log 2 kevrinth_qrm_polarization_processor.cpp kv_polarization_processor_" +
           export_name + " | " + message};

@@ -94,10 +94,20 @@ Events events();
 
 Events operator+(Events first, const Events& second);
 
-/// The lines of a life with the complete logger.
-extern const Events kLoggerComes;
-extern const Events kLoggerGoes;
-extern const Events kTimingLine;
+/// The lines of a life with the complete logger. Inline, so that tables of other files may be made
+/// of them before main.
+inline const Events kLoggerComes{
+    "load logger",
+    "qrm_get_log 'KEVRINTH_QRM_POLARIZATION_PROCESSOR' '' 'kevrinth_qrm_logger.cfg'"};
+inline const Events kLoggerGoes{"qrm_free_log 'KEVRINTH_QRM_POLARIZATION_PROCESSOR' ''",
+                                "unload logger"};
+
+/// The whole path, as far as it is the same on every machine.
+inline const Events kTimingLine{
+    "qrm_log 7 polarization_processing_suite\\polarization_processor\\"
+    "kevrinth_qrm_polarization_processor.cpp kv_polarization_processor_transform | "
+    "transform takes N microseconds."};
+
 Events error_line(const std::string& export_name, const std::string& message);
 
 /// What a transform with a null handle logs.
