@@ -38,25 +38,32 @@ inline constexpr std::array<Path, 6> kPaths{{{"sse2", false, nullptr},
 inline void PrintTo(const Path& path, std::ostream* out) { *out << path.name; }
 inline std::string path_name(const testing::TestParamInfo<Path>& info) { return info.param.name; }
 
+inline bool path_available(const Path& path, const PolarizationProcessor& processor) {
+  if (path.module != nullptr) return path.module(processor)->usable();
+  return !path.sse41 || sse41_available();
+}
+
+inline void run_path(const Path& path, const PolarizationProcessor& processor,
+                     const TransformRequest& request, const PhaseView& view) {
+  if (path.module == nullptr) {
+    select_kernel(request, view, path.sse41);
+  } else {
+    path.module(processor)->transform(processor, request, view, path.sse41);
+  }
+}
+
 /// A test that is run on each path. A path that this machine lacks is skipped.
 class EveryPath : public testing::TestWithParam<Path> {
  protected:
   void SetUp() override {
-    if (GetParam().module == nullptr) {
-      if (sse41() && !sse41_available()) GTEST_SKIP() << "this processor has no SSE4.1";
-    } else if (!GetParam().module(processor_)->usable()) {
-      GTEST_SKIP() << "this machine cannot run the module, or it is not built";
-    }
+    if (path_available(GetParam(), processor_)) return;
+    GTEST_SKIP() << "this processor lacks the instructions, or the module is not built";
   }
 
   bool sse41() const { return GetParam().sse41; }
 
   void run(const TransformRequest& request, const PhaseView& view) const {
-    if (GetParam().module == nullptr) {
-      select_kernel(request, view, sse41());
-    } else {
-      GetParam().module(processor_)->transform(processor_, request, view, sse41());
-    }
+    run_path(GetParam(), processor_, request, view);
   }
 
   PolarizationProcessor processor_{CpuTier::baseline};

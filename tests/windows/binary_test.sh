@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# What a file of the Windows build shows to the world: its exports, the libraries that it asks for,
+# and no folder of the machine that built it.
+#
+#   binary_test.sh OBJDUMP FILE EXPORT_MAP IMPORTS FOLDER...
+#
+# EXPORT_MAP is that of the same library on ELF platforms, empty for a program.
+set -euo pipefail
+objdump=$1 file=$2 export_map=$3 imports=$4
+shift 4
+faults=0
+
+expect_same() {
+  if [[ $2 != "$3" ]]; then
+    printf '%s\n--- expected\n%s\n--- found\n%s\n' "$1" "$2" "$3" >&2
+    faults=1
+  fi
+}
+
+sorted() { LC_ALL=C sort -f -u; }
+
+headers=$("$objdump" -p "$file")
+
+wanted=
+if [[ -n $export_map ]]; then
+  wanted=$(sed -n '/global:/,/local:/ s/^ *\([a-z0-9_]*\);$/\1/p' "$export_map" | sorted)
+fi
+expect_same 'exported symbols' "$wanted" \
+  "$(sed -n '/Name Pointer\] Table/,/^$/ s/^\t\[.*\] //p' <<<"$headers" | sorted)"
+
+expect_same 'imported libraries' "$(tr ' ' '\n' <<<"$imports" | sorted)" \
+  "$(sed -n 's/^\tDLL Name: //p' <<<"$headers" | sorted)"
+
+for folder in "$@"; do
+  expect_same 'folders of the build machine' '' "$(strings -a "$file" | grep -F "$folder" || true)"
+done
+
+exit $faults
