@@ -28,8 +28,8 @@ std::FILE* open_for_writing(const std::filesystem::path& path) {
 #endif
 }
 
-[[noreturn]] void fail_to_write(const std::filesystem::path& target, int reason) {
-  const std::string why = reason == 0 ? "unknown reason" : std::generic_category().message(reason);
+[[noreturn]] void fail_to_write(const std::filesystem::path& target, std::error_code reason) {
+  const std::string why = reason ? reason.message() : "unknown reason";
   throw Error("cannot write " + target.string() + ": " + why +
               "; choose a folder that can be written to and has space");
 }
@@ -65,10 +65,10 @@ void PendingFile::close() {
 void PendingFile::publish() {
   std::error_code failure;
   std::filesystem::rename(temporary_, target_, failure);
-  if (failure) fail_to_write(target_, failure.value());
+  if (failure) fail_to_write(target_, failure);
   temporary_.clear();
 }
 
-void PendingFile::fail() const { fail_to_write(target_, errno); }
+void PendingFile::fail() const { fail_to_write(target_, {errno, std::generic_category()}); }
 
 }  // namespace kv
