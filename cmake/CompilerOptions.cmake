@@ -13,6 +13,8 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 if(MSVC)
   # Each floating-point operation is rounded by itself; no contraction into fused operations.
   add_compile_options(/fp:strict /W4)
+  # Exported functions, of C linkage, may let an exception out.
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:/EHc->)
   if(KV_WARNINGS_AS_ERRORS)
     add_compile_options(/WX)
   endif()
