@@ -116,12 +116,7 @@ enum {
  *
  * A negative number acts as kv_polar_phase_0. */
 typedef int32_t PolarPhase;
-enum {
-  kv_polar_phase_0 = 0,
-  kv_polar_phase_45 = 1,
-  kv_polar_phase_90 = 2,
-  kv_polar_phase_135 = 3
-};
+enum { kv_polar_phase_0 = 0, kv_polar_phase_45 = 1, kv_polar_phase_90 = 2, kv_polar_phase_135 = 3 };
 
 /* One processor: the calibration weights of one camera. Made by create, freed by destroy. */
 typedef struct PolarizationProcessor PolarizationProcessor;
@@ -139,13 +134,13 @@ KV_POLARIZATION_PROCESSOR_API ProcessorStatus kv_polarization_processor_module_t
  *
  * kv_status_ok, kv_status_not_initialized, kv_status_out_of_memory, kv_status_general_failure. */
 KV_POLARIZATION_PROCESSOR_API ProcessorStatus
-kv_polarization_processor_create_polarization_processor(PolarizationProcessor **handle);
+kv_polarization_processor_create_polarization_processor(PolarizationProcessor** handle);
 
 /* Frees a processor. With kv_status_not_initialized nothing is freed.
  *
  * kv_status_ok, kv_status_not_initialized, kv_status_null_handle. */
 KV_POLARIZATION_PROCESSOR_API ProcessorStatus
-kv_polarization_processor_destroy_polarization_processor(PolarizationProcessor *handle);
+kv_polarization_processor_destroy_polarization_processor(PolarizationProcessor* handle);
 
 /* Fills the requested planes from one frame.
  *
@@ -168,10 +163,10 @@ kv_polarization_processor_destroy_polarization_processor(PolarizationProcessor *
  * kv_status_outputs_alias, kv_status_invalid_width, kv_status_invalid_height,
  * kv_status_zero_output_max, kv_status_invalid_bit_depth; else kv_status_ok. */
 KV_POLARIZATION_PROCESSOR_API ProcessorStatus kv_polarization_processor_transform(
-    PolarizationProcessor *handle, PolarPhase polar_phase, const uint16_t *input, int32_t x_origin,
+    PolarizationProcessor* handle, PolarPhase polar_phase, const uint16_t* input, int32_t x_origin,
     int32_t y_origin, int32_t width, int32_t height, uint32_t bit_depth, uint16_t output_max,
-    float *normalized_stokes, uint16_t *intensity, uint16_t *stokes_s1, uint16_t *stokes_s2,
-    uint16_t *azimuth, uint16_t *dolp);
+    float* normalized_stokes, uint16_t* intensity, uint16_t* stokes_s1, uint16_t* stokes_s2,
+    uint16_t* azimuth, uint16_t* dolp);
 
 /* Weights of the Stokes estimate.
  *
@@ -196,17 +191,17 @@ KV_POLARIZATION_PROCESSOR_API ProcessorStatus kv_polarization_processor_transfor
  *
  * kv_status_ok, kv_status_not_initialized, kv_status_null_handle. */
 KV_POLARIZATION_PROCESSOR_API ProcessorStatus
-kv_polarization_processor_get_custom_calibration_coefficients(PolarizationProcessor *handle,
-                                                              float *coefficients_0,
-                                                              float *coefficients_45,
-                                                              float *coefficients_90,
-                                                              float *coefficients_135);
+kv_polarization_processor_get_custom_calibration_coefficients(PolarizationProcessor* handle,
+                                                              float* coefficients_0,
+                                                              float* coefficients_45,
+                                                              float* coefficients_90,
+                                                              float* coefficients_135);
 KV_POLARIZATION_PROCESSOR_API ProcessorStatus
-kv_polarization_processor_set_custom_calibration_coefficients(PolarizationProcessor *handle,
-                                                              const float *coefficients_0,
-                                                              const float *coefficients_45,
-                                                              const float *coefficients_90,
-                                                              const float *coefficients_135);
+kv_polarization_processor_set_custom_calibration_coefficients(PolarizationProcessor* handle,
+                                                              const float* coefficients_0,
+                                                              const float* coefficients_45,
+                                                              const float* coefficients_90,
+                                                              const float* coefficients_135);
 
 #ifdef __cplusplus
 }
