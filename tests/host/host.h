@@ -56,7 +56,8 @@ struct Frame {
 };
 
 /// A host process's view of the library: a copy in a folder of its own with the companions, loaded
-/// from there. The recorder starts anew with it, and nothing stays loaded after it.
+/// from there. The folder is also the working folder. The recorder starts anew with it, and nothing
+/// stays loaded after it.
 class Host {
  public:
   explicit Host(const Companions& companions = {});
@@ -76,6 +77,7 @@ class Host {
   void unload() { library_.reset(); }
 
  private:
+  std::filesystem::path working_folder_;
   std::filesystem::path folder_;
   std::optional<SharedLibrary> library_;
   decltype(&kv_polarization_processor_module_initialize) initialize_ = nullptr;
