@@ -131,10 +131,6 @@ struct Simd256 {
     return shuffled(x, _mm_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15));
   }
 
-  static void prefetch_for_writing(const void* address) {
-    _m_prefetchw(const_cast<void*>(address));
-  }
-
  private:
   static Words16 shuffled(Words16 x, __m128i order) {
     return {_mm256_shuffle_epi8(x.lanes, _mm256_broadcastsi128_si256(order))};

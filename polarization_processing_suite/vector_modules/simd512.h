@@ -143,10 +143,6 @@ struct Simd512 {
     return shuffled(x, _mm_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15));
   }
 
-  static void prefetch_for_writing(const void* address) {
-    _m_prefetchw(const_cast<void*>(address));
-  }
-
  private:
   static Words32 shuffled(Words32 x, __m128i order) {
     return {_mm512_shuffle_epi8(x.lanes, _mm512_broadcast_i32x4(order))};

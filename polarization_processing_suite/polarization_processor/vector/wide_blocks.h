@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "vector/blocks.h"
+#include "vector/prefetch.h"
 #include "vector/wide_formulas.h"
 
 namespace kv {
@@ -85,7 +86,7 @@ class WideBlocks {
     const auto prefetch = [](const auto* plane, std::uint64_t index, std::uint64_t bytes) {
       const char* const address = reinterpret_cast<const char*>(plane + index) + kPrefetchDistance;
       for (std::uint64_t offset = 0; offset < bytes; offset += 64) {
-        Simd::prefetch_for_writing(address + offset);
+        prefetch_for_writing(address + offset);
       }
     };
     const auto prefetch_rows = [&](bool wanted, const std::uint16_t* plane) {
