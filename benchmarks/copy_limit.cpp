@@ -19,7 +19,8 @@ void copy_streams(const TransformRequest& request) {
       // Two floats a pixel: four times the bytes of the input.
       auto* const pairs =
           reinterpret_cast<unsigned char*>(request.normalized_stokes) + row * 4 * row_bytes;
-      for (int part = 0; part < 4; ++part) std::memcpy(pairs + part * row_bytes, input, row_bytes);
+      for (std::size_t part = 0; part < 4; ++part)
+        std::memcpy(pairs + part * row_bytes, input, row_bytes);
     }
   }
 }
