@@ -89,6 +89,15 @@ CLI::Option* add_phase(CLI::App& command, int& degrees) {
       ->capture_default_str();
 }
 
+/// Both before and behind the name of the command: it is about the run, not about frames.
+void add_log_level(CLI::App& app, std::optional<int>& level) {
+  app.add_option("--log", level,
+                 "Show log lines of the processing library up to this severity: 2 errors, 7 also "
+                 "the duration of each of its calls")
+      ->type_name("LEVEL")
+      ->check(CLI::Range(0, 7));
+}
+
 const CLI::Range sides(2, 1 << 20);
 
 /// The transform command's options as they come from the command line.
@@ -140,6 +149,8 @@ class TransformCommand {
         ->check(CLI::Range(0.01, 1.0))
         ->capture_default_str();
     add_raw_shape();
+    add_log_level(app, options_.log_level);
+    add_log_level(command_, options_.log_level);
   }
 
   bool chosen() const { return command_.parsed(); }

@@ -2,10 +2,13 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 
 #if defined(_WIN32)
 #include <io.h>
+#include <windows.h>
 #else
+#include <dlfcn.h>
 #include <unistd.h>
 #endif
 
@@ -37,5 +40,23 @@ void tame_signals() {
 }
 
 bool interrupted() { return interruption != 0; }
+
+void set_environment(const char* name, const std::string& value) {
+#if defined(_WIN32)
+  _putenv_s(name, value.c_str());
+#else
+  setenv(name, value.c_str(), 1);
+#endif
+}
+
+bool has_loaded(const std::string& library) {
+#if defined(_WIN32)
+  return GetModuleHandleA((library + ".dll").c_str()) != nullptr;
+#else
+  void* const loaded = dlopen((library + ".so").c_str(), RTLD_NOW | RTLD_NOLOAD);
+  if (loaded != nullptr) dlclose(loaded);
+  return loaded != nullptr;
+#endif
+}
 
 }  // namespace kv

@@ -18,6 +18,8 @@
 namespace kv {
 namespace {
 
+constexpr const char* logger_library = "kevrinth_qrm_logger";
+
 class TransformRun {
  public:
   explicit TransformRun(const TransformOptions& options)
@@ -28,6 +30,10 @@ class TransformRun {
     if (options.pictures) {
       computed_.planes.add(Plane::azimuth);
       computed_.planes.add(Plane::dolp);
+    }
+    if (options.log_level && !has_loaded(logger_library)) {
+      throw Error("--log needs the library " + std::string(logger_library) +
+                  " beside kevrinth_qrm_polarization_processor, and it is not there");
     }
   }
 
@@ -77,6 +83,7 @@ class TransformRun {
     warn_of_excess(frame, name);
     const std::string stem = names_.stem_for(file, page, reader.count());
 
+    if (options_.log_level) progress_.hide();
     const auto start = std::chrono::steady_clock::now();
     processor_.transform(frame, computed_, planes_);
     seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -170,8 +177,12 @@ void make_folder(const std::filesystem::path& folder) {
 }  // namespace
 
 int run_transform(const TransformOptions& options) {
+  if (options.log_level) {
+    set_environment("KEVRINTH_QRM_LOGGER_LEVEL", std::to_string(*options.log_level));
+  }
+  TransformRun run(options);
   make_folder(options.folder);
-  return TransformRun(options).run();
+  return run.run();
 }
 
 }  // namespace kv

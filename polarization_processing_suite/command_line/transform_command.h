@@ -20,6 +20,7 @@ struct TransformOptions {
   ImageFormat format = ImageFormat::pgm;
   bool pictures = true;
   double dolp_white = 1;
+  std::optional<int> log_level;  ///< severity up to which the library's log lines are shown
 };
 
 /// Transforms all files and reports on the standard streams. Returns an exit status.

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cstdlib>
 #include <fstream>
 #include <string_view>
 #include <system_error>
@@ -25,6 +26,8 @@ Number number_in(std::string_view value, Number lowest, Number highest) {
   return number;
 }
 
+std::int32_t level_in(std::string_view value) { return number_in(value, 0, 7); }
+
 bool on_or_off(std::string_view value) {
   if (value == "on") return true;
   if (value == "off") return false;
@@ -40,7 +43,7 @@ constexpr std::size_t kMaxKib = 1024 * 1024;
 constexpr std::size_t kMaxFiles = 1000;
 
 constexpr std::array kKeys{
-    Key{"level", [](Config& c, std::string_view v) { c.level = number_in(v, 0, 7); }},
+    Key{"level", [](Config& c, std::string_view v) { c.level = level_in(v); }},
     Key{"console", [](Config& c, std::string_view v) { c.console = on_or_off(v); }},
     Key{"file", [](Config& c, std::string_view v) { c.file = v; }},
     Key{"file_max_kib",
@@ -86,6 +89,17 @@ void apply_line(Config& config, std::string_view line) {
 }
 
 }  // namespace
+
+std::optional<std::int32_t> level_in_environment() {
+  const char* const name = "KEVRINTH_QRM_LOGGER_LEVEL";
+  const char* const value = std::getenv(name);
+  if (value == nullptr || *value == '\0') return std::nullopt;
+  try {
+    return level_in(value);
+  } catch (const ConfigFault& fault) {
+    throw ConfigFault(std::string(name) + ": " + fault.what());
+  }
+}
 
 Config parse_config(std::istream& lines, const std::string& name) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";

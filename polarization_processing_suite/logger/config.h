@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <istream>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -26,6 +27,10 @@ class ConfigFault : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+/// The level that KEVRINTH_QRM_LOGGER_LEVEL names in the environment, which goes before that of the
+/// file: one run can be looked into without a change of files. Throws ConfigFault.
+std::optional<std::int32_t> level_in_environment();
 
 /// Reads `key = value` lines; throws ConfigFault at the first that makes no sense. `name` stands
 /// for the source in the fault.

@@ -29,11 +29,21 @@ std::unique_ptr<Log> Registry::make_log(const std::string& name,
   try {
     const std::filesystem::path path = find_config(config_file_name);
     const Config config = path.empty() ? Config{} : read_config(path);
-    return std::make_unique<Log>(name, config.level, make_sinks(config));
+    return std::make_unique<Log>(name, level_for(config), make_sinks(config));
   } catch (const ConfigFault& fault) {
-    report_once(fault.what());
+    report_once(std::string(fault.what()) +
+                ". The defaults hold: errors go to standard error, other lines are dropped.");
     const Config defaults;
-    return std::make_unique<Log>(name, defaults.level, make_sinks(defaults));
+    return std::make_unique<Log>(name, level_for(defaults), make_sinks(defaults));
+  }
+}
+
+std::int32_t Registry::level_for(const Config& config) {
+  try {
+    return level_in_environment().value_or(config.level);
+  } catch (const ConfigFault& fault) {
+    report_once(std::string(fault.what()) + ". The level is " + std::to_string(config.level) + ".");
+    return config.level;
   }
 }
 
@@ -66,9 +76,8 @@ Sink Registry::file_sink(const Config& config) {
   }
 }
 
-void Registry::report_once(const std::string& fault) {
-  if (!reported_.insert(fault).second) return;
-  report(fault + ". The defaults hold: errors go to standard error, other lines are dropped.");
+void Registry::report_once(const std::string& line) {
+  if (reported_.insert(line).second) report(line);
 }
 
 }  // namespace kv::logger

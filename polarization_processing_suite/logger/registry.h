@@ -33,9 +33,10 @@ class Registry {
   using FileSink = spdlog::sinks::rotating_file_sink_mt;
 
   std::unique_ptr<Log> make_log(const std::string& name, const std::string& config_file_name);
+  std::int32_t level_for(const Config& config);
   std::vector<Sink> make_sinks(const Config& config);
   Sink file_sink(const Config& config);
-  void report_once(const std::string& fault);
+  void report_once(const std::string& line);
 
   std::map<std::pair<std::string, std::string>, CountedLog> logs_;
   /// By absolute path: two sinks on one file would rotate it under each other's feet.

@@ -88,6 +88,8 @@ TEST(BadInput, WrongCommandLinesDoNothing) {
       {{"--width", "8", "--height", "8"}, "--raw-bits"},
       {{"--width", "8", "--height", "8", "--raw-bits", "12"}, "--raw-bits"},
       {{"--dolp-white", "0"}, "--dolp-white"},
+      {{"--log", "8"}, "--log"},
+      {{"--log", "debug"}, "--log"},
       {{"--nonsense"}, "--nonsense"},
   };
   for (const auto& [options, part] : cases) {
@@ -99,6 +101,24 @@ TEST(BadInput, WrongCommandLinesDoNothing) {
   expect_refusal(tool, tool.run({"transform", "-o", tool.path("out")}), 2, "FRAME");
   expect_refusal(tool, tool.run({"transform", tool.path("frame.pgm")}), 2, "--output");
   expect_refusal(tool, tool.run({}), 2, "--help");
+}
+
+TEST(BadInput, LogLinesNeedTheLogger) {
+#if defined(_WIN32)
+  const std::string forget_library_path;
+#else
+  const std::string forget_library_path = "unset LD_LIBRARY_PATH; ";
+#endif
+  const Tool files;
+  write_content(files.path("frame.pgm"), "P5 8 8 255\n" + std::string(64, 'x'));
+  for (const std::filesystem::path file : {KV_TOOL_PATH, KV_PROCESSOR_PATH}) {
+    std::filesystem::copy_file(file, files.path(file.filename().string()));
+  }
+  const Tool lone_tool(files.path(std::filesystem::path(KV_TOOL_PATH).filename().string()));
+  expect_refusal(files,
+                 lone_tool.run_after(forget_library_path, {"transform", files.path("frame.pgm"),
+                                                           "-o", files.path("out"), "--log", "7"}),
+                 1, "kevrinth_qrm_logger");
 }
 
 TEST(BadInput, OneBadFrameDoesNotStopTheOthers) {

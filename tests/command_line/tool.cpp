@@ -60,7 +60,7 @@ ToolResult Tool::run_after(const std::string& shell_command,
                            const std::vector<std::string>& arguments) const {
   const auto out = streams_ / "out";
   const auto error = streams_ / "error";
-  std::string command = shell_command + quoted(KV_TOOL_PATH);
+  std::string command = shell_command + quoted(program_);
   for (const std::string& text : arguments) command += " " + argument(text);
   command += " >" + quoted(out.string()) + " 2>" + quoted(error.string());
   const int result = std::system(for_shell(command).c_str());

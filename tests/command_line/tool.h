@@ -19,6 +19,8 @@ struct ToolResult {
 /// A folder to work in and the built tool.
 class Tool {
  public:
+  explicit Tool(std::string program = KV_TOOL_PATH) : program_(std::move(program)) {}
+
   /// Runs kv-polarize with these arguments.
   ToolResult run(const std::vector<std::string>& arguments) const;
 
@@ -32,6 +34,7 @@ class Tool {
   std::vector<std::string> files_in(const std::string& name) const { return names_in(path(name)); }
 
  private:
+  std::string program_;
   TemporaryFolder folder_;
   TemporaryFolder streams_;
 };

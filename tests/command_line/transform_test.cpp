@@ -159,6 +159,21 @@ TEST_F(TransformTest, WritesOnlyWhatIsAskedFor) {
   EXPECT_EQ(run("z", {"--planes", "intensity"}).size(), 4u);
 }
 
+TEST_F(TransformTest, LogShowsTheLinesOfTheLibrary) {
+  const auto run = [&](std::vector<std::string> first, const std::vector<std::string>& last) {
+    first.insert(first.end(), {"transform", tool_.path("a.pgm"), "-o", tool_.path("x"), "--planes",
+                               "dolp", "--no-pictures"});
+    first.insert(first.end(), last.begin(), last.end());
+    return tool_.run(first);
+  };
+  for (const ToolResult& result : {run({"--log", "7"}, {}), run({}, {"--log", "7"})}) {
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.complaints(), 1u) << result.error;
+    EXPECT_NE(result.error.find("transform takes "), std::string::npos) << result.error;
+  }
+  EXPECT_EQ(run({}, {"--log", "6"}).error, "");
+}
+
 TEST_F(TransformTest, SettingsReachTheLibrary) {
   const auto azimuth = [&](const std::string& folder, std::vector<std::string> options) {
     options.insert(options.begin(), {"transform", tool_.path("a.pgm"), "-o", tool_.path(folder),

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -67,6 +68,32 @@ TEST(Log, LevelIsTheHighestNumberWritten) {
     }
     EXPECT_EQ(lines_of("run.log"), expected) << "level " << level;
   }
+}
+
+/// The arguments stay part of the environment.
+void set_level_in_environment(char* assignment) { EXPECT_EQ(putenv(assignment), 0); }
+
+TEST(Log, EnvironmentGoesBeforeTheConfiguredLevel) {
+  static char dropped[] = "KEVRINTH_QRM_LOGGER_LEVEL=1";
+  static char broken[] = "KEVRINTH_QRM_LOGGER_LEVEL=all";
+  static char none[] = "KEVRINTH_QRM_LOGGER_LEVEL=";
+  const WorkingFolder folder("console = off\nlevel = 4\nfile = run.log\npattern = %v");
+  const auto log_all = [](const std::string& name) {
+    const ScopedLog log("MODULE");
+    for (const std::int32_t severity : {1, 4, 7}) {
+      log.write(severity, name + " " + std::to_string(severity));
+    }
+  };
+  set_level_in_environment(dropped);
+  log_all("1");
+  set_level_in_environment(broken);
+  const Lines said = standard_error_of([&] { log_all("all"); });
+  set_level_in_environment(none);
+  log_all("none");
+  EXPECT_EQ(lines_of("run.log"), (Lines{"1 1", "all 1", "all 4", "none 1", "none 4"}));
+  EXPECT_EQ(said,
+            Lines{"kevrinth_qrm_logger: KEVRINTH_QRM_LOGGER_LEVEL: 'all' is not a whole number "
+                  "from 0 to 7. The level is 4."});
 }
 
 TEST(Log, PatternShowsSourceModuleAndSeverity) {
