@@ -1,13 +1,9 @@
-// How many kernels there are, which axes share one, and what this processor can run.
+// How many kernels there are, and which axes share one.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <iostream>
 #include <map>
 #include <set>
-#include <string_view>
 
-#include "cpu_features.h"
 #include "routing/kernel_selector.h"
 #include "traversal/frame_kernels.h"
 #include "traversal/kernel_name.h"
@@ -81,15 +77,6 @@ TEST(KernelFamily, AxesOfARequest) {
     request.azimuth = request.dolp = &plane;
     EXPECT_EQ(kernel_name(kernel_axes_of(request, false)), c.kernel);
   }
-}
-
-/// KV_TEST_SSE41 is 1 or 0 where the processor is known, so that a skipped form hides nothing.
-TEST(KernelFamily, FormsOfThisProcessor) {
-  std::cout << "SSE4.1 form: " << (sse41_available() ? "tested" : "skipped, not available")
-            << std::endl;
-  const char* const known = std::getenv("KV_TEST_SSE41");
-  if (known == nullptr) return;
-  EXPECT_EQ(sse41_available(), std::string_view(known) == "1");
 }
 
 }  // namespace

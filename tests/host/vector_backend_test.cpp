@@ -3,11 +3,10 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
 #include <set>
-#include <sstream>
 
 #include "host.h"
+#include "processor_flags.h"
 
 namespace kv::test {
 namespace {
@@ -33,16 +32,11 @@ std::string own_tier() {
 /// What the processor is known to be: by the environment for an emulated one, else by the system.
 std::optional<std::string> known_tier() {
   if (const char* const tier = std::getenv("KV_EXPECTED_TIER")) return tier;
-  std::ifstream cpuinfo("/proc/cpuinfo");
-  for (std::string line; std::getline(cpuinfo, line);) {
-    if (!line.starts_with("flags")) continue;
-    std::istringstream words(line);
-    const std::set<std::string> flags{std::istream_iterator<std::string>(words), {}};
-    const auto has = [&](const char* flag) { return flags.contains(flag); };
-    if (has("avx512f") && has("avx512dq") && has("avx512bw")) return "avx512";
-    return has("avx2") && has("fma") ? "avx2" : "";
-  }
-  return std::nullopt;
+  const auto flags = processor_flags();
+  if (!flags) return std::nullopt;
+  const auto has = [&](const char* flag) { return flags->contains(flag); };
+  if (has("avx512f") && has("avx512dq") && has("avx512bw")) return "avx512";
+  return has("avx2") && has("fma") ? "avx2" : "";
 }
 
 TEST(VectorBackend, TierIsThatOfTheProcessor) {
