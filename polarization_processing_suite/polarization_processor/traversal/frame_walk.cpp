@@ -15,13 +15,17 @@ void walk_frame(const TransformRequest& request, const PhaseView& view, const Ke
   // One block fewer than fits keeps the last block's eight samples inside the row. Below a width
   // of 4 the count wraps around, and the blocks run on until an access faults.
   const std::uint64_t block_count = (width >> 2) - 1;
+  const std::uint64_t floats_of_row = 2 * kBlockColumns * block_count;
+  const std::uint64_t upper_pairs_end = (height - 1) / 2 * floats_of_row;
   BlockPosition position{.upper_index = 0,
                          .lower_index = width,
                          .below_index = 2 * width,
                          .upper_pair_cursor = 0,
-                         .lower_pair_cursor = 2 * width};
+                         .lower_pair_cursor = 2 * width,
+                         .lower_pairs_stay = true};
   std::uint64_t row = 0;
   do {
+    position.lower_pairs_stay = position.lower_pair_cursor + floats_of_row > upper_pairs_end;
     if (block_count != 0) steps.run_blocks(request, constants, block_count, position);
     steps.finish_row_pair(frame, row, kBlockColumns * block_count);
 
@@ -29,8 +33,8 @@ void walk_frame(const TransformRequest& request, const PhaseView& view, const Ke
     position.upper_index += 2 * width;
     position.lower_index += 2 * width;
     position.below_index += 2 * width;
-    position.upper_pair_cursor += 2 * kBlockColumns * block_count;
-    position.lower_pair_cursor += 2 * kBlockColumns * block_count;
+    position.upper_pair_cursor += floats_of_row;
+    position.lower_pair_cursor += floats_of_row;
   } while (row < height - 2);
   steps.walk_last_rows(frame, row);
 }

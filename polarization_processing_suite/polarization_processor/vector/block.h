@@ -42,7 +42,9 @@ struct Block {
 
     if constexpr (outputs.normalized_stokes) {
       store_ratios(request.normalized_stokes + at.upper_pair_cursor, upper);
-      store_ratios(request.normalized_stokes + at.lower_pair_cursor, lower);
+      if (at.lower_pairs_stay) {
+        store_ratios(request.normalized_stokes + at.lower_pair_cursor, lower);
+      }
     }
     const auto quantise = [&](std::uint16_t* plane, Vector upper_value, Vector lower_value) {
       Form::store(plane + at.upper_index, clamp(upper_value, output_ceiling));

@@ -20,6 +20,10 @@ struct BlockPosition {
   /// second row pair on the pairs of vector pixels do not stand at their pixels' places.
   std::uint64_t upper_pair_cursor;
   std::uint64_t lower_pair_cursor;
+
+  /// Whether pairs of the lower row may stay in the plane. Upper rows of later row pairs overwrite
+  /// all but those of the last two, so that the others need not be computed.
+  bool lower_pairs_stay;
 };
 
 // Code that files of different instruction sets share is their own copy; see float4.h.

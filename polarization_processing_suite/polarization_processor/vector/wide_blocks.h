@@ -54,8 +54,8 @@ class WideBlocks {
       const ColumnSamples upper = load(at.upper_index);
       const ColumnSamples lower = load(at.lower_index);
       const ColumnSamples below = load(at.below_index);
-      evaluate_row(upper, lower, at.upper_index, at.upper_pair_cursor);
-      evaluate_row(below, lower, at.lower_index, at.lower_pair_cursor);
+      evaluate_row(upper, lower, at.upper_index, at.upper_pair_cursor, true);
+      evaluate_row(below, lower, at.lower_index, at.lower_pair_cursor, at.lower_pairs_stay);
     }
     if constexpr (has_plain_s1) {
       store_plain<axes.phase>(request.stokes_s1, at);
@@ -101,7 +101,9 @@ class WideBlocks {
     prefetch_rows(outputs.dolp, request.dolp);
     if constexpr (outputs.normalized_stokes) {
       prefetch(request.normalized_stokes, at.upper_pair_cursor, 2 * kColumns * sizeof(float));
-      prefetch(request.normalized_stokes, at.lower_pair_cursor, 2 * kColumns * sizeof(float));
+      if (at.lower_pairs_stay) {
+        prefetch(request.normalized_stokes, at.lower_pair_cursor, 2 * kColumns * sizeof(float));
+      }
     }
   }
 
@@ -113,7 +115,8 @@ class WideBlocks {
   }
 
   void evaluate_row(const ColumnSamples& outer, const ColumnSamples& lower, std::uint64_t index,
-                    std::uint64_t pair_cursor) const {
+                    [[maybe_unused]] std::uint64_t pair_cursor,
+                    [[maybe_unused]] bool pairs_stay) const {
     [[maybe_unused]] const auto s0 = by_column(
         [&](RowSamples<Int> o, RowSamples<Int> l) {
           return to_float((l.even + l.odd) + (o.even + o.odd)) * half_factor;
@@ -123,11 +126,13 @@ class WideBlocks {
     [[maybe_unused]] const auto s2 = differences<axes.phase ^ 1>(outer, lower);
 
     if constexpr (outputs.normalized_stokes) {
-      const auto ratio = [&](Float difference, Float sum) {
-        return (difference + zero_difference) / sum;
-      };
-      Simd::store_pairs(request.normalized_stokes + pair_cursor, by_column(ratio, s1, s0),
-                        by_column(ratio, s2, s0));
+      if (pairs_stay) {
+        const auto ratio = [&](Float difference, Float sum) {
+          return (difference + zero_difference) / sum;
+        };
+        Simd::store_pairs(request.normalized_stokes + pair_cursor, by_column(ratio, s1, s0),
+                          by_column(ratio, s2, s0));
+      }
     }
     if constexpr (outputs.intensity) {
       // S0 is not negative, so that the lower bound is met.
