@@ -1,4 +1,4 @@
-// Whole frames by every path of the library, beside the copy of the same streams.
+// Whole frames by every path of the library, and by OpenCV, beside the copy of the same streams.
 //
 //   frame_benchmarks --benchmark_filter='2448x2048/.*/unscaled'
 
@@ -7,6 +7,7 @@
 #include <string>
 
 #include "copy_limit.h"
+#include "opencv_baseline.h"
 #include "paired_timing.h"
 #include "sample_frame.h"
 #include "transform_path.h"
@@ -24,12 +25,15 @@ struct NamedOutputs {
   OutputSet outputs;
 };
 
+constexpr NamedOutputs kIntensityAzimuthDolp{"intensity+azimuth+dolp",
+                                             {.intensity = true, .azimuth = true, .dolp = true}};
+
 constexpr NamedOutputs kOutputs[] = {
     {"intensity", {.intensity = true}},
     {"stokes_s1", {.stokes_s1 = true}},
     {"azimuth", {.azimuth = true}},
     {"dolp", {.dolp = true}},
-    {"intensity+azimuth+dolp", {.intensity = true, .azimuth = true, .dolp = true}},
+    kIntensityAzimuthDolp,
     {"five_planes",
      {.intensity = true, .stokes_s1 = true, .stokes_s2 = true, .azimuth = true, .dolp = true}},
     {"all_six",
@@ -55,20 +59,39 @@ void time_frames(benchmark::State& state, FrameSize size, OutputSet outputs, boo
       state, size.pixels(), [&] { transform(request); }, [&] { kv::bench::copy_streams(request); });
 }
 
+void time_opencv(benchmark::State& state, FrameSize size, OutputSet outputs) {
+  if (const char* const missing = kv::bench::OpencvBaseline::missing()) {
+    state.SkipWithError(missing);
+    return;
+  }
+  kv::bench::OpencvBaseline transform;
+  kv::bench::SampleFrame frame(size);
+  const kv::TransformRequest request = frame.request(outputs, false);
+  kv::bench::time_against_limit(
+      state, size.pixels(), [&] { transform(request); }, [&] { kv::bench::copy_streams(request); });
+}
+
+template <class... Arguments>
+void register_frame(const std::string& name, Arguments... arguments) {
+  benchmark::RegisterBenchmark(name.c_str(), arguments...)
+      ->UseManualTime()
+      ->Unit(benchmark::kMillisecond);
+}
+
 void register_frames() {
   for (const FrameSize size : kSizes) {
     for (const bool scaled : {false, true}) {
       for (const auto& [name, outputs] : kOutputs) {
         if (scaled && !outputs.has_linear_plane()) continue;
         for (const Path path : kv::bench::kPaths) {
-          const std::string full_name =
-              size.name() + "/" + name + (scaled ? "/scaled/" : "/unscaled/") + name_of(path);
-          benchmark::RegisterBenchmark(full_name.c_str(), time_frames, size, outputs, scaled, path)
-              ->UseManualTime()
-              ->Unit(benchmark::kMillisecond);
+          register_frame(
+              size.name() + "/" + name + (scaled ? "/scaled/" : "/unscaled/") + name_of(path),
+              time_frames, size, outputs, scaled, path);
         }
       }
     }
+    const auto& [name, outputs] = kIntensityAzimuthDolp;
+    register_frame(size.name() + "/" + name + "/unscaled/opencv", time_opencv, size, outputs);
   }
 }
 
@@ -77,6 +100,7 @@ void register_frames() {
 int main(int argc, char** argv) {
   register_frames();
   benchmark::Initialize(&argc, argv);
+  benchmark::AddCustomContext("compiler", COMPILER);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();
 }
