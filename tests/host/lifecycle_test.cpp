@@ -80,13 +80,17 @@ const Story kStories[]{
     {"unloaded without an initialize", [](Host& host) { host.unload(); }, {}},
 };
 
-TEST(Life, OfModuleAndProcessorsAsCompanionsSeeIt) {
-  for (const Story& story : kStories) {
-    Host host(kAllCompanions);
-    story.act(host);
-    EXPECT_EQ(events(), story.expected) << story.name;
-  }
+void PrintTo(const Story& story, std::ostream* out) { *out << story.name; }
+
+class Life : public testing::TestWithParam<Story> {};
+
+TEST_P(Life, OfModuleAndProcessorsAsCompanionsSeeIt) {
+  Host host(kAllCompanions);
+  GetParam().act(host);
+  EXPECT_EQ(events(), GetParam().expected);
 }
+
+INSTANTIATE_TEST_SUITE_P(Host, Life, testing::ValuesIn(kStories));
 
 }  // namespace
 }  // namespace kv::test

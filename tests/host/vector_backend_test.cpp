@@ -97,33 +97,39 @@ std::vector<Situation> situations() {
   return all;
 }
 
-TEST(VectorBackend, BindingRoutingAndTeardown) {
-  const std::string tier = own_tier();
-  for (const Situation& situation : situations()) {
-    SCOPED_TRACE("avx512: '" + situation.avx512 + "', avx2: '" + situation.avx2 + "'");
-    const Host host({.logger = {}, .avx512 = situation.avx512, .avx2 = situation.avx2});
-    for (const Function function : situation.failing) set_behaviour(function, Behaviour::fail);
-    ASSERT_EQ(host.initialize(), kv_status_ok);
-
-    PolarizationProcessor* handle = nullptr;
-    ASSERT_EQ(host.create(handle), kv_status_ok);
-    EXPECT_EQ(events(), situation.on_create);
-
-    // The fakes write nothing, and the library does not touch a frame that it has handed over.
-    const bool handed_over = situation.usable.contains(tier);
-    Frame frame;
-    EXPECT_EQ(host.transform(handle, frame.arguments()), kv_status_ok);
-    const Events on_transform = handed_over ? Events{"transform " + tier} : Events{};
-    EXPECT_EQ(events(), situation.on_create + on_transform);
-    for (const std::uint16_t intensity : frame.intensity) {
-      EXPECT_EQ(intensity, handed_over ? kUntouched : kIntensity);
-    }
-
-    EXPECT_EQ(host.destroy(handle), kv_status_ok);
-    EXPECT_EQ(events(), situation.on_create + on_transform + situation.on_destroy);
-    EXPECT_EQ(host.terminate(), kv_status_ok);
-  }
+void PrintTo(const Situation& situation, std::ostream* out) {
+  *out << "avx512: '" << situation.avx512 << "', avx2: '" << situation.avx2 << "'";
 }
+
+class VectorBackends : public testing::TestWithParam<Situation> {};
+
+TEST_P(VectorBackends, BindingRoutingAndTeardown) {
+  const std::string tier = own_tier();
+  const Situation& situation = GetParam();
+  const Host host({.logger = {}, .avx512 = situation.avx512, .avx2 = situation.avx2});
+  for (const Function function : situation.failing) set_behaviour(function, Behaviour::fail);
+  ASSERT_EQ(host.initialize(), kv_status_ok);
+
+  PolarizationProcessor* handle = nullptr;
+  ASSERT_EQ(host.create(handle), kv_status_ok);
+  EXPECT_EQ(events(), situation.on_create);
+
+  // The fakes write nothing, and the library does not touch a frame that it has handed over.
+  const bool handed_over = situation.usable.contains(tier);
+  Frame frame;
+  EXPECT_EQ(host.transform(handle, frame.arguments()), kv_status_ok);
+  const Events on_transform = handed_over ? Events{"transform " + tier} : Events{};
+  EXPECT_EQ(events(), situation.on_create + on_transform);
+  for (const std::uint16_t intensity : frame.intensity) {
+    EXPECT_EQ(intensity, handed_over ? kUntouched : kIntensity);
+  }
+
+  EXPECT_EQ(host.destroy(handle), kv_status_ok);
+  EXPECT_EQ(events(), situation.on_create + on_transform + situation.on_destroy);
+  EXPECT_EQ(host.terminate(), kv_status_ok);
+}
+
+INSTANTIATE_TEST_SUITE_P(Situations, VectorBackends, testing::ValuesIn(situations()));
 
 struct Throw {
   Function function;
@@ -133,7 +139,7 @@ struct Throw {
   Events before_message;
 };
 
-TEST(VectorBackend, InitializeThatThrowsFailsCreate) {
+std::vector<Throw> throws() {
   const std::string no_memory =
       "Memory allocation failure when trying to create a polar processor instance!";
   const std::string unknown =
@@ -142,7 +148,7 @@ TEST(VectorBackend, InitializeThatThrowsFailsCreate) {
   const Events first{"load avx512", "initialize avx512"};
   const Events second =
       first + Events{"load avx2", "initialize avx2", "terminate avx512", "unload avx512"};
-  const Throw throws[]{
+  return {
       {Function::initialize_avx512, Behaviour::throw_bad_alloc, kv_status_out_of_memory, no_memory,
        first},
       {Function::initialize_avx512, Behaviour::throw_other, kv_status_general_failure, unknown,
@@ -152,19 +158,42 @@ TEST(VectorBackend, InitializeThatThrowsFailsCreate) {
       {Function::initialize_avx2, Behaviour::throw_other, kv_status_general_failure, unknown,
        second},
   };
-  for (const Throw& situation : throws) {
-    const Host host(kAllCompanions);
-    set_behaviour(situation.function, situation.behaviour);
-    ASSERT_EQ(host.initialize(), kv_status_ok);
-    char nowhere;
-    auto* const before = reinterpret_cast<PolarizationProcessor*>(&nowhere);
-    PolarizationProcessor* handle = before;
-    EXPECT_EQ(host.create(handle), situation.status);
-    EXPECT_EQ(handle, before);
-    EXPECT_EQ(events(), kLoggerComes + situation.before_message +
-                            error_line("create_polarization_processor", situation.message));
-    EXPECT_EQ(host.terminate(), kv_status_ok);
-  }
+}
+
+void PrintTo(const Throw& situation, std::ostream* out) { *out << situation.message; }
+
+class ThrowingInitialize : public testing::TestWithParam<Throw> {};
+
+TEST_P(ThrowingInitialize, FailsCreate) {
+  const Throw& situation = GetParam();
+  const Host host(kAllCompanions);
+  set_behaviour(situation.function, situation.behaviour);
+  ASSERT_EQ(host.initialize(), kv_status_ok);
+  char nowhere;
+  auto* const before = reinterpret_cast<PolarizationProcessor*>(&nowhere);
+  PolarizationProcessor* handle = before;
+  EXPECT_EQ(host.create(handle), situation.status);
+  EXPECT_EQ(handle, before);
+  EXPECT_EQ(events(), kLoggerComes + situation.before_message +
+                          error_line("create_polarization_processor", situation.message));
+  EXPECT_EQ(host.terminate(), kv_status_ok);
+}
+
+INSTANTIATE_TEST_SUITE_P(VectorBackend, ThrowingInitialize, testing::ValuesIn(throws()));
+
+TEST(ThrowingTerminateDeathTest, EndsTheProcess) {
+  const Host host(kAllCompanions);
+  ASSERT_EQ(host.initialize(), kv_status_ok);
+  PolarizationProcessor* handle = nullptr;
+  ASSERT_EQ(host.create(handle), kv_status_ok);
+  EXPECT_DEATH(
+      {
+        set_behaviour(Function::terminate, Behaviour::throw_other);
+        host.destroy(handle);
+      },
+      "");
+  EXPECT_EQ(host.destroy(handle), kv_status_ok);
+  EXPECT_EQ(host.terminate(), kv_status_ok);
 }
 
 }  // namespace
