@@ -83,13 +83,14 @@ void call_library(PolarizationProcessor* handle, const TransformSettings& settin
   if (status != kv_status_ok) throw Error(status_message(status));
 }
 
-/// A call over several row pairs displaces normalized_stokes. Strips of one row pair and the row
-/// below it have nothing to displace; that third row, an edge to the strip but not to the frame, is
-/// overwritten by the next strip.
+/// A call over several row pairs displaces normalized_stokes. Strips of one row pair and the two
+/// rows below it have nothing to displace; those two, an edge to the strip but not to the frame,
+/// are overwritten by the next strip. One row would do, but the library takes four times as long
+/// for an odd last row as for two rows of mosaic cells.
 void fill_normalized_stokes_by_strips(PolarizationProcessor* handle, const Frame& frame,
                                       const TransformSettings& settings, Planes& planes) {
   for (int row = 0, end = 0; end < frame.height; row += 2) {
-    const int rows = std::min(3, frame.height - row);
+    const int rows = std::min(4, frame.height - row);
     end = row + rows;
     const std::size_t first = pixel_count(frame.width, row);
     call_library(handle, settings, frame.bit_depth,
