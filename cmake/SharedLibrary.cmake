@@ -1,9 +1,12 @@
 # What the project's shared libraries have in common.
 
-# File names without `lib`, and no export but those of the export map. On Windows the exports are
-# those that the sources declare as such.
+# File names without `lib`, companions found beside the library, and no export but those of the
+# export map. On Windows the exports are those that the sources declare as such.
 function(shape_shared_library target export_map)
-  set_target_properties(${target} PROPERTIES PREFIX "")
+  set_target_properties(${target} PROPERTIES
+    PREFIX ""
+    INSTALL_RPATH "$ORIGIN"
+    BUILD_WITH_INSTALL_RPATH ON)
   if(NOT WIN32)
     cmake_path(ABSOLUTE_PATH export_map)
     set_target_properties(${target} PROPERTIES LINK_DEPENDS ${export_map})

@@ -1,8 +1,11 @@
 #!/usr/bin/env bash
-# What the library's file shows to the world: its exports, how it is loaded and unloaded, and no
-# folder of the machine that built it.
+# What a library's file shows to the world: its exports, how it is loaded and unloaded, and no folder
+# of the machine that built it.
+#
+#   binary_test.sh LIBRARY SOURCE_FOLDER BUILD_FOLDER EXPORT...
 set -euo pipefail
 library=$1 source_folder=$2 build_folder=$3
+shift 3
 faults=0
 
 expect_same() {
@@ -12,23 +15,14 @@ expect_same() {
   fi
 }
 
-prefix=kv_polarization_processor
-exports=$(printf '%s\n' \
-  ${prefix}_create_polarization_processor \
-  ${prefix}_destroy_polarization_processor \
-  ${prefix}_get_custom_calibration_coefficients \
-  ${prefix}_module_initialize \
-  ${prefix}_module_terminate \
-  ${prefix}_set_custom_calibration_coefficients \
-  ${prefix}_transform)
-expect_same 'exported symbols' "$exports" \
+expect_same 'exported symbols' "$(printf '%s\n' "$@" | LC_ALL=C sort)" \
   "$(nm -D --defined-only "$library" | awk '{ print $3 }' | LC_ALL=C sort)"
 
 # One of these would keep the library in the process for good.
 expect_same 'unique symbols' '' "$(readelf -W --dyn-syms "$library" | grep -w UNIQUE || true)"
 
 # Companions are found beside the library, and nowhere else.
-expect_same 'run path' '[$ORIGIN]' \
+expect_same 'run path' "[\$ORIGIN]" \
   "$(readelf -W -d "$library" | awk '$2 ~ /RUNPATH|RPATH/ { print $NF }')"
 
 # Debugging information names the folder of the compilation.
