@@ -83,6 +83,7 @@ class TransformRun {
     warn_of_excess(frame, name);
     const std::string stem = names_.stem_for(file, page, reader.count());
 
+    planes_.make_room(frame, computed_.planes);
     if (options_.log_level) progress_.hide();
     const auto start = std::chrono::steady_clock::now();
     processor_.transform(frame, computed_, planes_);

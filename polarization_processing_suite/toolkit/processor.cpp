@@ -45,16 +45,6 @@ void check_settings(const TransformSettings& settings) {
   }
 }
 
-void allocate(const Frame& frame, PlaneSet wanted, Planes& planes) {
-  planes.width = frame.width;
-  planes.height = frame.height;
-  const std::size_t pixels = frame.samples.size();
-  planes.normalized_stokes.resize(wanted.has(Plane::normalized_stokes) ? 2 * pixels : 0);
-  for (const Plane plane : quantized_planes) {
-    planes.quantized(plane).resize(wanted.has(plane) ? pixels : 0);
-  }
-}
-
 /// Where a call of the library puts its results; null for a plane that is not wanted.
 struct Targets {
   float* normalized_stokes = nullptr;
@@ -120,6 +110,15 @@ PlaneSet PlaneSet::all() {
 bool PlaneSet::has_quantized() const {
   return std::any_of(quantized_planes.begin(), quantized_planes.end(),
                      [this](Plane plane) { return has(plane); });
+}
+
+void Planes::make_room(const Frame& frame, PlaneSet wanted) {
+  width = frame.width;
+  height = frame.height;
+  const std::size_t pixels = frame.samples.size();
+  normalized_stokes.resize(wanted.has(Plane::normalized_stokes) ? 2 * pixels : 0);
+  for (const Plane plane : quantized_planes)
+    quantized(plane).resize(wanted.has(plane) ? pixels : 0);
 }
 
 std::vector<std::uint16_t>& Planes::quantized(Plane plane) {
@@ -212,7 +211,7 @@ void Processor::transform(const Frame& frame, const TransformSettings& settings,
                           Planes& planes) const {
   check_frame(frame);
   check_settings(settings);
-  allocate(frame, settings.planes, planes);
+  planes.make_room(frame, settings.planes);
 
   Targets targets;
   for (std::size_t i = 0; i < quantized_planes.size(); ++i) {

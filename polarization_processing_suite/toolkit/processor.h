@@ -68,6 +68,10 @@ struct Planes {
   std::vector<std::uint16_t> azimuth;
   std::vector<std::uint16_t> dolp;
 
+  /// Makes room for those of a frame; buffers of an earlier frame are used again. A transform does
+  /// it too: called before, it keeps the cost of fresh memory out of the transform.
+  void make_room(const Frame& frame, PlaneSet wanted);
+
   /// Any plane but normalized_stokes.
   std::vector<std::uint16_t>& quantized(Plane plane);
   const std::vector<std::uint16_t>& quantized(Plane plane) const;
@@ -87,7 +91,7 @@ class Processor {
   Processor(const Processor&) = delete;
   Processor& operator=(const Processor&) = delete;
 
-  /// Fills `planes` from a whole frame; buffers of an earlier frame are used again.
+  /// Fills `planes` from a whole frame.
   /// The 16-bit planes are the library's to the last bit. Of normalized_stokes every pair stands at
   /// its pixel's place, which a single call of the library does not grant.
   /// Throws Error, before anything is computed, when the frame or the settings can't be used.
