@@ -126,21 +126,6 @@ TEST_P(VectorArea, FourthLaneRepeatsTheThirdInTheSse41FormOnly) {
   }
 }
 
-TEST_P(VectorArea, IntensityAndDolpDoNotDependOnThePhase) {
-  constexpr PlaneNumber intensity = 2;
-  constexpr PlaneNumber dolp = 32;
-  const Frame frame{.height = 8, .width = 43, .samples = noise(8 * 43, 12)};
-  const Planes first_intensity = run_kernel(frame, 0, processor_, sse41(), intensity);
-  const Planes first_dolp = run_kernel(frame, 0, processor_, sse41(), dolp);
-  for (std::uint32_t phase = 1; phase < 4; ++phase) {
-    const Planes other_intensity = run_kernel(frame, phase, processor_, sse41(), intensity);
-    const Planes other_dolp = run_kernel(frame, phase, processor_, sse41(), dolp);
-    // At the default weights the scalar parts do not depend on it either.
-    EXPECT_EQ(difference(other_intensity, first_intensity, frame.width, intensity), "") << phase;
-    EXPECT_EQ(difference(other_dolp, first_dolp, frame.width, dolp), "") << phase;
-  }
-}
-
 INSTANTIATE_TEST_SUITE_P(Forms, VectorArea, testing::Bool(), form_name);
 
 }  // namespace
