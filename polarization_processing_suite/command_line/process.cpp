@@ -45,6 +45,7 @@ void set_environment(const char* name, const std::string& value) {
 #if defined(_WIN32)
   _putenv_s(name, value.c_str());
 #else
+  // Before the tool or a library starts a thread. NOLINTNEXTLINE(concurrency-mt-unsafe)
   setenv(name, value.c_str(), 1);
 #endif
 }

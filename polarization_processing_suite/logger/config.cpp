@@ -39,7 +39,7 @@ struct Key {
   void (*set)(Config& config, std::string_view value);
 };
 
-constexpr std::size_t kMaxKib = 1024 * 1024;
+constexpr std::size_t kMaxKib = std::size_t{1024} * 1024;
 constexpr std::size_t kMaxFiles = 1000;
 
 constexpr std::array kKeys{
@@ -92,6 +92,7 @@ void apply_line(Config& config, std::string_view line) {
 
 std::optional<std::int32_t> level_in_environment() {
   const char* const name = "KEVRINTH_QRM_LOGGER_LEVEL";
+  // Nothing here changes the environment. NOLINTNEXTLINE(concurrency-mt-unsafe)
   const char* const value = std::getenv(name);
   if (value == nullptr || *value == '\0') return std::nullopt;
   try {

@@ -68,14 +68,14 @@ inline constexpr std::array<std::size_t, 128> kEncodingIndices = [] {
   std::array<std::size_t, 128> indices{};
   for (std::size_t index = 0; index < kEncodingCount; ++index) {
     const auto [outputs, scaled] = kEncodings[index];
-    indices[64 * (scaled ? 1 : 0) + outputs.number()] = index;
+    indices[(scaled ? 64u : 0u) + outputs.number()] = index;
     if (!outputs.has_linear_plane()) indices[64 + outputs.number()] = index;
   }
   return indices;
 }();
 
 constexpr std::size_t encoding_index(EncodingAxes encoding) {
-  return kEncodingIndices[64 * (encoding.scaled ? 1 : 0) + encoding.outputs.number()];
+  return kEncodingIndices[(encoding.scaled ? 64u : 0u) + encoding.outputs.number()];
 }
 
 }  // namespace kv

@@ -65,7 +65,7 @@ void read_strips(TIFF* tiff, Frame& frame) {
     if (TIFFReadScanline(tiff, line.data(), static_cast<std::uint32_t>(row)) != 1) {
       fail_as_damaged();
     }
-    std::copy_n(line.begin(), width, frame.samples.begin() + row * frame.width);
+    std::copy_n(line.begin(), width, frame.samples.data() + pixel_count(frame.width, row));
   }
 }
 

@@ -26,7 +26,9 @@ double random_normal(std::uint64_t seed, std::uint64_t index) {
   const std::uint64_t start = random_word(seed) + 2 * index;
   std::int64_t sum = 0;
   for (const std::uint64_t word : {random_word(start), random_word(start + 1)}) {
-    for (int shift = 0; shift < 64; shift += 16) sum += (word >> shift) & 0xFFFF;
+    for (int shift = 0; shift < 64; shift += 16) {
+      sum += static_cast<std::int64_t>((word >> shift) & 0xFFFF);
+    }
   }
   constexpr double mean = 8 * 65535 / 2.0;
   // Eight times the variance of a whole number from 0 to 65535, (65536^2 - 1) / 12.
