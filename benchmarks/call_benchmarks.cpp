@@ -9,7 +9,6 @@
 
 #include "cpu_features.h"
 #include "kevrinth_qrm_polarization_processor.h"
-#include "paired_timing.h"
 #include "sample_frame.h"
 #include "transform_path.h"
 
@@ -31,10 +30,7 @@ void probe(benchmark::State& state) {
 /// Of each call two executions of CPUID are the part that no frame size changes: see `probe`.
 void latency(benchmark::State& state, FrameSize size, Path path) {
   Transformer transform(path);
-  if (const char* const missing = transform.missing()) {
-    state.SkipWithError(missing);
-    return;
-  }
+  if (kv::bench::skip_if(state, transform.missing())) return;
   SampleFrame frame(size);
   const kv::TransformRequest request = frame.request(kIntensityAzimuthDolp, false);
   for (auto _ : state) transform(request);
@@ -43,10 +39,7 @@ void latency(benchmark::State& state, FrameSize size, Path path) {
 /// Each thread has a frame of its own; the rates add up.
 void threads(benchmark::State& state, Path path) {
   Transformer transform(path);
-  if (const char* const missing = transform.missing()) {
-    state.SkipWithError(missing);
-    return;
-  }
+  if (kv::bench::skip_if(state, transform.missing())) return;
   SampleFrame frame(kLargeFrame);
   const kv::TransformRequest request = frame.request(kIntensityAzimuthDolp, false);
   for (auto _ : state) transform(request);

@@ -49,10 +49,7 @@ constexpr NamedOutputs kOutputs[] = {
 void time_frames(benchmark::State& state, FrameSize size, OutputSet outputs, bool scaled,
                  Path path) {
   kv::bench::Transformer transform(path);
-  if (const char* const missing = transform.missing()) {
-    state.SkipWithError(missing);
-    return;
-  }
+  if (kv::bench::skip_if(state, transform.missing())) return;
   kv::bench::SampleFrame frame(size);
   const kv::TransformRequest request = frame.request(outputs, scaled);
   kv::bench::time_against_limit(
@@ -60,10 +57,7 @@ void time_frames(benchmark::State& state, FrameSize size, OutputSet outputs, boo
 }
 
 void time_opencv(benchmark::State& state, FrameSize size, OutputSet outputs) {
-  if (const char* const missing = kv::bench::OpencvBaseline::missing()) {
-    state.SkipWithError(missing);
-    return;
-  }
+  if (kv::bench::skip_if(state, kv::bench::OpencvBaseline::missing())) return;
   kv::bench::OpencvBaseline transform;
   kv::bench::SampleFrame frame(size);
   const kv::TransformRequest request = frame.request(outputs, false);

@@ -25,6 +25,11 @@ const char* name_of(Path path) {
   return names[static_cast<std::size_t>(path)];
 }
 
+bool skip_if(benchmark::State& state, const char* missing) {
+  if (missing != nullptr) state.SkipWithError(missing);
+  return missing != nullptr;
+}
+
 Transformer::Transformer(Path path) : path_(path), processor_(tier_of(path)) {
   kv_polarization_processor_module_initialize();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <benchmark/benchmark.h>
+
 #include <array>
 #include <optional>
 
@@ -15,6 +17,9 @@ enum class Path { sse2, sse41, avx2, avx512 };
 inline constexpr std::array kPaths{Path::sse2, Path::sse41, Path::avx2, Path::avx512};
 
 const char* name_of(Path path);
+
+/// Skips a benchmark that lacks something; null for nothing. Returns whether it did.
+bool skip_if(benchmark::State& state, const char* missing);
 
 /// One way, with a processor of its own.
 class Transformer {

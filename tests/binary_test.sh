@@ -6,14 +6,7 @@
 set -euo pipefail
 library=$1 source_folder=$2 build_folder=$3
 shift 3
-faults=0
-
-expect_same() {
-  if [[ $2 != "$3" ]]; then
-    printf '%s\n--- expected\n%s\n--- found\n%s\n' "$1" "$2" "$3" >&2
-    faults=1
-  fi
-}
+source "$(dirname "$0")/expect_same.sh"
 
 expect_same 'exported symbols' "$(printf '%s\n' "$@" | LC_ALL=C sort)" \
   "$(nm -D --defined-only "$library" | awk '{ print $3 }' | LC_ALL=C sort)"
@@ -32,4 +25,4 @@ if ! readelf -W -S "$library" | grep -q '\.debug_info'; then
   done
 fi
 
-exit $faults
+exit "$faults"

@@ -8,14 +8,7 @@
 set -euo pipefail
 objdump=$1 file=$2 export_map=$3 imports=$4
 shift 4
-faults=0
-
-expect_same() {
-  if [[ $2 != "$3" ]]; then
-    printf '%s\n--- expected\n%s\n--- found\n%s\n' "$1" "$2" "$3" >&2
-    faults=1
-  fi
-}
+source "$(dirname "$0")/../expect_same.sh"
 
 sorted() { LC_ALL=C sort -f -u; }
 
@@ -35,4 +28,4 @@ for folder in "$@"; do
   expect_same 'folders of the build machine' '' "$(strings -a "$file" | grep -F "$folder" || true)"
 done
 
-exit $faults
+exit "$faults"
