@@ -7,8 +7,8 @@
 
 #include <string>
 
-#include "cpu_features.h"
 #include "kevrinth_qrm_polarization_processor.h"
+#include "platform/cpu_features.h"
 #include "sample_frame.h"
 #include "transform_path.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "transform_request.h"
+#include "polarization_processor/records/transform_request.h"
 
 namespace kv::bench {
 

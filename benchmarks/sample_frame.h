@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "pixel/output_set.h"
-#include "transform_request.h"
+#include "polarization_processor/pixel/output_set.h"
+#include "polarization_processor/records/transform_request.h"
 
 namespace kv::bench {
 

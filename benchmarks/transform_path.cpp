@@ -1,8 +1,8 @@
 #include "transform_path.h"
 
-#include "cpu_features.h"
 #include "kevrinth_qrm_polarization_processor.h"
-#include "routing/kernel_selector.h"
+#include "platform/cpu_features.h"
+#include "polarization_processor/routing/kernel_selector.h"
 
 namespace kv::bench {
 namespace {

@@ -5,8 +5,8 @@
 #include <array>
 #include <optional>
 
-#include "processor_instance.h"
-#include "transform_request.h"
+#include "polarization_processor/processor_instance.h"
+#include "polarization_processor/records/transform_request.h"
 
 namespace kv::bench {
 

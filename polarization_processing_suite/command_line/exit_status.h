@@ -1,5 +1,4 @@
-#ifndef KV_COMMAND_LINE_EXIT_STATUS_H
-#define KV_COMMAND_LINE_EXIT_STATUS_H
+#pragma once
 
 namespace kv {
 
@@ -12,5 +11,3 @@ enum ExitStatus : int {
 };
 
 }  // namespace kv
-
-#endif

@@ -1,4 +1,4 @@
-#include "frame_output.h"
+#include "command_line/frame_output.h"
 
 #include <algorithm>
 #include <atomic>

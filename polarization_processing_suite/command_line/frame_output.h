@@ -1,5 +1,4 @@
-#ifndef KV_COMMAND_LINE_FRAME_OUTPUT_H
-#define KV_COMMAND_LINE_FRAME_OUTPUT_H
+#pragma once
 
 #include <deque>
 #include <filesystem>
@@ -26,5 +25,3 @@ class FrameOutput {
 };
 
 }  // namespace kv
-
-#endif

@@ -3,19 +3,19 @@
 #include <sstream>
 #include <string>
 
-#include "exit_status.h"
-#include "process.h"
-#include "simulate_command.h"
+#include "command_line/exit_status.h"
+#include "command_line/simulate_command.h"
+#include "command_line/transform_command.h"
+#include "platform/process.h"
 #include "toolkit/error.h"
-#include "transform_command.h"
 
 namespace {
 
-constexpr const char* description =
+constexpr const char* kDescription =
     "Turns raw frames of polarization cameras into Stokes, angle and degree-of-polarization "
     "planes.";
 
-constexpr const char* footer =
+constexpr const char* kFooter =
     "Examples:\n"
     "  kv-polarize simulate -o frame.png\n"
     "  kv-polarize transform frame.png -o planes\n"
@@ -26,7 +26,7 @@ constexpr const char* footer =
     "wrong;\n"
     "130 stopped by Ctrl-C.";
 
-constexpr const char* transform_footer =
+constexpr const char* kTransformFooter =
     "Frames: grey PNG or TIFF of 8 or 16 bits (every TIFF page is a frame), PGM (P5), or "
     "headerless\n"
     "little endian samples, one frame behind the other, whose shape the three options tell.\n"
@@ -61,7 +61,7 @@ kv::PlaneSet parse_planes(const std::string& list) {
     const auto plane = kv::plane_named(name);
     if (!plane) {
       std::string known;
-      for (const auto plane_name : kv::plane_names) known += " " + std::string(plane_name);
+      for (const auto plane_name : kv::kPlaneNames) known += " " + std::string(plane_name);
       throw CLI::ValidationError("--planes", "there is no plane '" + name + "'; known are" + known);
     }
     planes.add(*plane);
@@ -105,7 +105,7 @@ class TransformCommand {
  public:
   explicit TransformCommand(CLI::App& app)
       : command_(*app.add_subcommand("transform", "Write planes and pictures of raw frames")) {
-    command_.footer(transform_footer);
+    command_.footer(kTransformFooter);
     command_.add_option("FRAME", options_.files, "Raw mosaic frames")
         ->type_name("FILE")
         ->required();
@@ -242,10 +242,11 @@ int complain(const std::string& line, int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  kv::tame_signals();
+  kv::platform::defer_interrupts();
+  kv::platform::ignore_file_size_signal();
   try {
-    CLI::App app(description, "kv-polarize");
-    app.footer(footer);
+    CLI::App app(kDescription, "kv-polarize");
+    app.footer(kFooter);
     app.set_version_flag("--version", "kv-polarize " KV_VERSION);
     app.require_subcommand(1);
     TransformCommand transform(app);

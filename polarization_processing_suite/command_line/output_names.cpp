@@ -1,4 +1,4 @@
-#include "output_names.h"
+#include "command_line/output_names.h"
 
 #include <system_error>
 #include <utility>

@@ -1,5 +1,4 @@
-#ifndef KV_COMMAND_LINE_OUTPUT_NAMES_H
-#define KV_COMMAND_LINE_OUTPUT_NAMES_H
+#pragma once
 
 #include <cstddef>
 #include <filesystem>
@@ -30,5 +29,3 @@ class OutputNames {
 };
 
 }  // namespace kv
-
-#endif

@@ -1,14 +1,14 @@
-#include "progress_bar.h"
+#include "command_line/progress_bar.h"
 
 #include <iostream>
 #include <string>
 
-#include "process.h"
+#include "platform/process.h"
 
 namespace kv {
 
 ProgressBar::ProgressBar(std::size_t files)
-    : files_(files), enabled_(files > 1 && error_stream_is_terminal()) {}
+    : files_(files), enabled_(files > 1 && platform::error_stream_is_terminal()) {}
 
 ProgressBar::~ProgressBar() { hide(); }
 

@@ -1,5 +1,4 @@
-#ifndef KV_COMMAND_LINE_PROGRESS_BAR_H
-#define KV_COMMAND_LINE_PROGRESS_BAR_H
+#pragma once
 
 #include <cstddef>
 
@@ -27,5 +26,3 @@ class ProgressBar {
 };
 
 }  // namespace kv
-
-#endif

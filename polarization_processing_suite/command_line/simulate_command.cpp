@@ -1,9 +1,9 @@
-#include "simulate_command.h"
+#include "command_line/simulate_command.h"
 
 #include <iostream>
 #include <string>
 
-#include "exit_status.h"
+#include "command_line/exit_status.h"
 #include "toolkit/image_files/image_writer.h"
 
 namespace kv {

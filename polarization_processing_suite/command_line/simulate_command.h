@@ -1,5 +1,4 @@
-#ifndef KV_COMMAND_LINE_SIMULATE_COMMAND_H
-#define KV_COMMAND_LINE_SIMULATE_COMMAND_H
+#pragma once
 
 #include <filesystem>
 
@@ -19,5 +18,3 @@ struct SimulateOptions {
 int run_simulate(const SimulateOptions& options);
 
 }  // namespace kv
-
-#endif

@@ -1,4 +1,4 @@
-#include "transform_command.h"
+#include "command_line/transform_command.h"
 
 #include <chrono>
 #include <iomanip>
@@ -7,18 +7,19 @@
 #include <string>
 #include <system_error>
 
-#include "exit_status.h"
-#include "frame_output.h"
-#include "output_names.h"
-#include "process.h"
-#include "progress_bar.h"
+#include "command_line/exit_status.h"
+#include "command_line/frame_output.h"
+#include "command_line/output_names.h"
+#include "command_line/progress_bar.h"
+#include "platform/optional_library.h"
+#include "platform/process.h"
 #include "toolkit/error.h"
 #include "toolkit/pictures/pictures.h"
 
 namespace kv {
 namespace {
 
-constexpr const char* logger_library = "kevrinth_qrm_logger";
+constexpr const char* kLoggerLibrary = "kevrinth_qrm_logger";
 
 class TransformRun {
  public:
@@ -31,19 +32,20 @@ class TransformRun {
       computed_.planes.add(Plane::azimuth);
       computed_.planes.add(Plane::dolp);
     }
-    if (options.log_level && !has_loaded(logger_library)) {
-      throw Error("--log needs the library " + std::string(logger_library) +
+    if (options.log_level &&
+        !platform::is_loaded((std::string(kLoggerLibrary) + platform::kLibrarySuffix).c_str())) {
+      throw Error("--log needs the library " + std::string(kLoggerLibrary) +
                   " beside kevrinth_qrm_polarization_processor, and it is not there");
     }
   }
 
   int run() {
-    for (std::size_t i = 0; i < options_.files.size() && !interrupted(); ++i) {
+    for (std::size_t i = 0; i < options_.files.size() && !platform::interrupted(); ++i) {
       transform_file(options_.files[i], static_cast<double>(i));
     }
     progress_.hide();
     print_summary();
-    if (interrupted()) return exit_interrupted;
+    if (platform::interrupted()) return exit_interrupted;
     return failures_ == 0 ? exit_success : exit_failure;
   }
 
@@ -53,7 +55,7 @@ class TransformRun {
     std::unique_ptr<FrameReader> reader;
     if (!attempt(file.string(), [&] { reader = open_frames(file, options_.raw_shape); })) return;
     const std::size_t pages = reader->count();
-    for (std::size_t page = 0; page < pages && !interrupted(); ++page) {
+    for (std::size_t page = 0; page < pages && !platform::interrupted(); ++page) {
       progress_.show(files_done + static_cast<double>(page) / static_cast<double>(pages));
       const std::string name =
           file.string() + (pages > 1 ? ", page " + std::to_string(page + 1) : "");
@@ -106,7 +108,7 @@ class TransformRun {
   }
 
   void add_planes(const std::string& stem, FrameOutput& output) {
-    for (std::size_t i = 0; i < plane_count; ++i) {
+    for (std::size_t i = 0; i < kPlaneCount; ++i) {
       const auto plane = static_cast<Plane>(i);
       if (!options_.settings.planes.has(plane)) continue;
       const std::string name = stem + "_" + std::string(name_of(plane));
@@ -118,7 +120,7 @@ class TransformRun {
         output.add(names_.path_for(name + extension_of(options_.format)),
                    [this, plane](PendingFile& file) {
                      write_grey(file, options_.format,
-                                {planes_.width, planes_.height, 16, planes_.quantized(plane)});
+                                {planes_.width, planes_.height, 16, planes_.quantised(plane)});
                    });
       }
     }
@@ -179,7 +181,8 @@ void make_folder(const std::filesystem::path& folder) {
 
 int run_transform(const TransformOptions& options) {
   if (options.log_level) {
-    set_environment("KEVRINTH_QRM_LOGGER_LEVEL", std::to_string(*options.log_level));
+    platform::set_environment("KEVRINTH_QRM_LOGGER_LEVEL",
+                              std::to_string(*options.log_level).c_str());
   }
   TransformRun run(options);
   make_folder(options.folder);

@@ -1,5 +1,4 @@
-#ifndef KV_COMMAND_LINE_TRANSFORM_COMMAND_H
-#define KV_COMMAND_LINE_TRANSFORM_COMMAND_H
+#pragma once
 
 #include <filesystem>
 #include <optional>
@@ -27,5 +26,3 @@ struct TransformOptions {
 int run_transform(const TransformOptions& options);
 
 }  // namespace kv
-
-#endif

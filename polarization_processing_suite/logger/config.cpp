@@ -1,4 +1,4 @@
-#include "config.h"
+#include "logger/config.h"
 
 #include <array>
 #include <charconv>
@@ -122,7 +122,7 @@ std::filesystem::path find_config(const std::string& file_name) {
   if (file_name.empty()) return {};
   std::error_code ignored;
   if (std::filesystem::exists(file_name, ignored)) return file_name;
-  const std::filesystem::path beside_library = own_folder() / file_name;
+  const std::filesystem::path beside_library = platform::own_folder() / file_name;
   return std::filesystem::exists(beside_library, ignored) ? beside_library
                                                           : std::filesystem::path{};
 }

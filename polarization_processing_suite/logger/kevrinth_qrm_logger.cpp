@@ -1,9 +1,9 @@
-#include "kevrinth_qrm_logger.h"
+#include "logger/kevrinth_qrm_logger.h"
 
 #include <memory>
 #include <mutex>
 
-#include "registry.h"
+#include "logger/registry.h"
 
 namespace {
 

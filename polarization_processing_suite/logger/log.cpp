@@ -1,4 +1,4 @@
-#include "log.h"
+#include "logger/log.h"
 
 #include <spdlog/details/log_msg.h>
 

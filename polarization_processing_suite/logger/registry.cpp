@@ -1,4 +1,4 @@
-#include "registry.h"
+#include "logger/registry.h"
 
 #include <spdlog/sinks/stdout_sinks.h>
 

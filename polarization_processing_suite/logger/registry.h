@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "config.h"
-#include "log.h"
+#include "logger/config.h"
+#include "logger/log.h"
 
 namespace kv::logger {
 

@@ -1,15 +1,15 @@
-#include "kevrinth_qrm_polarization_processor.h"
+#include "polarization_processor/kevrinth_qrm_polarization_processor.h"
 
 #include <cstring>
 #include <new>
 
-#include "cpu_features.h"
-#include "module_state.h"
-#include "polar_phase_rotation.h"
-#include "processor_instance.h"
-#include "routing/route_transform.h"
-#include "transform_checks.h"
-#include "transform_timer.h"
+#include "platform/cpu_features.h"
+#include "polarization_processor/module_state.h"
+#include "polarization_processor/polar_phase_rotation.h"
+#include "polarization_processor/processor_instance.h"
+#include "polarization_processor/routing/route_transform.h"
+#include "polarization_processor/transform_checks.h"
+#include "polarization_processor/transform_timer.h"
 
 namespace {
 
@@ -109,7 +109,7 @@ ProcessorStatus kv_polarization_processor_create_polarization_processor(
               "SSE is required for this component but is not supported on this CPU.");
     return kv_status_general_failure;
   }
-  const kv::CpuTier tier = kv::detect_cpu_tier();
+  const kv::CpuTier tier = kv::cpu_tier_of(kv::read_cpu_registers());
   try {
     *handle = new PolarizationProcessor(tier);
   } catch (const std::bad_alloc&) {

@@ -1,4 +1,4 @@
-#include "log_client.h"
+#include "polarization_processor/log_client.h"
 
 #include <cstdarg>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "module_state.h"
+#include "polarization_processor/module_state.h"
 
 #include <optional>
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <mutex>
 
-#include "log_client.h"
+#include "polarization_processor/log_client.h"
 
 namespace kv {
 

@@ -1,4 +1,4 @@
-#include "polar_phase_rotation.h"
+#include "polarization_processor/polar_phase_rotation.h"
 
 #include <array>
 

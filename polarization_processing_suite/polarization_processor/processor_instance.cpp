@@ -1,4 +1,4 @@
-#include "processor_instance.h"
+#include "polarization_processor/processor_instance.h"
 
 #include <cstddef>
 

@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "coefficient_set.h"
-#include "cpu_features.h"
-#include "routing/vector_backend.h"
+#include "platform/cpu_features.h"
+#include "polarization_processor/records/coefficient_set.h"
+#include "polarization_processor/routing/vector_backend.h"
 
 /// The weights of one camera, behind the public handle. Its views point into itself: it is never
 /// copied or moved.

@@ -1,4 +1,4 @@
-#include "transform_checks.h"
+#include "polarization_processor/transform_checks.h"
 
 #include <algorithm>
 #include <array>

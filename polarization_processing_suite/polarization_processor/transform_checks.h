@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "kevrinth_qrm_polarization_processor.h"
+#include "polarization_processor/kevrinth_qrm_polarization_processor.h"
 
 namespace kv {
 

@@ -1,4 +1,4 @@
-#include "transform_timer.h"
+#include "polarization_processor/transform_timer.h"
 
 #include "platform/performance_counter.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "log_client.h"
+#include "polarization_processor/log_client.h"
 
 namespace kv {
 

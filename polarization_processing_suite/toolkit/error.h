@@ -1,5 +1,4 @@
-#ifndef KV_TOOLKIT_ERROR_H
-#define KV_TOOLKIT_ERROR_H
+#pragma once
 
 #include <stdexcept>
 
@@ -12,5 +11,3 @@ class Error : public std::runtime_error {
 };
 
 }  // namespace kv
-
-#endif

@@ -1,9 +1,9 @@
-#include "frame.h"
+#include "toolkit/frame.h"
 
 #include <algorithm>
 #include <string>
 
-#include "error.h"
+#include "toolkit/error.h"
 
 namespace kv {
 

@@ -1,5 +1,4 @@
-#ifndef KV_TOOLKIT_FRAME_H
-#define KV_TOOLKIT_FRAME_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -31,5 +30,3 @@ Frame make_frame(std::uint64_t width, std::uint64_t height, int bit_depth);
 std::size_t count_samples_above_full_scale(const Frame& frame);
 
 }  // namespace kv
-
-#endif

@@ -1,13 +1,13 @@
-#include "processor.h"
+#include "toolkit/processor.h"
 
 #include <algorithm>
 
-#include "error.h"
+#include "toolkit/error.h"
 
 namespace kv {
 namespace {
 
-constexpr std::array<Plane, 5> quantized_planes = {Plane::intensity, Plane::stokes_s1,
+constexpr std::array<Plane, 5> kQuantisedPlanes = {Plane::intensity, Plane::stokes_s1,
                                                    Plane::stokes_s2, Plane::azimuth, Plane::dolp};
 
 std::string size_text(const Frame& frame) {
@@ -48,7 +48,7 @@ void check_settings(const TransformSettings& settings) {
 /// Where a call of the library puts its results; null for a plane that is not wanted.
 struct Targets {
   float* normalized_stokes = nullptr;
-  std::array<std::uint16_t*, quantized_planes.size()> quantized{};
+  std::array<std::uint16_t*, kQuantisedPlanes.size()> quantised{};
 };
 
 template <class T>
@@ -65,7 +65,7 @@ struct Strip {
 
 void call_library(PolarizationProcessor* handle, const TransformSettings& settings, int bit_depth,
                   const Strip& strip, const Targets& targets) {
-  const auto& [intensity, stokes_s1, stokes_s2, azimuth, dolp] = targets.quantized;
+  const auto& [intensity, stokes_s1, stokes_s2, azimuth, dolp] = targets.quantised;
   const ProcessorStatus status = kv_polarization_processor_transform(
       handle, settings.phase, strip.samples, settings.x_origin, settings.y_origin, strip.width,
       strip.height, static_cast<std::uint32_t>(bit_depth), settings.output_max,
@@ -96,9 +96,9 @@ bool displaces_normalized_stokes(const Frame& frame) {
 }  // namespace
 
 std::optional<Plane> plane_named(std::string_view name) {
-  const auto found = std::find(plane_names.begin(), plane_names.end(), name);
-  if (found == plane_names.end()) return std::nullopt;
-  return static_cast<Plane>(found - plane_names.begin());
+  const auto found = std::find(kPlaneNames.begin(), kPlaneNames.end(), name);
+  if (found == kPlaneNames.end()) return std::nullopt;
+  return static_cast<Plane>(found - kPlaneNames.begin());
 }
 
 PlaneSet PlaneSet::all() {
@@ -107,8 +107,8 @@ PlaneSet PlaneSet::all() {
   return set;
 }
 
-bool PlaneSet::has_quantized() const {
-  return std::any_of(quantized_planes.begin(), quantized_planes.end(),
+bool PlaneSet::has_quantised() const {
+  return std::any_of(kQuantisedPlanes.begin(), kQuantisedPlanes.end(),
                      [this](Plane plane) { return has(plane); });
 }
 
@@ -117,11 +117,11 @@ void Planes::make_room(const Frame& frame, PlaneSet wanted) {
   height = frame.height;
   const std::size_t pixels = frame.samples.size();
   normalized_stokes.resize(wanted.has(Plane::normalized_stokes) ? 2 * pixels : 0);
-  for (const Plane plane : quantized_planes)
-    quantized(plane).resize(wanted.has(plane) ? pixels : 0);
+  for (const Plane plane : kQuantisedPlanes)
+    quantised(plane).resize(wanted.has(plane) ? pixels : 0);
 }
 
-std::vector<std::uint16_t>& Planes::quantized(Plane plane) {
+std::vector<std::uint16_t>& Planes::quantised(Plane plane) {
   switch (plane) {
     case Plane::intensity:
       return intensity;
@@ -139,8 +139,8 @@ std::vector<std::uint16_t>& Planes::quantized(Plane plane) {
   throw std::logic_error("normalized_stokes is no 16-bit plane");
 }
 
-const std::vector<std::uint16_t>& Planes::quantized(Plane plane) const {
-  return const_cast<Planes*>(this)->quantized(plane);
+const std::vector<std::uint16_t>& Planes::quantised(Plane plane) const {
+  return const_cast<Planes*>(this)->quantised(plane);
 }
 
 std::string status_message(ProcessorStatus status) {
@@ -150,7 +150,7 @@ std::string status_message(ProcessorStatus status) {
     case kv_status_general_failure:
       return "the processing library can't work on this processor; it needs SSE2";
     case kv_status_not_initialized:
-      return "the processing library is not initialized";
+      return "the processing library is not initialised";
     case kv_status_out_of_memory:
       return "the processing library is out of memory";
     case kv_status_null_handle:
@@ -214,13 +214,13 @@ void Processor::transform(const Frame& frame, const TransformSettings& settings,
   planes.make_room(frame, settings.planes);
 
   Targets targets;
-  for (std::size_t i = 0; i < quantized_planes.size(); ++i) {
-    targets.quantized[i] = start_of(planes.quantized(quantized_planes[i]));
+  for (std::size_t i = 0; i < kQuantisedPlanes.size(); ++i) {
+    targets.quantised[i] = start_of(planes.quantised(kQuantisedPlanes[i]));
   }
   const bool by_strips =
       settings.planes.has(Plane::normalized_stokes) && displaces_normalized_stokes(frame);
   if (!by_strips) targets.normalized_stokes = start_of(planes.normalized_stokes);
-  if (settings.planes.has_quantized() || !by_strips) {
+  if (settings.planes.has_quantised() || !by_strips) {
     call_library(handle_, settings, frame.bit_depth,
                  {frame.samples.data(), frame.width, frame.height}, targets);
   }

@@ -1,5 +1,4 @@
-#ifndef KV_TOOLKIT_PROCESSOR_H
-#define KV_TOOLKIT_PROCESSOR_H
+#pragma once
 
 #include <array>
 #include <bitset>
@@ -10,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "frame.h"
 #include "kevrinth_qrm_polarization_processor.h"
+#include "toolkit/frame.h"
 
 namespace kv {
 
@@ -24,13 +23,13 @@ enum class Plane : std::size_t {
   dolp
 };
 
-inline constexpr std::size_t plane_count = 6;
+inline constexpr std::size_t kPlaneCount = 6;
 
-inline constexpr std::array<std::string_view, plane_count> plane_names = {
+inline constexpr std::array<std::string_view, kPlaneCount> kPlaneNames = {
     "normalized_stokes", "intensity", "stokes_s1", "stokes_s2", "azimuth", "dolp"};
 
 constexpr std::string_view name_of(Plane plane) {
-  return plane_names[static_cast<std::size_t>(plane)];
+  return kPlaneNames[static_cast<std::size_t>(plane)];
 }
 
 std::optional<Plane> plane_named(std::string_view name);
@@ -42,10 +41,10 @@ class PlaneSet {
   void add(Plane plane) { bits_.set(static_cast<std::size_t>(plane)); }
   bool has(Plane plane) const { return bits_.test(static_cast<std::size_t>(plane)); }
   bool empty() const { return bits_.none(); }
-  bool has_quantized() const;  ///< any plane but normalized_stokes
+  bool has_quantised() const;  ///< any plane but normalized_stokes
 
  private:
-  std::bitset<plane_count> bits_;
+  std::bitset<kPlaneCount> bits_;
 };
 
 /// How the mosaic lies under the frame, and what is wanted of it.
@@ -73,8 +72,8 @@ struct Planes {
   void make_room(const Frame& frame, PlaneSet wanted);
 
   /// Any plane but normalized_stokes.
-  std::vector<std::uint16_t>& quantized(Plane plane);
-  const std::vector<std::uint16_t>& quantized(Plane plane) const;
+  std::vector<std::uint16_t>& quantised(Plane plane);
+  const std::vector<std::uint16_t>& quantised(Plane plane) const;
 };
 
 /// What a status means, in words for the user of a tool.
@@ -102,5 +101,3 @@ class Processor {
 };
 
 }  // namespace kv
-
-#endif

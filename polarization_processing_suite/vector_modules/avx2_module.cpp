@@ -1,11 +1,11 @@
 // The three functions by which the library finds, uses and leaves this module.
 
-#include "cpu_features.h"
+#include "platform/cpu_features.h"
 #include "vector_modules/module_export.h"
 #include "vector_modules/module_transform.h"
 
 KV_VECTOR_MODULE_EXPORT std::int32_t kv_polarization_processor_vector_avx2_module_initialize() {
-  return kv::avx2_runnable() ? 0 : 1;
+  return kv::avx2_runnable(kv::read_cpu_registers()) ? 0 : 1;
 }
 
 KV_VECTOR_MODULE_EXPORT void kv_polarization_processor_transform_vector_avx2(

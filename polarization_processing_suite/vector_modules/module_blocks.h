@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vector/blocks.h"
+#include "polarization_processor/vector/blocks.h"
 
 namespace kv {
 

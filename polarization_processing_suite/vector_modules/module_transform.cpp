@@ -1,6 +1,6 @@
 #include "vector_modules/module_transform.h"
 
-#include "traversal/frame_walk.h"
+#include "polarization_processor/traversal/frame_walk.h"
 #include "vector_modules/module_blocks.h"
 
 namespace kv {

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "pixel/polarization_constants.h"
-#include "vector/wide_blocks.h"
+#include "polarization_processor/pixel/polarization_constants.h"
+#include "polarization_processor/vector/wide_blocks.h"
 
 // AVX-512F, DQ and BW, sixteen blocks at a time. In an unnamed namespace for the reason told in
 // float4.h.

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <utility>
 
-#include "vector/flatten.h"
-#include "vector/wide_blocks.h"
+#include "polarization_processor/vector/flatten.h"
+#include "polarization_processor/vector/wide_blocks.h"
 
 namespace kv {
 

@@ -1,5 +1,4 @@
-#ifndef KV_TESTS_COMMAND_LINE_TOOL_H
-#define KV_TESTS_COMMAND_LINE_TOOL_H
+#pragma once
 
 #include <filesystem>
 #include <string>
@@ -38,5 +37,3 @@ class Tool {
   TemporaryFolder folder_;
   TemporaryFolder streams_;
 };
-
-#endif

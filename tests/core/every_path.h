@@ -6,9 +6,9 @@
 #include <ostream>
 #include <string>
 
-#include "cpu_features.h"
-#include "processor_instance.h"
-#include "routing/kernel_selector.h"
+#include "platform/cpu_features.h"
+#include "polarization_processor/processor_instance.h"
+#include "polarization_processor/routing/kernel_selector.h"
 
 namespace kv::test {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "coefficient_set.h"
-#include "transform_request.h"
+#include "polarization_processor/records/coefficient_set.h"
+#include "polarization_processor/records/transform_request.h"
 
 namespace kv::test {
 

@@ -4,9 +4,9 @@
 #include <map>
 #include <set>
 
-#include "routing/kernel_selector.h"
-#include "traversal/frame_kernels.h"
-#include "traversal/kernel_name.h"
+#include "polarization_processor/routing/kernel_selector.h"
+#include "polarization_processor/traversal/frame_kernels.h"
+#include "polarization_processor/traversal/kernel_name.h"
 
 namespace kv::test {
 namespace {

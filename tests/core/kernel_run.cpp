@@ -2,7 +2,7 @@
 
 #include <random>
 
-#include "routing/kernel_selector.h"
+#include "polarization_processor/routing/kernel_selector.h"
 
 namespace kv::test {
 

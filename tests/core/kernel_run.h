@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "cpu_features.h"
 #include "planes.h"
-#include "processor_instance.h"
-#include "transform_request.h"
+#include "platform/cpu_features.h"
+#include "polarization_processor/processor_instance.h"
+#include "polarization_processor/records/transform_request.h"
 
 namespace kv::test {
 

@@ -6,8 +6,8 @@
 
 #include "every_path.h"
 #include "expected_frame.h"
+#include "polarization_processor/traversal/kernel_name.h"
 #include "random_case.h"
-#include "traversal/kernel_name.h"
 
 namespace kv::test {
 namespace {

@@ -29,8 +29,8 @@ std::optional<Names> known_paths() {
 
 TEST(Paths, AreThoseOfTheProcessor) {
   const PolarizationProcessor processor(CpuTier::baseline);
-  EXPECT_EQ(processor.avx2_backend.usable(), avx2_runnable());
-  EXPECT_EQ(processor.avx512_backend.usable(), avx512_runnable());
+  EXPECT_EQ(processor.avx2_backend.usable(), avx2_runnable(read_cpu_registers()));
+  EXPECT_EQ(processor.avx512_backend.usable(), avx512_runnable(read_cpu_registers()));
 
   const auto known = known_paths();
   if (!known) GTEST_SKIP() << "this system does not tell what its processor has";

@@ -1,4 +1,4 @@
-#include "config.h"
+#include "logger/config.h"
 
 #include <gtest/gtest.h>
 

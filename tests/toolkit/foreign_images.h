@@ -1,5 +1,4 @@
-#ifndef KV_TESTS_TOOLKIT_FOREIGN_IMAGES_H
-#define KV_TESTS_TOOLKIT_FOREIGN_IMAGES_H
+#pragma once
 
 #include <cstdint>
 #include <filesystem>
@@ -22,5 +21,3 @@ struct TiffKind {
 
 /// Every page is of that kind; its samples are 256 * page + 0, 1, 2 and so on.
 void write_tiff_pages(const std::filesystem::path& path, const std::vector<TiffKind>& pages);
-
-#endif

@@ -18,19 +18,19 @@ kv::Planes uniform_planes(double degrees, double dolp, std::uint16_t output_max,
   return planes;
 }
 
-void expect_color(const std::uint8_t* pixel, const kv::Color& expected, const std::string& what) {
+void expect_colour(const std::uint8_t* pixel, const kv::Colour& expected, const std::string& what) {
   for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(pixel[i], expected[i], 1) << what << ", " << i;
 }
 
 TEST(AnglePicture, GoesOnceRoundTheHuesIn180Degrees) {
-  const std::pair<double, kv::Color> cases[] = {
+  const std::pair<double, kv::Colour> cases[] = {
       {0, {255, 0, 0}},    {30, {255, 255, 0}},  {45, {128, 255, 0}},  {60, {0, 255, 0}},
       {90, {0, 255, 255}}, {-90, {0, 255, 255}}, {-45, {128, 0, 255}}, {-60, {0, 0, 255}},
   };
   for (const std::uint16_t output_max : {std::uint16_t{65535}, std::uint16_t{4095}}) {
-    for (const auto& [degrees, color] : cases) {
+    for (const auto& [degrees, colour] : cases) {
       auto picture = kv::angle_picture(uniform_planes(degrees, 1, output_max), output_max, 1);
-      expect_color(picture.pixel(3, 5), color, std::to_string(degrees) + " degrees");
+      expect_colour(picture.pixel(3, 5), colour, std::to_string(degrees) + " degrees");
     }
   }
 }
@@ -52,13 +52,13 @@ TEST(AnglePicture, HasALegendWhoseColorsAreThoseOfThePicture) {
   ASSERT_EQ(picture.width, side + kv::angle_legend_width(side));
   ASSERT_GT(picture.width, side);
   // The yellow-green of 45 degrees stands in the panel, right of and above the place of 225.
-  const kv::Color color = {picture.bytes[0], picture.bytes[1], picture.bytes[2]};
+  const kv::Colour colour = {picture.bytes[0], picture.bytes[1], picture.bytes[2]};
   int rightmost = 0;
   int leftmost = picture.width;
   for (int row = 0; row < side; ++row) {
     for (int column = side; column < picture.width; ++column) {
       const std::uint8_t* pixel = picture.pixel(column, row);
-      if (std::abs(pixel[0] - color[0]) < 8 && pixel[1] > 245 && pixel[2] < 8) {
+      if (std::abs(pixel[0] - colour[0]) < 8 && pixel[1] > 245 && pixel[2] < 8) {
         rightmost = std::max(rightmost, column);
         leftmost = std::min(leftmost, column);
       }

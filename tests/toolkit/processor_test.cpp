@@ -122,7 +122,7 @@ TEST(Processor, ComputesOnlyWhatIsAskedForAndAlwaysTheSame) {
   kv::Planes all;
   processor.transform(frame, settings, all);
   kv::Planes one;
-  for (std::size_t i = 0; i < kv::plane_count; ++i) {
+  for (std::size_t i = 0; i < kv::kPlaneCount; ++i) {
     const auto plane = static_cast<kv::Plane>(i);
     settings.planes = {};
     settings.planes.add(plane);
@@ -132,7 +132,7 @@ TEST(Processor, ComputesOnlyWhatIsAskedForAndAlwaysTheSame) {
     if (plane == kv::Plane::normalized_stokes) {
       EXPECT_EQ(one.normalized_stokes, all.normalized_stokes);
     } else {
-      EXPECT_EQ(one.quantized(plane), all.quantized(plane)) << kv::name_of(plane);
+      EXPECT_EQ(one.quantised(plane), all.quantised(plane)) << kv::name_of(plane);
     }
   }
 }

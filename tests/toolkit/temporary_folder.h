@@ -1,5 +1,4 @@
-#ifndef KV_TESTS_TOOLKIT_TEMPORARY_FOLDER_H
-#define KV_TESTS_TOOLKIT_TEMPORARY_FOLDER_H
+#pragma once
 
 #include <algorithm>
 #include <filesystem>
@@ -48,5 +47,3 @@ inline std::string content_of(const std::filesystem::path& path) {
 inline void write_content(const std::filesystem::path& path, const std::string& content) {
   std::ofstream(path, std::ios::binary) << content;
 }
-
-#endif

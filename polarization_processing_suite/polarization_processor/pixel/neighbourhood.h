@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "pixel/plane_frame.h"
+#include "polarization_processor/pixel/plane_frame.h"
 
 namespace kv {
 

@@ -2,14 +2,14 @@
 
 #include <cstdint>
 
-#include "coefficient_set.h"
-#include "pixel/neighbourhood.h"
-#include "pixel/output_encoding.h"
-#include "pixel/output_set.h"
-#include "pixel/plane_frame.h"
-#include "pixel/polarization.h"
-#include "pixel/stokes_estimate.h"
-#include "transform_request.h"
+#include "polarization_processor/pixel/neighbourhood.h"
+#include "polarization_processor/pixel/output_encoding.h"
+#include "polarization_processor/pixel/output_set.h"
+#include "polarization_processor/pixel/plane_frame.h"
+#include "polarization_processor/pixel/polarization.h"
+#include "polarization_processor/pixel/stokes_estimate.h"
+#include "polarization_processor/records/coefficient_set.h"
+#include "polarization_processor/records/transform_request.h"
 
 namespace kv {
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "transform_request.h"
+#include "polarization_processor/records/transform_request.h"
 
 namespace kv {
 

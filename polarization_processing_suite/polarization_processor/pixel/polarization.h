@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstdint>
 
-#include "pixel/polarization_constants.h"
+#include "polarization_processor/pixel/polarization_constants.h"
 
 namespace kv {
 

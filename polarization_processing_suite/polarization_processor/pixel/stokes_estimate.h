@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "pixel/neighbourhood.h"
+#include "polarization_processor/pixel/neighbourhood.h"
 
 namespace kv {
 

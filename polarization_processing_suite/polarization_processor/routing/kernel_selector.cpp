@@ -1,6 +1,6 @@
-#include "routing/kernel_selector.h"
+#include "polarization_processor/routing/kernel_selector.h"
 
-#include "traversal/frame_kernels.h"
+#include "polarization_processor/traversal/frame_kernels.h"
 
 namespace kv {
 

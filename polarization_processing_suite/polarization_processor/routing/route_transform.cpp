@@ -1,6 +1,6 @@
-#include "routing/route_transform.h"
+#include "polarization_processor/routing/route_transform.h"
 
-#include "routing/kernel_selector.h"
+#include "polarization_processor/routing/kernel_selector.h"
 
 namespace kv {
 namespace {

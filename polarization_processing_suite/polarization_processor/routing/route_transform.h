@@ -1,7 +1,7 @@
 #pragma once
 
-#include "processor_instance.h"
-#include "transform_request.h"
+#include "polarization_processor/processor_instance.h"
+#include "polarization_processor/records/transform_request.h"
 
 namespace kv {
 

@@ -1,4 +1,4 @@
-#include "routing/vector_backend.h"
+#include "polarization_processor/routing/vector_backend.h"
 
 #include <string>
 

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "coefficient_set.h"
 #include "platform/optional_library.h"
-#include "transform_request.h"
+#include "polarization_processor/records/coefficient_set.h"
+#include "polarization_processor/records/transform_request.h"
 
 struct PolarizationProcessor;
 

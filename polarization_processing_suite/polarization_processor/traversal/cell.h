@@ -6,11 +6,11 @@
 #include <cstdint>
 #include <cstring>
 
-#include "pixel/output_set.h"
-#include "pixel/stokes_estimate.h"
-#include "traversal/weighed_frame.h"
-#include "vector/block_formulas.h"
-#include "vector/float4.h"
+#include "polarization_processor/pixel/output_set.h"
+#include "polarization_processor/pixel/stokes_estimate.h"
+#include "polarization_processor/traversal/weighed_frame.h"
+#include "polarization_processor/vector/block_formulas.h"
+#include "polarization_processor/vector/float4.h"
 
 // Four pixels of a mosaic cell at a time, lane by lane what pixel_function computes, to the same
 // bits and with any weights. In an unnamed namespace for the reason told in float4.h.

@@ -1,9 +1,9 @@
-#include "traversal/frame_kernels.h"
+#include "polarization_processor/traversal/frame_kernels.h"
 
 #include <array>
 #include <utility>
 
-#include "traversal/frame_walk.h"
+#include "polarization_processor/traversal/frame_walk.h"
 
 namespace kv {
 namespace {

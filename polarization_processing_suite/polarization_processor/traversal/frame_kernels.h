@@ -1,8 +1,8 @@
 #pragma once
 
-#include "coefficient_set.h"
-#include "transform_request.h"
-#include "traversal/kernel_axes.h"
+#include "polarization_processor/records/coefficient_set.h"
+#include "polarization_processor/records/transform_request.h"
+#include "polarization_processor/traversal/kernel_axes.h"
 
 namespace kv {
 

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "pixel/pixel_function.h"
-#include "traversal/weighed_frame.h"
+#include "polarization_processor/pixel/pixel_function.h"
+#include "polarization_processor/traversal/weighed_frame.h"
 
 namespace kv {
 

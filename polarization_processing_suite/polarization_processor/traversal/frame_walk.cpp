@@ -1,4 +1,4 @@
-#include "traversal/frame_walk.h"
+#include "polarization_processor/traversal/frame_walk.h"
 
 namespace kv {
 

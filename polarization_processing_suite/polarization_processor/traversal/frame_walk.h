@@ -1,6 +1,6 @@
 #pragma once
 
-#include "traversal/kernel_steps.h"
+#include "polarization_processor/traversal/kernel_steps.h"
 
 namespace kv {
 

@@ -1,4 +1,4 @@
-#include "traversal/kernel_axes.h"
+#include "polarization_processor/traversal/kernel_axes.h"
 
 namespace kv {
 

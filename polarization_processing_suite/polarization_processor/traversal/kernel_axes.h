@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "transform_request.h"
-#include "vector/block_axes.h"
+#include "polarization_processor/records/transform_request.h"
+#include "polarization_processor/vector/block_axes.h"
 
 namespace kv {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "traversal/kernel_axes.h"
+#include "polarization_processor/traversal/kernel_axes.h"
 
 namespace kv {
 

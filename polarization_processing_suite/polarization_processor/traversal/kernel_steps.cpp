@@ -1,4 +1,4 @@
-#include "traversal/kernel_steps.h"
+#include "polarization_processor/traversal/kernel_steps.h"
 
 #include <array>
 #include <cstddef>

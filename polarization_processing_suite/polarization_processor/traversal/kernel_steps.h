@@ -1,9 +1,9 @@
 #pragma once
 
-#include "traversal/kernel_axes.h"
-#include "traversal/last_rows_walker.h"
-#include "traversal/row_pair_end.h"
-#include "vector/blocks.h"
+#include "polarization_processor/traversal/kernel_axes.h"
+#include "polarization_processor/traversal/last_rows_walker.h"
+#include "polarization_processor/traversal/row_pair_end.h"
+#include "polarization_processor/vector/blocks.h"
 
 namespace kv {
 

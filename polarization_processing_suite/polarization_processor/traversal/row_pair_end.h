@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "traversal/cell.h"
-#include "traversal/frame_pixels.h"
+#include "polarization_processor/traversal/cell.h"
+#include "polarization_processor/traversal/frame_pixels.h"
 
 namespace kv {
 

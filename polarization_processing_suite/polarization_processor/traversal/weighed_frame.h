@@ -3,9 +3,9 @@
 #include <array>
 #include <cstddef>
 
-#include "coefficient_set.h"
-#include "pixel/plane_frame.h"
-#include "transform_request.h"
+#include "polarization_processor/pixel/plane_frame.h"
+#include "polarization_processor/records/coefficient_set.h"
+#include "polarization_processor/records/transform_request.h"
 
 namespace kv {
 

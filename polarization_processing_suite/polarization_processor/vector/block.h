@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <utility>
 
-#include "vector/block_formulas.h"
-#include "vector/blocks.h"
+#include "polarization_processor/vector/block_formulas.h"
+#include "polarization_processor/vector/blocks.h"
 
 namespace kv {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "pixel/output_set.h"
+#include "polarization_processor/pixel/output_set.h"
 
 namespace kv {
 

@@ -2,9 +2,9 @@
 
 #include <immintrin.h>
 
-#include "pixel/output_set.h"
-#include "pixel/polarization_constants.h"
-#include "transform_request.h"
+#include "polarization_processor/pixel/output_set.h"
+#include "polarization_processor/pixel/polarization_constants.h"
+#include "polarization_processor/records/transform_request.h"
 
 namespace kv {
 

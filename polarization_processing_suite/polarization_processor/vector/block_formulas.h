@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "pixel/output_set.h"
-#include "pixel/polarization_constants.h"
+#include "polarization_processor/pixel/output_set.h"
+#include "polarization_processor/pixel/polarization_constants.h"
 
 // The formulas of a block, lane by lane, for a vector type V. They follow those of a single pixel
 // step by step, but for the factor of S0, the scaling by a reciprocal and the last step of azimuth.

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "transform_request.h"
-#include "vector/block_axes.h"
-#include "vector/block_constants.h"
+#include "polarization_processor/records/transform_request.h"
+#include "polarization_processor/vector/block_axes.h"
+#include "polarization_processor/vector/block_constants.h"
 
 namespace kv {
 

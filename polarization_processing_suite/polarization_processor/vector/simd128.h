@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "vector/float4.h"
-#include "vector/wide_blocks.h"
+#include "polarization_processor/vector/float4.h"
+#include "polarization_processor/vector/wide_blocks.h"
 
 // SSE4.1. In an unnamed namespace for the reason told in float4.h.
 namespace kv {

@@ -1,7 +1,7 @@
 #include <utility>
 
-#include "vector/block.h"
-#include "vector/float4.h"
+#include "polarization_processor/vector/block.h"
+#include "polarization_processor/vector/float4.h"
 
 namespace kv {
 namespace {

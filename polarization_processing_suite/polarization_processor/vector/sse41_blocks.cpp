@@ -1,8 +1,8 @@
 #include <utility>
 
-#include "vector/block.h"
-#include "vector/flatten.h"
-#include "vector/simd128.h"
+#include "polarization_processor/vector/block.h"
+#include "polarization_processor/vector/flatten.h"
+#include "polarization_processor/vector/simd128.h"
 
 namespace kv {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "vector/blocks.h"
-#include "vector/prefetch.h"
-#include "vector/wide_formulas.h"
+#include "polarization_processor/vector/blocks.h"
+#include "polarization_processor/vector/prefetch.h"
+#include "polarization_processor/vector/wide_formulas.h"
 
 namespace kv {
 

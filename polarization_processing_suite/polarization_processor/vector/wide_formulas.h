@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vector/block_formulas.h"
+#include "polarization_processor/vector/block_formulas.h"
 
 // The formulas of several blocks at a time, to the same bits as those of one block. What is saved
 // rests on the values that can occur: S1 and S2 are differences of 16-bit samples, converted from

@@ -1,15 +1,15 @@
-#include "frame_reader.h"
+#include "toolkit/image_files/frame_reader.h"
 
 #include <array>
 #include <string>
 #include <string_view>
 
-#include "../error.h"
-#include "input_file.h"
-#include "pgm_file.h"
-#include "png_file.h"
-#include "raw_file.h"
-#include "tiff_file.h"
+#include "toolkit/error.h"
+#include "toolkit/image_files/input_file.h"
+#include "toolkit/image_files/pgm_file.h"
+#include "toolkit/image_files/png_file.h"
+#include "toolkit/image_files/raw_file.h"
+#include "toolkit/image_files/tiff_file.h"
 
 namespace kv {
 namespace {

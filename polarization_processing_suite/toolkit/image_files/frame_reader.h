@@ -1,12 +1,11 @@
-#ifndef KV_TOOLKIT_IMAGE_FILES_FRAME_READER_H
-#define KV_TOOLKIT_IMAGE_FILES_FRAME_READER_H
+#pragma once
 
 #include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <optional>
 
-#include "../frame.h"
+#include "toolkit/frame.h"
 
 namespace kv {
 
@@ -32,5 +31,3 @@ std::unique_ptr<FrameReader> open_frames(const std::filesystem::path& path,
                                          const std::optional<RawShape>& raw_shape);
 
 }  // namespace kv
-
-#endif

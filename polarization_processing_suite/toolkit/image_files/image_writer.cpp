@@ -1,13 +1,13 @@
-#include "image_writer.h"
+#include "toolkit/image_files/image_writer.h"
 
 #include <algorithm>
 #include <cctype>
 
-#include "../error.h"
-#include "pgm_file.h"
-#include "png_file.h"
-#include "raw_file.h"
-#include "tiff_file.h"
+#include "toolkit/error.h"
+#include "toolkit/image_files/pgm_file.h"
+#include "toolkit/image_files/png_file.h"
+#include "toolkit/image_files/raw_file.h"
+#include "toolkit/image_files/tiff_file.h"
 
 namespace kv {
 namespace {

@@ -1,5 +1,4 @@
-#ifndef KV_TOOLKIT_IMAGE_FILES_IMAGE_WRITER_H
-#define KV_TOOLKIT_IMAGE_FILES_IMAGE_WRITER_H
+#pragma once
 
 #include <cstdint>
 #include <filesystem>
@@ -9,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "../pictures/picture.h"
-#include "pending_file.h"
+#include "toolkit/image_files/pending_file.h"
+#include "toolkit/pictures/picture.h"
 
 namespace kv {
 
@@ -47,5 +46,3 @@ void write_picture(PendingFile& file, const Picture& picture);
 std::string picture_extension();
 
 }  // namespace kv
-
-#endif

@@ -1,10 +1,10 @@
-#include "input_file.h"
+#include "toolkit/image_files/input_file.h"
 
 #include <cerrno>
 #include <string>
 #include <system_error>
 
-#include "../error.h"
+#include "toolkit/error.h"
 
 namespace kv {
 

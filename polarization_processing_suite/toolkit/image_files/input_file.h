@@ -1,5 +1,4 @@
-#ifndef KV_TOOLKIT_IMAGE_FILES_INPUT_FILE_H
-#define KV_TOOLKIT_IMAGE_FILES_INPUT_FILE_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -29,5 +28,3 @@ class InputFile {
 };
 
 }  // namespace kv
-
-#endif

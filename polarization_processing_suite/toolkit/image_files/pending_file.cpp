@@ -1,4 +1,4 @@
-#include "pending_file.h"
+#include "toolkit/image_files/pending_file.h"
 
 #include <array>
 #include <cerrno>
@@ -7,7 +7,8 @@
 #include <system_error>
 #include <utility>
 
-#include "../error.h"
+#include "platform/files.h"
+#include "toolkit/error.h"
 
 namespace kv {
 namespace {
@@ -18,14 +19,6 @@ std::filesystem::path temporary_beside(const std::filesystem::path& target) {
   std::filesystem::path name = target.filename();
   name += "." + std::to_string(entropy()) + ".partial";
   return target.parent_path() / name;
-}
-
-std::FILE* open_for_writing(const std::filesystem::path& path) {
-#if defined(_WIN32)
-  return _wfopen(path.c_str(), L"w+b");
-#else
-  return std::fopen(path.c_str(), "w+b");
-#endif
 }
 
 [[noreturn]] void fail_to_write(const std::filesystem::path& target, std::error_code reason) {
@@ -39,7 +32,7 @@ std::FILE* open_for_writing(const std::filesystem::path& path) {
 PendingFile::PendingFile(std::filesystem::path target)
     : target_(std::move(target)), temporary_(temporary_beside(target_)) {
   errno = 0;
-  stream_.reset(open_for_writing(temporary_));
+  stream_.reset(platform::open_for_writing(temporary_));
   if (!stream_) fail();
 }
 

@@ -1,5 +1,4 @@
-#ifndef KV_TOOLKIT_IMAGE_FILES_PENDING_FILE_H
-#define KV_TOOLKIT_IMAGE_FILES_PENDING_FILE_H
+#pragma once
 
 #include <cstddef>
 #include <cstdio>
@@ -45,5 +44,3 @@ class PendingFile {
 };
 
 }  // namespace kv
-
-#endif

@@ -1,4 +1,4 @@
-#include "pgm_file.h"
+#include "toolkit/image_files/pgm_file.h"
 
 #include <bit>
 #include <cctype>
@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "../error.h"
-#include "sample_bytes.h"
+#include "toolkit/error.h"
+#include "toolkit/image_files/sample_bytes.h"
 
 namespace kv {
 namespace {

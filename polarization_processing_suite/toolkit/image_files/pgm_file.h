@@ -1,13 +1,12 @@
-#ifndef KV_TOOLKIT_IMAGE_FILES_PGM_FILE_H
-#define KV_TOOLKIT_IMAGE_FILES_PGM_FILE_H
+#pragma once
 
 #include <memory>
 
-#include "../pictures/picture.h"
-#include "frame_reader.h"
-#include "image_writer.h"
-#include "input_file.h"
-#include "pending_file.h"
+#include "toolkit/image_files/frame_reader.h"
+#include "toolkit/image_files/image_writer.h"
+#include "toolkit/image_files/input_file.h"
+#include "toolkit/image_files/pending_file.h"
+#include "toolkit/pictures/picture.h"
 
 namespace kv {
 
@@ -20,5 +19,3 @@ void write_pgm(PendingFile& file, const GreyImage& image);
 void write_netpbm(PendingFile& file, const Picture& picture);
 
 }  // namespace kv
-
-#endif

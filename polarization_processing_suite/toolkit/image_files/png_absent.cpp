@@ -1,6 +1,6 @@
 // Stands in for png_file.cpp in builds without libpng.
-#include "../error.h"
-#include "png_file.h"
+#include "toolkit/error.h"
+#include "toolkit/image_files/png_file.h"
 
 namespace kv {
 namespace {

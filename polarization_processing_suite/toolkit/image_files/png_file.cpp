@@ -1,4 +1,4 @@
-#include "png_file.h"
+#include "toolkit/image_files/png_file.h"
 
 #include <png.h>
 #include <zlib.h>
@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "../error.h"
-#include "sample_bytes.h"
+#include "toolkit/error.h"
+#include "toolkit/image_files/sample_bytes.h"
 
 namespace kv {
 namespace {

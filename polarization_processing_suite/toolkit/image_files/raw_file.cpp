@@ -1,11 +1,11 @@
-#include "raw_file.h"
+#include "toolkit/image_files/raw_file.h"
 
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "../error.h"
-#include "sample_bytes.h"
+#include "toolkit/error.h"
+#include "toolkit/image_files/sample_bytes.h"
 
 namespace kv {
 namespace {

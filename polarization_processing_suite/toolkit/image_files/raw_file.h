@@ -1,12 +1,11 @@
-#ifndef KV_TOOLKIT_IMAGE_FILES_RAW_FILE_H
-#define KV_TOOLKIT_IMAGE_FILES_RAW_FILE_H
+#pragma once
 
 #include <memory>
 
-#include "frame_reader.h"
-#include "image_writer.h"
-#include "input_file.h"
-#include "pending_file.h"
+#include "toolkit/image_files/frame_reader.h"
+#include "toolkit/image_files/image_writer.h"
+#include "toolkit/image_files/input_file.h"
+#include "toolkit/image_files/pending_file.h"
 
 namespace kv {
 
@@ -17,5 +16,3 @@ std::unique_ptr<FrameReader> open_raw(InputFile file, const RawShape& shape);
 void write_raw(PendingFile& file, const GreyImage& image);
 
 }  // namespace kv
-
-#endif

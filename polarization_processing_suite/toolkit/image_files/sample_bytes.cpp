@@ -1,4 +1,4 @@
-#include "sample_bytes.h"
+#include "toolkit/image_files/sample_bytes.h"
 
 #include <algorithm>
 

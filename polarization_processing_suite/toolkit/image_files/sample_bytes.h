@@ -1,5 +1,4 @@
-#ifndef KV_TOOLKIT_IMAGE_FILES_SAMPLE_BYTES_H
-#define KV_TOOLKIT_IMAGE_FILES_SAMPLE_BYTES_H
+#pragma once
 
 #include <cstdint>
 #include <span>
@@ -17,5 +16,3 @@ std::vector<std::uint8_t> bytes_from_samples(std::span<const std::uint16_t> samp
                                              ByteOrder order);
 
 }  // namespace kv
-
-#endif

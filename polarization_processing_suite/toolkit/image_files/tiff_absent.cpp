@@ -1,6 +1,6 @@
 // Stands in for tiff_file.cpp in builds without libtiff.
-#include "../error.h"
-#include "tiff_file.h"
+#include "toolkit/error.h"
+#include "toolkit/image_files/tiff_file.h"
 
 namespace kv {
 namespace {

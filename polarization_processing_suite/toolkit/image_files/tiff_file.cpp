@@ -1,4 +1,4 @@
-#include "tiff_file.h"
+#include "toolkit/image_files/tiff_file.h"
 
 #include <algorithm>
 #include <bit>
@@ -6,14 +6,14 @@
 #include <utility>
 #include <vector>
 
-#include "../error.h"
-#include "tiff_stream.h"
+#include "toolkit/error.h"
+#include "toolkit/image_files/tiff_stream.h"
 
 namespace kv {
 namespace {
 
 // Photometric interpretation of sensor mosaics (TIFF/EP), which libtiff names only in part.
-constexpr std::uint16_t photometric_color_filter_array = 32803;
+constexpr std::uint16_t kPhotometricColourFilterArray = 32803;
 
 [[noreturn]] void fail_as_damaged() {
   throw Error("the TIFF is damaged or truncated (" + last_tiff_message() +
@@ -44,7 +44,7 @@ void check_is_raw_frame(TIFF* tiff) {
   if (bits != 8 && bits != 16) {
     throw Error("the TIFF page has " + std::to_string(bits) + " bits a sample" + wanted);
   }
-  if (photometric != PHOTOMETRIC_MINISBLACK && photometric != photometric_color_filter_array) {
+  if (photometric != PHOTOMETRIC_MINISBLACK && photometric != kPhotometricColourFilterArray) {
     throw Error("the TIFF page is no plain grey image" + wanted);
   }
 }

@@ -1,13 +1,12 @@
-#ifndef KV_TOOLKIT_IMAGE_FILES_TIFF_FILE_H
-#define KV_TOOLKIT_IMAGE_FILES_TIFF_FILE_H
+#pragma once
 
 #include <memory>
 #include <span>
 
-#include "frame_reader.h"
-#include "image_writer.h"
-#include "input_file.h"
-#include "pending_file.h"
+#include "toolkit/image_files/frame_reader.h"
+#include "toolkit/image_files/image_writer.h"
+#include "toolkit/image_files/input_file.h"
+#include "toolkit/image_files/pending_file.h"
 
 namespace kv {
 
@@ -24,5 +23,3 @@ void write_tiff(PendingFile& file, const GreyImage& image);
 void write_tiff(PendingFile& file, int width, int height, std::span<const float> pairs);
 
 }  // namespace kv
-
-#endif

@@ -1,6 +1,6 @@
 // Lets libtiff read and write through the project's own files, so that paths, sizes and failures
 // are treated alike in all formats.
-#include "tiff_stream.h"
+#include "toolkit/image_files/tiff_stream.h"
 
 #include <array>
 #include <cstdarg>

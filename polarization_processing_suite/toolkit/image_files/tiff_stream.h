@@ -1,13 +1,12 @@
-#ifndef KV_TOOLKIT_IMAGE_FILES_TIFF_STREAM_H
-#define KV_TOOLKIT_IMAGE_FILES_TIFF_STREAM_H
+#pragma once
 
 #include <tiffio.h>
 
 #include <memory>
 #include <string>
 
-#include "input_file.h"
-#include "pending_file.h"
+#include "toolkit/image_files/input_file.h"
+#include "toolkit/image_files/pending_file.h"
 
 namespace kv {
 
@@ -25,5 +24,3 @@ const std::string& last_tiff_message();
 void clear_tiff_message();
 
 }  // namespace kv
-
-#endif

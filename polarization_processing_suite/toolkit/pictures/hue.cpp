@@ -1,4 +1,4 @@
-#include "hue.h"
+#include "toolkit/pictures/hue.h"
 
 #include <algorithm>
 #include <cmath>

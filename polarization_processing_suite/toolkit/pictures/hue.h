@@ -1,5 +1,4 @@
-#ifndef KV_TOOLKIT_PICTURES_HUE_H
-#define KV_TOOLKIT_PICTURES_HUE_H
+#pragma once
 
 #include <array>
 
@@ -10,5 +9,3 @@ namespace kv {
 std::array<float, 3> hue_of_angle(double degrees);
 
 }  // namespace kv
-
-#endif

@@ -1,4 +1,4 @@
-#include "legend.h"
+#include "toolkit/pictures/legend.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,23 +6,23 @@
 #include <numbers>
 #include <string>
 
-#include "glyphs.h"
-#include "hue.h"
+#include "toolkit/pictures/glyphs.h"
+#include "toolkit/pictures/hue.h"
 
 namespace kv {
 namespace {
 
-constexpr Color panel_color = {32, 32, 32};
-constexpr Color text_color = {230, 230, 230};
+constexpr Colour kPanelColour = {32, 32, 32};
+constexpr Colour kTextColour = {230, 230, 230};
 
 /// Letters of one dot a pixel need a wheel of this panel width to stand around.
-constexpr int least_panel_width = 96;
+constexpr int kLeastPanelWidth = 96;
 
-constexpr int text_scale(int panel_width) { return panel_width / least_panel_width; }
+constexpr int text_scale(int panel_width) { return panel_width / kLeastPanelWidth; }
 
 struct Wheel {
-  int center_column;
-  int center_row;
+  int centre_column;
+  int centre_row;
   int radius;
 };
 
@@ -37,7 +37,7 @@ void draw_wheel_pixel(Picture& picture, const Wheel& wheel, int right, int up) {
   if (coverage == 0.0) return;
   const auto hue = hue_of_angle(std::atan2(up, right) * 180.0 / std::numbers::pi);
   const double value = 255.0 * std::min(distance / wheel.radius, 1.0);
-  std::uint8_t* pixel = picture.pixel(wheel.center_column + right, wheel.center_row - up);
+  std::uint8_t* pixel = picture.pixel(wheel.centre_column + right, wheel.centre_row - up);
   for (std::size_t i = 0; i < 3; ++i) pixel[i] = blend(pixel[i], hue[i] * value, coverage);
 }
 
@@ -55,10 +55,11 @@ void draw_angle_label(Picture& picture, const Wheel& wheel, int degrees, int sca
   // Far enough out for the half diagonal of the text in the direction at hand.
   const double reach = wheel.radius + 3.0 * scale +
                        std::abs(std::cos(angle)) * text_width(text, scale) / 2.0 +
-                       std::abs(std::sin(angle)) * glyph_height * scale / 2.0;
-  draw_text(
-      picture, text, wheel.center_column + static_cast<int>(std::lround(reach * std::cos(angle))),
-      wheel.center_row - static_cast<int>(std::lround(reach * std::sin(angle))), scale, text_color);
+                       std::abs(std::sin(angle)) * kGlyphHeight * scale / 2.0;
+  draw_text(picture, text,
+            wheel.centre_column + static_cast<int>(std::lround(reach * std::cos(angle))),
+            wheel.centre_row - static_cast<int>(std::lround(reach * std::sin(angle))), scale,
+            kTextColour);
 }
 
 std::string short_number(double value) {
@@ -71,13 +72,13 @@ std::string short_number(double value) {
 
 int angle_legend_width(int picture_height) {
   const int width = std::min(picture_height / 4, 600);
-  return width < least_panel_width ? 0 : width;
+  return width < kLeastPanelWidth ? 0 : width;
 }
 
 void draw_angle_legend(Picture& picture, int left, double dolp_white) {
   for (int row = 0; row < picture.height; ++row) {
     for (int column = left; column < picture.width; ++column) {
-      std::copy(panel_color.begin(), panel_color.end(), picture.pixel(column, row));
+      std::copy(kPanelColour.begin(), kPanelColour.end(), picture.pixel(column, row));
     }
   }
   const int panel_width = picture.width - left;
@@ -86,8 +87,8 @@ void draw_angle_legend(Picture& picture, int left, double dolp_white) {
                        panel_width * 5 / 16};
   draw_wheel(picture, wheel);
   for (const int degrees : {0, 45, 90, 135}) draw_angle_label(picture, wheel, degrees, scale);
-  draw_text(picture, "DoLP 0-" + short_number(dolp_white), wheel.center_column,
-            picture.height - panel_width / 4, scale, text_color);
+  draw_text(picture, "DoLP 0-" + short_number(dolp_white), wheel.centre_column,
+            picture.height - panel_width / 4, scale, kTextColour);
 }
 
 }  // namespace kv

@@ -1,7 +1,6 @@
-#ifndef KV_TOOLKIT_PICTURES_LEGEND_H
-#define KV_TOOLKIT_PICTURES_LEGEND_H
+#pragma once
 
-#include "picture.h"
+#include "toolkit/pictures/picture.h"
 
 namespace kv {
 
@@ -13,5 +12,3 @@ int angle_legend_width(int picture_height);
 void draw_angle_legend(Picture& picture, int left, double dolp_white);
 
 }  // namespace kv
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef KV_TOOLKIT_PICTURES_PICTURE_H
-#define KV_TOOLKIT_PICTURES_PICTURE_H
+#pragma once
 
 #include <array>
 #include <cstddef>
@@ -8,7 +7,7 @@
 
 namespace kv {
 
-using Color = std::array<std::uint8_t, 3>;  ///< red, green, blue as displays take them
+using Colour = std::array<std::uint8_t, 3>;  ///< red, green, blue as displays take them
 
 /// An image to look at, grey or in colour.
 struct Picture {
@@ -34,5 +33,3 @@ struct Picture {
 };
 
 }  // namespace kv
-
-#endif

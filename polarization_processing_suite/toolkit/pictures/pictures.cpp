@@ -1,11 +1,11 @@
-#include "pictures.h"
+#include "toolkit/pictures/pictures.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 
-#include "hue.h"
-#include "legend.h"
+#include "toolkit/pictures/hue.h"
+#include "toolkit/pictures/legend.h"
 
 namespace kv {
 namespace {
@@ -71,8 +71,8 @@ Picture grey_picture(int width, int height, const std::vector<std::uint16_t>& va
 }
 
 /// The full colour of every value of the azimuth plane, 0 to output_max being -90 to +90 degrees.
-std::vector<Color> color_table(std::uint16_t output_max) {
-  std::vector<Color> table(std::size_t{output_max} + 1);
+std::vector<Colour> colour_table(std::uint16_t output_max) {
+  std::vector<Colour> table(std::size_t{output_max} + 1);
   for (std::size_t i = 0; i < table.size(); ++i) {
     const auto hue = hue_of_angle(static_cast<double>(i) * 180.0 / output_max - 90.0);
     std::transform(hue.begin(), hue.end(), table[i].begin(), to_byte);
@@ -95,7 +95,7 @@ Picture dolp_picture(const Planes& planes, std::uint16_t output_max, double dolp
 }
 
 Picture angle_picture(const Planes& planes, std::uint16_t output_max, double dolp_white) {
-  const std::vector<Color> colors = color_table(output_max);
+  const std::vector<Colour> colours = colour_table(output_max);
   const std::vector<std::uint8_t> values = dolp_table(output_max, dolp_white);
   const int legend_width = angle_legend_width(planes.height);
   Picture picture(planes.width + legend_width, planes.height, 3);
@@ -104,10 +104,10 @@ Picture angle_picture(const Planes& planes, std::uint16_t output_max, double dol
   for (int row = 0; row < planes.height; ++row) {
     std::uint8_t* out = picture.pixel(0, row);
     for (int column = 0; column < planes.width; ++column, ++azimuth, ++dolp, out += 3) {
-      const Color& color = colors[*azimuth];
+      const Colour& colour = colours[*azimuth];
       const unsigned value = values[*dolp];
       for (std::size_t i = 0; i < 3; ++i) {
-        out[i] = static_cast<std::uint8_t>((color[i] * value + 127) / 255);
+        out[i] = static_cast<std::uint8_t>((colour[i] * value + 127) / 255);
       }
     }
   }

@@ -1,9 +1,8 @@
-#ifndef KV_TOOLKIT_PICTURES_PICTURES_H
-#define KV_TOOLKIT_PICTURES_PICTURES_H
+#pragma once
 
-#include "../frame.h"
-#include "../processor.h"
-#include "picture.h"
+#include "toolkit/frame.h"
+#include "toolkit/pictures/picture.h"
+#include "toolkit/processor.h"
 
 namespace kv {
 
@@ -22,5 +21,3 @@ Picture dolp_picture(const Planes& planes, std::uint16_t output_max, double dolp
 Picture angle_picture(const Planes& planes, std::uint16_t output_max, double dolp_white);
 
 }  // namespace kv
-
-#endif

@@ -1,4 +1,4 @@
-#include "light.h"
+#include "toolkit/scene/light.h"
 
 #include <cmath>
 #include <numbers>

@@ -1,7 +1,6 @@
-#ifndef KV_TOOLKIT_SCENE_LIGHT_H
-#define KV_TOOLKIT_SCENE_LIGHT_H
+#pragma once
 
-#include "vector3.h"
+#include "toolkit/scene/vector3.h"
 
 namespace kv {
 
@@ -65,5 +64,3 @@ class DielectricSurface {
 };
 
 }  // namespace kv
-
-#endif

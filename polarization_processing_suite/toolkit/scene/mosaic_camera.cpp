@@ -1,4 +1,4 @@
-#include "mosaic_camera.h"
+#include "toolkit/scene/mosaic_camera.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,8 +8,8 @@ namespace kv {
 namespace {
 
 // Typical of the sensors with 3.45 micrometre pixels that carry such mosaics.
-constexpr double full_well_electrons = 10500;
-constexpr double read_noise_electrons = 2.5;
+constexpr double kFullWellElectrons = 10500;
+constexpr double kReadNoiseElectrons = 2.5;
 
 /// The finalizer of splitmix64 (Steele, Lea and Flood, 2014): a random word for every counter. In
 /// place of the standard distributions, which differ between standard libraries.
@@ -78,13 +78,13 @@ Frame photograph(const Scene& scene, int width, int height, const CameraSettings
   for (int row = 0; row < height; ++row) {
     for (int column = 0; column < width; ++column, ++index) {
       const Polarizer& polarizer = cell[static_cast<std::size_t>(2 * (row % 2) + column % 2)];
-      double electrons = polarizer.pass(scene.at(column, row)) * full_well_electrons;
+      double electrons = polarizer.pass(scene.at(column, row)) * kFullWellElectrons;
       if (settings.noise) {
         // Shot noise has the variance of the signal itself.
-        const double variance = electrons + read_noise_electrons * read_noise_electrons;
+        const double variance = electrons + kReadNoiseElectrons * kReadNoiseElectrons;
         electrons += std::sqrt(variance) * random_normal(settings.seed, index);
       }
-      const double level = electrons / full_well_electrons * limit;
+      const double level = electrons / kFullWellElectrons * limit;
       frame.samples[index] = static_cast<std::uint16_t>(std::lround(std::clamp(level, 0.0, limit)));
     }
   }

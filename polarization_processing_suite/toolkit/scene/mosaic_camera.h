@@ -1,12 +1,11 @@
-#ifndef KV_TOOLKIT_SCENE_MOSAIC_CAMERA_H
-#define KV_TOOLKIT_SCENE_MOSAIC_CAMERA_H
+#pragma once
 
 #include <array>
 #include <cstdint>
 
-#include "../frame.h"
 #include "kevrinth_qrm_polarization_processor.h"
-#include "scene.h"
+#include "toolkit/frame.h"
+#include "toolkit/scene/scene.h"
 
 namespace kv {
 
@@ -24,5 +23,3 @@ std::array<int, 4> polarizer_angles(PolarPhase phase);
 Frame photograph(const Scene& scene, int width, int height, const CameraSettings& settings);
 
 }  // namespace kv
-
-#endif

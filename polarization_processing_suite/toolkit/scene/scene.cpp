@@ -1,4 +1,4 @@
-#include "scene.h"
+#include "toolkit/scene/scene.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,26 +9,26 @@ namespace kv {
 namespace {
 
 // Lengths are in metres: x to the right, y up, z towards the camera, the water at y = 0.
-constexpr double water_index = 1.333;
-constexpr double sphere_index = 1.5;
-constexpr Vector3 sphere_center = {0, 0.62, -0.9};
-constexpr double sphere_radius = 1.25;
-constexpr Vector3 camera = {0, 2.6, 6.2};
-constexpr double camera_pitch_degrees = -17;
-constexpr double half_field_of_view = 0.37;  // tangent, over the picture's height
+constexpr double kWaterIndex = 1.333;
+constexpr double kSphereIndex = 1.5;
+constexpr Vector3 kSphereCentre = {0, 0.62, -0.9};
+constexpr double kSphereRadius = 1.25;
+constexpr Vector3 kCamera = {0, 2.6, 6.2};
+constexpr double kCameraPitchDegrees = -17;
+constexpr double kHalfFieldOfView = 0.37;  // tangent, over the picture's height
 
 // From the left and a little from behind, so that the sky ahead is the strongly polarized band at
 // a right angle to the sun.
 const Vector3 to_sun = unit({-0.6, 0.6, 0.3});
 
 // Radiance of discs before their lamp, sky, light from within the water, and the sphere's surface.
-constexpr double disc_radiance = 0.7;
-constexpr double sky_radiance = 0.62;
-constexpr double water_radiance = 0.04;
-constexpr double sphere_radiance = 0.05;
+constexpr double kDiscRadiance = 0.7;
+constexpr double kSkyRadiance = 0.62;
+constexpr double kWaterRadiance = 0.04;
+constexpr double kSphereRadiance = 0.05;
 
 /// Reflections between sphere and water fade fast; a fourth one is lost in noise.
-constexpr int most_reflections = 3;
+constexpr int kMostReflections = 3;
 
 struct Ray {
   Vector3 origin;
@@ -43,16 +43,16 @@ Light sky_light(Vector3 direction) {
   const double dolp = 0.75 * sin2 / (1 + cos_sun * cos_sun);
   const double towards_horizon = std::pow(1 - std::clamp(direction.y, 0.0, 1.0), 4);
   const double radiance =
-      sky_radiance * (0.6 + 0.4 * towards_horizon) * (1 + 0.5 * cos_sun * cos_sun);
+      kSkyRadiance * (0.6 + 0.4 * towards_horizon) * (1 + 0.5 * cos_sun * cos_sun);
   if (sin2 < 1e-9) return Light::unpolarized(radiance, direction);
   return Light::polarized(radiance, dolp, -1 * direction, unit(cross(direction, to_sun)));
 }
 
 /// Distance along the ray to the sphere, if it meets it.
 std::optional<double> distance_to_sphere(const Ray& ray) {
-  const Vector3 offset = ray.origin - sphere_center;
+  const Vector3 offset = ray.origin - kSphereCentre;
   const double half_b = dot(offset, ray.direction);
-  const double c = dot(offset, offset) - sphere_radius * sphere_radius;
+  const double c = dot(offset, offset) - kSphereRadius * kSphereRadius;
   const double discriminant = half_b * half_b - c;
   if (discriminant < 0) return std::nullopt;
   const double distance = -half_b - std::sqrt(discriminant);
@@ -69,7 +69,7 @@ std::optional<double> distance_to_water(const Ray& ray) {
 
 /// Three trains of small waves, flattened far away, where pixels could not resolve them.
 Vector3 water_normal(Vector3 place) {
-  const double far = place.z < camera.z ? (camera.z - place.z) / 9 : 0;
+  const double far = place.z < kCamera.z ? (kCamera.z - place.z) / 9 : 0;
   const double slope = 0.022 / (1 + far * far * far);
   const double a = slope * std::sin(5.1 * place.x + 8.3 * place.z);
   const double b = slope * std::sin(-3.7 * place.x + 11.9 * place.z + 1.0);
@@ -95,17 +95,17 @@ Light light_along(const Ray& ray, int reflections_left) {
   const std::optional<double> to_sphere = distance_to_sphere(ray);
   if (to_sphere && (!to_water || *to_sphere < *to_water)) {
     const Vector3 place = ray.origin + *to_sphere * ray.direction;
-    const Vector3 normal = unit(place - sphere_center);
+    const Vector3 normal = unit(place - kSphereCentre);
     // Sunlight by Lambert's law, and a part from all around.
-    const double within = sphere_radiance * (0.2 + 0.8 * std::max(0.0, dot(normal, to_sun)));
-    return light_of_surface(ray, *to_sphere, normal, sphere_index, within, reflections_left);
+    const double within = kSphereRadiance * (0.2 + 0.8 * std::max(0.0, dot(normal, to_sun)));
+    return light_of_surface(ray, *to_sphere, normal, kSphereIndex, within, reflections_left);
   }
   if (to_water) {
     const Vector3 place = ray.origin + *to_water * ray.direction;
     Vector3 normal = water_normal(place);
     // A wave seen from its back would be hidden by the one before it.
     if (dot(normal, ray.direction) > -1e-3) normal = {0, 1, 0};
-    return light_of_surface(ray, *to_water, normal, water_index, water_radiance, reflections_left);
+    return light_of_surface(ray, *to_water, normal, kWaterIndex, kWaterRadiance, reflections_left);
   }
   return sky_light(ray.direction);
 }
@@ -114,8 +114,8 @@ Light light_along(const Ray& ray, int reflections_left) {
 /// which makes a DoLP of (T1 - T2) / (T1 + T2) of the lamp's unpolarized light.
 Stokes disc_light(const FilmDisc& disc) {
   const double twice_angle = disc.angle_degrees * std::numbers::pi / 90.0;
-  const double length = disc_radiance * disc.dolp;
-  return {disc_radiance, length * std::cos(twice_angle), length * std::sin(twice_angle)};
+  const double length = kDiscRadiance * disc.dolp;
+  return {kDiscRadiance, length * std::cos(twice_angle), length * std::sin(twice_angle)};
 }
 
 std::array<FilmDisc, 4> make_discs(double width, double height) {
@@ -140,17 +140,17 @@ Stokes Scene::at(double column, double row) const {
     if (distance < disc.radius) return disc_light(disc);
     if (distance < 1.1 * disc.radius) return {0.01, 0, 0};  // the black rim
   }
-  const double pitch = camera_pitch_degrees * std::numbers::pi / 180.0;
+  const double pitch = kCameraPitchDegrees * std::numbers::pi / 180.0;
   const Vector3 ahead = {0, std::sin(pitch), -std::cos(pitch)};
   const Vector3 camera_right = {1, 0, 0};
   const Vector3 camera_up = cross(camera_right, ahead);
-  const double scale = 2 * half_field_of_view / height_;
+  const double scale = 2 * kHalfFieldOfView / height_;
   const Vector3 direction = unit(ahead + scale * (column + 0.5 - width_ / 2) * camera_right -
                                  scale * (row + 0.5 - height_ / 2) * camera_up);
   // The field of a slanted ray as the lens passes it on: across the ray, rows staying rows.
   const Vector3 right = unit(cross(direction, camera_up));
   const Vector3 up = cross(right, direction);
-  return light_along({camera, direction}, most_reflections).stokes(right, up);
+  return light_along({kCamera, direction}, kMostReflections).stokes(right, up);
 }
 
 }  // namespace kv

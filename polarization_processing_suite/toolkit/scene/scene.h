@@ -1,9 +1,8 @@
-#ifndef KV_TOOLKIT_SCENE_SCENE_H
-#define KV_TOOLKIT_SCENE_SCENE_H
+#pragma once
 
 #include <array>
 
-#include "light.h"
+#include "toolkit/scene/light.h"
 
 namespace kv {
 
@@ -35,5 +34,3 @@ class Scene {
 };
 
 }  // namespace kv
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef KV_TOOLKIT_SCENE_VECTOR3_H
-#define KV_TOOLKIT_SCENE_VECTOR3_H
+#pragma once
 
 #include <cmath>
 
@@ -21,5 +20,3 @@ constexpr Vector3 cross(Vector3 a, Vector3 b) {
 inline Vector3 unit(Vector3 a) { return (1.0 / std::sqrt(dot(a, a))) * a; }
 
 }  // namespace kv
-
-#endif

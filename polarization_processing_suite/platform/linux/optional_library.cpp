@@ -14,4 +14,10 @@ void* find_export(LibraryHandle library, const char* name) { return dlsym(librar
 
 void unload_library(LibraryHandle library) { dlclose(library); }
 
+bool is_loaded(const char* file_name) {
+  void* const library = dlopen(file_name, RTLD_NOW | RTLD_NOLOAD);
+  if (library != nullptr) dlclose(library);
+  return library != nullptr;
+}
+
 }  // namespace kv::platform

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace kv::logger {
+namespace kv::platform {
 
 std::filesystem::path own_folder() {
   static const wchar_t within_this_library = 0;
@@ -21,4 +21,4 @@ std::filesystem::path own_folder() {
   return std::filesystem::path(path).parent_path();
 }
 
-}  // namespace kv::logger
+}  // namespace kv::platform

@@ -14,4 +14,6 @@ void* find_export(LibraryHandle library, const char* name) {
 
 void unload_library(LibraryHandle library) { FreeLibrary(static_cast<HMODULE>(library)); }
 
+bool is_loaded(const char* file_name) { return GetModuleHandleA(file_name) != nullptr; }
+
 }  // namespace kv::platform

@@ -16,6 +16,9 @@ void* find_export(LibraryHandle library, const char* name);
 
 void unload_library(LibraryHandle library);
 
+/// Whether the process has loaded a library of that bare file name.
+bool is_loaded(const char* file_name);
+
 template <class Function>
 Function find_function(LibraryHandle library, const char* name) {
   return reinterpret_cast<Function>(find_export(library, name));

@@ -2,7 +2,7 @@
 
 #include <dlfcn.h>
 
-namespace kv::logger {
+namespace kv::platform {
 
 std::filesystem::path own_folder() {
   static const char within_this_library = 0;
@@ -11,4 +11,4 @@ std::filesystem::path own_folder() {
   return std::filesystem::path(info.dli_fname).parent_path();
 }
 
-}  // namespace kv::logger
+}  // namespace kv::platform
