@@ -20,7 +20,8 @@ using kv::bench::Path;
 using kv::bench::SampleFrame;
 using kv::bench::Transformer;
 
-constexpr OutputSet kIntensityAzimuthDolp{.intensity = true, .azimuth = true, .dolp = true};
+constexpr OutputSet kIntensityAzimuthDolp(kv::Plane::intensity, kv::Plane::azimuth,
+                                          kv::Plane::dolp);
 constexpr FrameSize kLargeFrame{2448, 2048};
 
 void probe(benchmark::State& state) {

@@ -8,12 +8,11 @@ namespace kv::bench {
 void copy_streams(const TransformRequest& request) {
   const std::size_t width = static_cast<std::size_t>(request.width);
   const std::size_t row_bytes = width * sizeof(std::uint16_t);
-  std::uint16_t* const planes[] = {request.intensity, request.stokes_s1, request.stokes_s2,
-                                   request.azimuth, request.dolp};
   for (std::size_t row = 0; row < static_cast<std::size_t>(request.height); ++row) {
     const std::uint16_t* const input = request.input + row * width;
-    for (std::uint16_t* const plane : planes) {
-      if (plane != nullptr) std::memcpy(plane + row * width, input, row_bytes);
+    for (const auto levels : kLevelPlanes) {
+      if (levels == nullptr || request.*levels == nullptr) continue;
+      std::memcpy(request.*levels + row * width, input, row_bytes);
     }
     if (request.normalized_stokes != nullptr) {
       // Two floats a pixel: four times the bytes of the input.

@@ -9,12 +9,14 @@
 #include "copy_limit.h"
 #include "opencv_baseline.h"
 #include "paired_timing.h"
+#include "polarization_processor/records/kernel_axes.h"
 #include "sample_frame.h"
 #include "transform_path.h"
 
 namespace {
 
 using kv::OutputSet;
+using kv::Plane;
 using kv::bench::FrameSize;
 using kv::bench::Path;
 
@@ -25,25 +27,19 @@ struct NamedOutputs {
   OutputSet outputs;
 };
 
-constexpr NamedOutputs kIntensityAzimuthDolp{"intensity+azimuth+dolp",
-                                             {.intensity = true, .azimuth = true, .dolp = true}};
+constexpr NamedOutputs kIntensityAzimuthDolp{
+    "intensity+azimuth+dolp", OutputSet(Plane::intensity, Plane::azimuth, Plane::dolp)};
 
 constexpr NamedOutputs kOutputs[] = {
-    {"intensity", {.intensity = true}},
-    {"stokes_s1", {.stokes_s1 = true}},
-    {"azimuth", {.azimuth = true}},
-    {"dolp", {.dolp = true}},
+    {"intensity", OutputSet(Plane::intensity)},
+    {"stokes_s1", OutputSet(Plane::stokes_s1)},
+    {"azimuth", OutputSet(Plane::azimuth)},
+    {"dolp", OutputSet(Plane::dolp)},
     kIntensityAzimuthDolp,
     {"five_planes",
-     {.intensity = true, .stokes_s1 = true, .stokes_s2 = true, .azimuth = true, .dolp = true}},
-    {"all_six",
-     {.normalized_stokes = true,
-      .intensity = true,
-      .stokes_s1 = true,
-      .stokes_s2 = true,
-      .azimuth = true,
-      .dolp = true}},
-    {"normalized_stokes", {.normalized_stokes = true}},
+     OutputSet(Plane::intensity, Plane::stokes_s1, Plane::stokes_s2, Plane::azimuth, Plane::dolp)},
+    {"all_six", OutputSet::all()},
+    {"normalized_stokes", OutputSet(Plane::normalized_stokes)},
 };
 
 void time_frames(benchmark::State& state, FrameSize size, OutputSet outputs, bool scaled,
@@ -76,7 +72,7 @@ void register_frames() {
   for (const FrameSize size : kSizes) {
     for (const bool scaled : {false, true}) {
       for (const auto& [name, outputs] : kOutputs) {
-        if (scaled && !outputs.has_linear_plane()) continue;
+        if (scaled && !kv::has_linear_plane(outputs)) continue;
         for (const Path path : kv::bench::kPaths) {
           register_frame(
               size.name() + "/" + name + (scaled ? "/scaled/" : "/unscaled/") + name_of(path),

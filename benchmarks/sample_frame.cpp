@@ -18,23 +18,31 @@ SampleFrame::SampleFrame(FrameSize size)
 
 TransformRequest SampleFrame::request(const OutputSet& outputs, bool scaled) {
   const std::uint16_t output_max = scaled ? 65535 : 4095;
-  const auto plane = [&](bool wanted, std::size_t number) {
-    return wanted ? planes_.data() + number * size_.pixels() : nullptr;
-  };
-  return {.height = size_.height,
-          .width = size_.width,
-          .polar_phase = 0,
-          .input = input_.data(),
-          .bit_depth = 12,
-          .input_max = 4095.0f,
-          .output_max = static_cast<float>(output_max),
-          .output_max_int = output_max,
-          .normalized_stokes = outputs.normalized_stokes ? normalized_stokes_.data() : nullptr,
-          .intensity = plane(outputs.intensity, 0),
-          .stokes_s1 = plane(outputs.stokes_s1, 1),
-          .stokes_s2 = plane(outputs.stokes_s2, 2),
-          .azimuth = plane(outputs.azimuth, 3),
-          .dolp = plane(outputs.dolp, 4)};
+  TransformRequest request{.height = size_.height,
+                           .width = size_.width,
+                           .polar_phase = 0,
+                           .input = input_.data(),
+                           .bit_depth = 12,
+                           .input_max = 4095.0f,
+                           .output_max = static_cast<float>(output_max),
+                           .output_max_int = output_max,
+                           .normalized_stokes = nullptr,
+                           .intensity = nullptr,
+                           .stokes_s1 = nullptr,
+                           .stokes_s2 = nullptr,
+                           .azimuth = nullptr,
+                           .dolp = nullptr};
+  std::uint16_t* levels = planes_.data();
+  for (const PlaneTraits& traits : kPlanes) {
+    if (!outputs.has(traits.plane)) continue;
+    if (traits.element == PlaneElement::float_pair) {
+      request.normalized_stokes = normalized_stokes_.data();
+    } else {
+      request.*kLevelPlanes[index_of(traits.plane)] = levels;
+      levels += size_.pixels();
+    }
+  }
+  return request;
 }
 
 }  // namespace kv::bench

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "polarization_processor/pixel/output_set.h"
+#include "planes/plane_list.h"
 #include "polarization_processor/records/transform_request.h"
 
 namespace kv::bench {

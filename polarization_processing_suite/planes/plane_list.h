@@ -88,7 +88,9 @@ struct OutputSet {
   }
   static constexpr OutputSet all() { return from_number((1u << kPlanes.size()) - 1); }
 
-  constexpr void add(Plane plane) { bits = static_cast<std::uint8_t>(bits | 1u << index_of(plane)); }
+  constexpr void add(Plane plane) {
+    bits = static_cast<std::uint8_t>(bits | 1u << index_of(plane));
+  }
   constexpr bool has(Plane plane) const { return (bits >> index_of(plane) & 1u) != 0; }
   constexpr bool empty() const { return bits == 0; }
   constexpr bool operator==(const OutputSet&) const = default;

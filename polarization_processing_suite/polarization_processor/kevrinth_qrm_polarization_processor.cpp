@@ -17,12 +17,20 @@ using kv::CoefficientSet;
 using kv::module_log_client;
 
 constexpr char kModuleName[] = "KEVRINTH_QRM_POLARIZATION_PROCESSOR";
+
+// Hosts look for these texts in their logs, letter by letter: the two blanks that the prefix makes
+// behind "ERROR:", "color" in the line of destroy, and the two spellings in those of create.
 constexpr char kErrorPrefix[] = "ERROR: ";
 constexpr char kNullHandle[] = "%s The specified polarization processor handle is NULL!";
 constexpr char kNullHandleToDestroy[] = "%s The specified color processor handle is NULL!";
+constexpr char kNoSse[] = "SSE is required for this component but is not supported on this CPU.";
+constexpr char kNoMemory[] =
+    "Memory allocation failure when trying to create a polar processor instance!";
+constexpr char kUnknownError[] =
+    "An unknown error occurred when trying to create a polar_processor instance!";
 
-/// This file as log lines name it, the same from every build: __FILE__ may hold a folder of the
-/// build machine, and its separators differ from platform to platform.
+/// This file as log lines name it, the same from every build, since hosts filter by it: __FILE__
+/// may hold a folder of the build machine, and its separators differ from platform to platform.
 constexpr char kSourcePath[] =
     R"(polarization_processing_suite\polarization_processor\kevrinth_qrm_polarization_processor.cpp)";
 
@@ -37,38 +45,6 @@ void log_error(int line, const char* function, const char* format, Arguments... 
                       arguments...);
 }
 
-/// What follows once the handle is known to be one: checks in their order, then the frame.
-ProcessorStatus transform_frame(const PolarizationProcessor& processor, PolarPhase polar_phase,
-                                const kv::CallBuffers& buffers, std::int32_t x_origin,
-                                std::int32_t y_origin, std::int32_t width, std::int32_t height,
-                                std::uint32_t bit_depth, std::uint16_t output_max) {
-  if (polar_phase >= 4) return kv_status_invalid_polar_phase;
-  if (const auto status = kv::check_buffers(buffers); status != kv_status_ok) return status;
-  if (const auto status = kv::check_frame(width, height, bit_depth, output_max);
-      status != kv_status_ok) {
-    return status;
-  }
-
-  const kv::TransformRequest request{
-      .height = height,
-      .width = width,
-      .polar_phase = kv::rotate_polar_phase(polar_phase, x_origin, y_origin),
-      .input = buffers.input,
-      .bit_depth = bit_depth,
-      .input_max = static_cast<float>((1 << bit_depth) - 1),
-      .output_max = static_cast<float>(output_max),
-      .output_max_int = output_max,
-      .normalized_stokes = buffers.normalized_stokes,
-      .intensity = buffers.intensity,
-      .stokes_s1 = buffers.stokes_s1,
-      .stokes_s2 = buffers.stokes_s2,
-      .azimuth = buffers.azimuth,
-      .dolp = buffers.dolp,
-  };
-  kv::route_transform(processor, request, kv::sse41_available());
-  return kv_status_ok;
-}
-
 void copy_set(float* to, const CoefficientSet& from) {
   if (to != nullptr) std::memcpy(to, &from, sizeof from);
 }
@@ -79,7 +55,8 @@ void copy_set(CoefficientSet& to, const float* from) {
 
 }  // namespace
 
-// An exception leaves the mutex locked: nothing can be said of the module's state after it.
+// An exception out of the log client leaves the mutex locked and the module uninitialised: a later
+// initialize or terminate waits for ever.
 ProcessorStatus kv_polarization_processor_module_initialize() {
   kv::module_mutex().lock();
   if (kv::module_ref_count == 0 && module_log_client == nullptr) {
@@ -105,20 +82,17 @@ ProcessorStatus kv_polarization_processor_create_polarization_processor(
     PolarizationProcessor** handle) {
   if (module_log_client == nullptr) return kv_status_not_initialized;
   if (!kv::sse_available()) {
-    log_error(__LINE__, __func__,
-              "SSE is required for this component but is not supported on this CPU.");
+    log_error(__LINE__, __func__, kNoSse);
     return kv_status_general_failure;
   }
   const kv::CpuTier tier = kv::cpu_tier_of(kv::read_cpu_registers());
   try {
     *handle = new PolarizationProcessor(tier);
   } catch (const std::bad_alloc&) {
-    log_error(__LINE__, __func__,
-              "Memory allocation failure when trying to create a polar processor instance!");
+    log_error(__LINE__, __func__, kNoMemory);
     return kv_status_out_of_memory;
   } catch (...) {
-    log_error(__LINE__, __func__,
-              "An unknown error occurred when trying to create a polar_processor instance!");
+    log_error(__LINE__, __func__, kUnknownError);
     return kv_status_general_failure;
   }
   return kv_status_ok;
@@ -148,9 +122,28 @@ ProcessorStatus kv_polarization_processor_transform(
     log_error(__LINE__, __func__, kNullHandle, kErrorPrefix);
     return kv_status_null_handle;
   }
-  return transform_frame(*handle, polar_phase,
-                         {input, normalized_stokes, intensity, stokes_s1, stokes_s2, azimuth, dolp},
-                         x_origin, y_origin, width, height, bit_depth, output_max);
+  kv::TransformRequest request{
+      .height = height,
+      .width = width,
+      .polar_phase = polar_phase,
+      .input = input,
+      .bit_depth = bit_depth,
+      .input_max = 0,
+      .output_max = static_cast<float>(output_max),
+      .output_max_int = output_max,
+      .normalized_stokes = normalized_stokes,
+      .intensity = intensity,
+      .stokes_s1 = stokes_s1,
+      .stokes_s2 = stokes_s2,
+      .azimuth = azimuth,
+      .dolp = dolp,
+  };
+  if (const auto status = kv::check_request(request); status != kv_status_ok) return status;
+  request.polar_phase = kv::rotate_polar_phase(polar_phase, x_origin, y_origin);
+  request.input_max = static_cast<float>((1 << bit_depth) - 1);
+  kv::route_transform(*handle, handle->backend(), handle->view_of(request.polar_phase), request,
+                      kv::sse41_available());
+  return kv_status_ok;
 }
 
 ProcessorStatus kv_polarization_processor_get_custom_calibration_coefficients(

@@ -36,3 +36,15 @@ PolarizationProcessor::PolarizationProcessor(kv::CpuTier tier)
     }
   }
 }
+
+const kv::PhaseView& PolarizationProcessor::view_of(std::int32_t polar_phase) const {
+  return phase_views[polar_phase >= 1 && polar_phase <= 3 ? static_cast<std::size_t>(polar_phase)
+                                                          : 0];
+}
+
+const kv::VectorBackend* PolarizationProcessor::backend() const {
+  const kv::VectorBackend* own = nullptr;
+  if (cpu_tier == kv::CpuTier::avx512) own = &avx512_backend;
+  if (cpu_tier == kv::CpuTier::avx2) own = &avx2_backend;
+  return own != nullptr && own->usable() ? own : nullptr;
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 
 #include "platform/cpu_features.h"
 #include "polarization_processor/records/coefficient_set.h"
@@ -12,6 +13,12 @@ struct PolarizationProcessor {
   explicit PolarizationProcessor(kv::CpuTier tier);
   PolarizationProcessor(const PolarizationProcessor&) = delete;
   PolarizationProcessor& operator=(const PolarizationProcessor&) = delete;
+
+  /// Every phase but 1, 2 and 3, a negative one included, is seen as phase 0.
+  const kv::PhaseView& view_of(std::int32_t polar_phase) const;
+
+  /// The module of the instance's own tier, null if it is not usable. There is no chain of tiers.
+  const kv::VectorBackend* backend() const;
 
   /// By the polarizer of the own pixel: 0, 45, 90, 135 degrees.
   std::array<kv::CoefficientSet, 4> coefficient_store;

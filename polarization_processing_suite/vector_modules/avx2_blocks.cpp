@@ -1,9 +1,9 @@
 #include "vector_modules/module_blocks.h"
+#include "vector_modules/module_form.h"
 #include "vector_modules/simd256.h"
-#include "vector_modules/wide_block_table.h"
 
 namespace kv {
 
-constinit const BlockTable kModuleBlocks = wide_table<Simd256>();
+constinit const BlockTable kModuleBlocks = block_table<ModuleForm<Simd256>>();
 
 }  // namespace kv

@@ -8,12 +8,9 @@ namespace kv {
 void module_transform(const TransformRequest& request, const PhaseView& view,
                       bool sse41_available) {
   const KernelAxes axes = kernel_axes_of(request, sse41_available);
-  KernelSteps steps = kernel_steps_of(axes);
   // The SSE2 form, with its own fourth column, is for processors that would not load this module;
   // its planes are right all the same.
-  if (axes.sse41)
-    steps.run_blocks = kModuleBlocks.by_variant[block_variant_index({axes.encoding, axes.phase})];
-  walk_frame(request, view, steps);
+  walk_frame(request, view, frame_kernel(axes, axes.sse41 ? kModuleBlocks : kSse2Blocks));
 }
 
 }  // namespace kv

@@ -6,7 +6,7 @@
 
 #include "every_path.h"
 #include "expected_frame.h"
-#include "polarization_processor/traversal/kernel_name.h"
+#include "kernel_name.h"
 #include "random_case.h"
 
 namespace kv::test {

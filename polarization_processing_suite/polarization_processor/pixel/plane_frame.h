@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "polarization_processor/records/transform_request.h"
@@ -21,25 +23,22 @@ using PlaneDescriptor = PlaneOf<std::uint16_t>;
 /// The frame and its 16-bit planes as the evaluation of one pixel sees them.
 struct PlaneFrame {
   InputDescriptor input;
-  PlaneDescriptor intensity;
-  PlaneDescriptor stokes_s1;
-  PlaneDescriptor stokes_s2;
-  PlaneDescriptor azimuth;
-  PlaneDescriptor dolp;
+  /// By place in the list of planes.
+  std::array<PlaneDescriptor, kPlanes.size()> levels;
 
   explicit PlaneFrame(const TransformRequest& request)
-      : input(plane_of(request, request.input)),
-        intensity(plane_of(request, request.intensity)),
-        stokes_s1(plane_of(request, request.stokes_s1)),
-        stokes_s2(plane_of(request, request.stokes_s2)),
-        azimuth(plane_of(request, request.azimuth)),
-        dolp(plane_of(request, request.dolp)) {}
+      : input{request.input, static_cast<std::uint64_t>(request.height),
+              static_cast<std::uint64_t>(request.width)} {
+    for (std::size_t index = 0; index < levels.size(); ++index) {
+      const auto plane = kLevelPlanes[index];
+      levels[index] = {plane == nullptr ? nullptr : request.*plane, input.height, input.width};
+    }
+  }
 
- private:
-  template <class Element>
-  static PlaneOf<Element> plane_of(const TransformRequest& request, Element* data) {
-    return {data, static_cast<std::uint64_t>(request.height),
-            static_cast<std::uint64_t>(request.width)};
+  template <Plane plane>
+  const PlaneDescriptor& level_plane() const {
+    static_assert(traits_of(plane).element == PlaneElement::level);
+    return levels[index_of(plane)];
   }
 };
 

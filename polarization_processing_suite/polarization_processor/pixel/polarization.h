@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "polarization_processor/pixel/polarization_constants.h"
+#include "polarization_processor/pixel/stokes.h"
 
 namespace kv {
 
@@ -61,9 +62,9 @@ inline float azimuth_value(float s1, float s2, float output_max) {
 }
 
 /// Degree of linear polarization in units of its plane, before the clamp.
-inline float dolp_value(float s0, float s1, float s2, float output_max) {
-  const float length = square_root(s1 * s1 + s2 * s2);
-  return where(s0 != 0.0f, length * approx_reciprocal(s0)) * output_max;
+inline float dolp_value(const Stokes<float>& stokes, float output_max) {
+  const float length = square_root(stokes.s1 * stokes.s1 + stokes.s2 * stokes.s2);
+  return where(stokes.s0 != 0.0f, length * approx_reciprocal(stokes.s0)) * output_max;
 }
 
 }  // namespace kv

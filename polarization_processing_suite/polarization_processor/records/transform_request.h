@@ -1,6 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+
+#include "planes/plane_list.h"
 
 namespace kv {
 
@@ -22,5 +25,20 @@ struct TransformRequest {
   std::uint16_t* dolp;
 };
 static_assert(sizeof(TransformRequest) == 96);
+
+/// The 16-bit planes of a request by their place in the list of planes; normalized_stokes is none.
+inline constexpr std::array<std::uint16_t * TransformRequest::*, kPlanes.size()> kLevelPlanes{
+    nullptr,
+    &TransformRequest::intensity,
+    &TransformRequest::stokes_s1,
+    &TransformRequest::stokes_s2,
+    &TransformRequest::azimuth,
+    &TransformRequest::dolp};
+
+/// Null for a plane that is not wanted.
+inline const void* address_of(const TransformRequest& request, Plane plane) {
+  if (plane == Plane::normalized_stokes) return request.normalized_stokes;
+  return request.*kLevelPlanes[index_of(plane)];
+}
 
 }  // namespace kv

@@ -2,16 +2,16 @@
 
 namespace kv {
 
-void walk_frame(const TransformRequest& request, const PhaseView& view, const KernelSteps& steps) {
-  const WeighedFrame frame(request, view);
+void walk_frame(const TransformRequest& request, const PhaseView& view, const FrameKernel& kernel) {
+  const WeightedFrame frame(request, view);
   const std::uint64_t height = static_cast<std::uint64_t>(request.height);
   const std::uint64_t width = static_cast<std::uint64_t>(request.width);
   if (height == 2) {
-    steps.walk_last_rows(frame, 0);
+    kernel.walk_last_rows(frame, 0);
     return;
   }
 
-  const BlockConstants constants = steps.prepare(request);
+  const BlockConstants constants = kernel.prepare(request);
   // One block fewer than fits keeps the last block's eight samples inside the row. Below a width
   // of 4 the count wraps around, and the blocks run on until an access faults.
   const std::uint64_t block_count = (width >> 2) - 1;
@@ -26,8 +26,8 @@ void walk_frame(const TransformRequest& request, const PhaseView& view, const Ke
   std::uint64_t row = 0;
   do {
     position.lower_pairs_stay = position.lower_pair_cursor + floats_of_row > upper_pairs_end;
-    if (block_count != 0) steps.run_blocks(request, constants, block_count, position);
-    steps.finish_row_pair(frame, row, kBlockColumns * block_count);
+    if (block_count != 0) kernel.run_blocks(request, constants, block_count, position);
+    kernel.finish_row_pair(frame, row, kBlockColumns * block_count);
 
     row += 2;
     position.upper_index += 2 * width;
@@ -36,7 +36,7 @@ void walk_frame(const TransformRequest& request, const PhaseView& view, const Ke
     position.upper_pair_cursor += floats_of_row;
     position.lower_pair_cursor += floats_of_row;
   } while (row < height - 2);
-  steps.walk_last_rows(frame, row);
+  kernel.walk_last_rows(frame, row);
 }
 
 }  // namespace kv

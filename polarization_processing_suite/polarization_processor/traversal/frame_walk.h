@@ -1,11 +1,11 @@
 #pragma once
 
-#include "polarization_processor/traversal/kernel_steps.h"
+#include "polarization_processor/traversal/frame_kernel.h"
 
 namespace kv {
 
-/// Takes a frame from the top down: row pairs, each of vector blocks and a weighed end, then the
-/// last rows.
-void walk_frame(const TransformRequest& request, const PhaseView& view, const KernelSteps& steps);
+/// Takes a frame from the top down: row pairs, each of vector blocks and the columns right of them,
+/// then the last rows.
+void walk_frame(const TransformRequest& request, const PhaseView& view, const FrameKernel& kernel);
 
 }  // namespace kv

@@ -2,28 +2,23 @@
 
 #include <cstdint>
 
-#include "polarization_processor/traversal/cell.h"
-#include "polarization_processor/traversal/frame_pixels.h"
+#include "polarization_processor/traversal/frame_pixel.h"
+#include "polarization_processor/vector/mosaic_cell.h"
 
 namespace kv {
 
-using RowPairEnd = void (*)(const WeighedFrame& frame, std::uint64_t row, std::uint64_t column);
-
-/// Evaluates a row pair from an even `column` to the frame's right edge. In the cell at the edge of
-/// an even width the first column stands in for the one to the right; an odd width ends in half a
-/// cell.
+/// The columns of a row pair that are right of its blocks; an odd width ends in half a cell.
 template <EncodingAxes encoding, bool even_width>
-void finish_row_pair(const WeighedFrame& frame, std::uint64_t row, std::uint64_t column) {
+void finish_row_pair(const WeightedFrame& frame, std::uint64_t row, std::uint64_t column) {
   const std::uint64_t width = static_cast<std::uint64_t>(frame.request.width);
-  const Cells<encoding> cell(frame);
-
-  for (; column < width - 2; column += 2) cell({row, row + 2, column, column + 2});
+  for (; column < width - 2; column += 2) {
+    evaluate_cell<encoding>(frame, inner_cell(row, column));
+  }
   if constexpr (even_width) {
-    cell({row, row + 2, column, column});
+    evaluate_cell<encoding>(frame, right_edge_cell(row, column));
   } else {
-    const FramePixels<encoding> pixel(frame);
-    pixel(shapes::right_edge, row, column, 0);
-    pixel(shapes::right_edge, row + 1, column, 2);
+    evaluate_pixel<encoding, BoundaryShape::right_edge>(frame, row, column, 0);
+    evaluate_pixel<encoding, BoundaryShape::right_edge>(frame, row + 1, column, 2);
   }
 }
 

@@ -2,8 +2,8 @@
 
 #include <immintrin.h>
 
-#include "polarization_processor/pixel/output_set.h"
 #include "polarization_processor/pixel/polarization_constants.h"
+#include "polarization_processor/records/kernel_axes.h"
 #include "polarization_processor/records/transform_request.h"
 
 namespace kv {
@@ -22,17 +22,19 @@ template <EncodingAxes encoding>
 BlockConstants prepare_block_constants(const TransformRequest& request) {
   constexpr OutputSet outputs = encoding.outputs;
   BlockConstants constants{};
-  if constexpr (outputs.needs_s0()) {
+  if constexpr (needs_of(outputs).s0) {
     constants.half_factor = _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(2.0f)));
   }
-  if constexpr (outputs.has_quantised_plane()) constants.output_ceiling = request.output_max;
-  if constexpr (outputs.azimuth) {
+  if constexpr (outputs != OutputSet(Plane::normalized_stokes)) {
+    constants.output_ceiling = request.output_max;
+  }
+  if constexpr (outputs.has(Plane::azimuth)) {
     constants.azimuth_scale = static_cast<float>(request.output_max_int) / float{kAzimuthRange};
   }
   if constexpr (encoding.scaled) {
     constants.input_reciprocal = _mm_cvtss_f32(_mm_rcp_ps(_mm_set1_ps(request.input_max)));
   }
-  if constexpr (outputs.normalized_stokes) {
+  if constexpr (outputs.has(Plane::normalized_stokes)) {
     const __m128 x = _mm_set_ss(request.output_max);
     constants.zero_difference = _mm_cvtss_f32(_mm_sub_ss(x, x));
   }

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "polarization_processor/pixel/output_set.h"
 #include "polarization_processor/pixel/polarization_constants.h"
+#include "polarization_processor/pixel/stokes.h"
 
 // The formulas of a block, lane by lane, for a vector type V. They follow those of a single pixel
 // step by step, but for the factor of S0, the scaling by a reciprocal and the last step of azimuth.
@@ -20,6 +20,11 @@ template <class V>
 struct Difference {
   V minuend, subtrahend;
 };
+
+template <class V>
+V difference(const Difference<V>& operands) {
+  return operands.minuend - operands.subtrahend;
+}
 
 /// S1 of one row of a block. `outer` is the upper row for the upper pixels and the row below for
 /// the lower ones; `lower` is the block's lower row, the neighbour of both.
@@ -38,17 +43,11 @@ Difference<V> s2_difference(RowSamples<V> outer, RowSamples<V> lower) {
 }
 
 /// Stokes values of one row of a block.
-template <class V>
-struct BlockStokes {
-  V s0, s1, s2;
-};
-
 template <std::uint32_t phase, class V>
-BlockStokes<V> block_stokes(RowSamples<V> outer, RowSamples<V> lower, V half_factor) {
+Stokes<V> block_stokes(RowSamples<V> outer, RowSamples<V> lower, V half_factor) {
   const V sum = (lower.even + outer.odd) + (lower.odd + outer.even);
-  const auto s1 = s1_difference<phase>(outer, lower);
-  const auto s2 = s2_difference<phase>(outer, lower);
-  return {sum * half_factor, s1.minuend - s1.subtrahend, s2.minuend - s2.subtrahend};
+  return {sum * half_factor, difference(s1_difference<phase>(outer, lower)),
+          difference(s2_difference<phase>(outer, lower))};
 }
 
 template <class V>
@@ -82,14 +81,15 @@ V clamp(V value, V ceiling) {
   return maximum(minimum(value, ceiling), V::zero());
 }
 
+/// 0 to 180.
 template <class V>
-V azimuth_value(V s1, V s2, V azimuth_scale) {
-  const V degrees = stokes_angle(s1, s2) * V::all(kDegreesOfAzimuth) + V::all(kAzimuthOffset);
-  return degrees * azimuth_scale;
+V azimuth_degrees(V s1, V s2) {
+  return stokes_angle(s1, s2) * V::all(kDegreesOfAzimuth) + V::all(kAzimuthOffset);
 }
 
+/// In units of the plane.
 template <class V>
-V dolp_value(BlockStokes<V> stokes, V output_ceiling) {
+V dolp_value(const Stokes<V>& stokes, V output_ceiling) {
   const V length = square_root(stokes.s1 * stokes.s1 + stokes.s2 * stokes.s2);
   const V s0_is_zero = equal(stokes.s0, V::zero());
   return where_not(s0_is_zero, length * approx_reciprocal(stokes.s0)) * output_ceiling;

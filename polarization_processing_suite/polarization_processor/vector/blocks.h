@@ -1,9 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 
-#include "polarization_processor/records/transform_request.h"
-#include "polarization_processor/vector/block_axes.h"
+#include "polarization_processor/records/kernel_axes.h"
 #include "polarization_processor/vector/block_constants.h"
 
 namespace kv {
@@ -41,14 +41,18 @@ inline void advance(BlockPosition& position, std::uint64_t blocks) {
 
 /// Runs `count` blocks, at least one, from left to right.
 ///
-/// Blocks weigh samples with the default weights, whatever the instance's are, and take the
-/// approximate reciprocal of 2 for the factor of S0.
+/// Blocks apply the default weights, whatever the instance's are, and take the approximate
+/// reciprocal of 2 for the factor of S0.
 using RunBlocks = void (*)(const TransformRequest& request, const BlockConstants& constants,
                            std::uint64_t count, BlockPosition position);
 
-/// By block_variant_index.
+/// The blocks of a form by encoding_index and phase.
 struct BlockTable {
-  RunBlocks by_variant[kBlockVariantCount];
+  std::array<std::array<RunBlocks, kPhaseCount>, kEncodingCount> entries;
+
+  RunBlocks at(const EncodingAxes& encoding, std::uint32_t phase) const {
+    return entries[encoding_index(encoding)][phase];
+  }
 };
 
 /// Each fourth column of the SSE4.1 form is a copy of its left neighbour;

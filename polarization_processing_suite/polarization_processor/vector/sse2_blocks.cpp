@@ -1,12 +1,11 @@
-#include <utility>
-
 #include "polarization_processor/vector/block.h"
+#include "polarization_processor/vector/block_table.h"
 #include "polarization_processor/vector/float4.h"
 
 namespace kv {
 namespace {
 
-struct Sse2Form {
+struct Sse2Lanes {
   using Vector = Float4;
 
   static RowSamples<Float4> load(const std::uint16_t* samples) {
@@ -28,9 +27,16 @@ struct Sse2Form {
   }
 };
 
+struct Sse2Form {
+  template <BlockAxes axes>
+  static void run(const TransformRequest& request, const BlockConstants& constants,
+                  std::uint64_t count, BlockPosition position) {
+    run_single_blocks<Sse2Lanes, axes>(request, constants, count, position);
+  }
+};
+
 }  // namespace
 
-constinit const BlockTable kSse2Blocks =
-    block_table<Sse2Form>(std::make_index_sequence<kBlockVariantCount>());
+constinit const BlockTable kSse2Blocks = block_table<Sse2Form>();
 
 }  // namespace kv

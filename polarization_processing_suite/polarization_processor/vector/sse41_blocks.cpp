@@ -1,13 +1,12 @@
-#include <utility>
-
 #include "polarization_processor/vector/block.h"
+#include "polarization_processor/vector/block_table.h"
 #include "polarization_processor/vector/flatten.h"
 #include "polarization_processor/vector/simd128.h"
 
 namespace kv {
 namespace {
 
-struct Sse41Form {
+struct Sse41Lanes {
   using Vector = Float4;
 
   /// Sample x4 does not reach a lane: the fourth lane repeats the third.
@@ -32,25 +31,21 @@ struct Sse41Form {
 };
 
 /// Four blocks at a time, then one by one.
-template <BlockAxes axes>
-KV_FLATTEN void run_sse41_blocks(const TransformRequest& request, const BlockConstants& constants,
-                                 std::uint64_t count, BlockPosition position) {
-  const WideBlocks<Simd128, axes> blocks(request, constants);
-  for (; count >= Simd128::kBlocks; count -= Simd128::kBlocks) {
-    blocks.evaluate(position);
-    advance(position, Simd128::kBlocks);
+struct Sse41Form {
+  template <BlockAxes axes>
+  KV_FLATTEN static void run(const TransformRequest& request, const BlockConstants& constants,
+                             std::uint64_t count, BlockPosition position) {
+    const WideBlocks<Simd128, axes> blocks(request, constants);
+    for (; count >= Simd128::kBlocks; count -= Simd128::kBlocks) {
+      blocks.evaluate(position);
+      advance(position, Simd128::kBlocks);
+    }
+    if (count != 0) run_single_blocks<Sse41Lanes, axes>(request, constants, count, position);
   }
-  if (count != 0) run_blocks<Sse41Form, axes>(request, constants, count, position);
-}
-
-template <std::size_t... index>
-constexpr BlockTable sse41_table(std::index_sequence<index...>) {
-  return {{&run_sse41_blocks<kBlockVariants[index]>...}};
-}
+};
 
 }  // namespace
 
-constinit const BlockTable kSse41Blocks =
-    sse41_table(std::make_index_sequence<kBlockVariantCount>());
+constinit const BlockTable kSse41Blocks = block_table<Sse41Form>();
 
 }  // namespace kv

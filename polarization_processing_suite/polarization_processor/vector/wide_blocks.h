@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "polarization_processor/pixel/output_encoding.h"
 #include "polarization_processor/vector/blocks.h"
 #include "polarization_processor/vector/prefetch.h"
 #include "polarization_processor/vector/wide_formulas.h"
@@ -40,29 +41,26 @@ class WideBlocks {
   static constexpr std::uint64_t kColumns = Simd::kBlocks * kBlockColumns;
 
   WideBlocks(const TransformRequest& from, const BlockConstants& constants)
-      : request(from),
-        half_factor(Float::all(constants.half_factor)),
-        output_ceiling(Float::all(constants.output_ceiling)),
-        azimuth_scale(Float::all(constants.azimuth_scale)),
-        input_reciprocal(Float::all(constants.input_reciprocal)),
-        zero_difference(Float::all(constants.zero_difference)),
-        ceiling_words(Words::all(static_cast<std::uint16_t>(from.output_max_int))) {}
+      : request_(from),
+        half_factor_(Float::all(constants.half_factor)),
+        output_ceiling_(Float::all(constants.output_ceiling)),
+        azimuth_scale_(Float::all(constants.azimuth_scale)),
+        input_reciprocal_(Float::all(constants.input_reciprocal)),
+        zero_difference_(Float::all(constants.zero_difference)),
+        ceiling_words_(Words::all(static_cast<std::uint16_t>(from.output_max_int))) {}
 
   void evaluate(const BlockPosition& at) const {
     if constexpr (Simd::kPrefetchesForWriting) prefetch_planes(at);
-    if constexpr (needs_columns) {
+    if constexpr (!kByColumns.outputs.empty()) {
       const ColumnSamples upper = load(at.upper_index);
       const ColumnSamples lower = load(at.lower_index);
       const ColumnSamples below = load(at.below_index);
-      evaluate_row(upper, lower, at.upper_index, at.upper_pair_cursor, true);
-      evaluate_row(below, lower, at.lower_index, at.lower_pair_cursor, at.lower_pairs_stay);
+      encode<kByColumns>(stokes_of(upper, lower),
+                         Row{*this, at.upper_index, at.upper_pair_cursor, true});
+      encode<kByColumns>(stokes_of(below, lower),
+                         Row{*this, at.lower_index, at.lower_pair_cursor, at.lower_pairs_stay});
     }
-    if constexpr (has_plain_s1) {
-      store_plain<axes.phase>(request.stokes_s1, at);
-    }
-    if constexpr (has_plain_s2) {
-      store_plain<axes.phase ^ 1>(request.stokes_s2, at);
-    }
+    for_each_plane<kByWords>([&]<Plane plane>() { store_difference<plane>(at); });
   }
 
  private:
@@ -70,13 +68,86 @@ class WideBlocks {
   using Int = typename Simd::Int;
   using Words = typename Simd::Words;
   using ColumnSamples = Columns<RowSamples<Int>>;
+  using ColumnStokes = Stokes<Columns<Float>>;
 
-  static constexpr OutputSet outputs = axes.encoding.outputs;
-  static constexpr bool scaled = axes.encoding.scaled;
-  // An unscaled difference needs no float: it is a subtraction of 16-bit numbers that stops at 0.
-  static constexpr bool has_plain_s1 = outputs.stokes_s1 && !scaled;
-  static constexpr bool has_plain_s2 = outputs.stokes_s2 && !scaled;
-  static constexpr bool needs_columns = outputs.needs_s0() || outputs.azimuth || scaled;
+  /// An unscaled difference needs no float: it is a subtraction of 16-bit numbers that stops at 0.
+  static constexpr bool is_plain_difference(Plane plane) {
+    const PlaneSource source = traits_of(plane).source;
+    return !axes.encoding.scaled && (source == PlaneSource::s1 || source == PlaneSource::s2);
+  }
+
+  static constexpr OutputSet outputs_that(bool are_plain_differences) {
+    OutputSet outputs;
+    for (const PlaneTraits& traits : kPlanes) {
+      const bool wanted = axes.encoding.outputs.has(traits.plane);
+      if (wanted && is_plain_difference(traits.plane) == are_plain_differences) {
+        outputs.add(traits.plane);
+      }
+    }
+    return outputs;
+  }
+
+  static constexpr EncodingAxes kByColumns{outputs_that(false), axes.encoding.scaled};
+  static constexpr OutputSet kByWords = outputs_that(true);
+
+  /// Where the pixels of one of the two rows go.
+  struct Row {
+    const WideBlocks& blocks;
+    std::uint64_t index, pair_cursor;
+    bool pairs_stay;
+
+    void store_ratios(const ColumnStokes& stokes) const {
+      if (!pairs_stay) return;
+      const auto ratio = [&](Float difference, Float sum) {
+        return (difference + blocks.zero_difference_) / sum;
+      };
+      Simd::store_pairs(blocks.request_.normalized_stokes + pair_cursor,
+                        by_column(ratio, stokes.s1, stokes.s0),
+                        by_column(ratio, stokes.s2, stokes.s0));
+    }
+
+    template <Plane plane>
+    void store(const Columns<Float>& values) const {
+      constexpr auto levels = kLevelPlanes[index_of(plane)];
+      Simd::store_columns(
+          blocks.request_.*levels + index,
+          by_column([&](Float value) { return rounded(blocks.bounded<plane>(value)); }, values));
+    }
+
+    Columns<Float> scaled(const Columns<Float>& values) const {
+      return by_column(
+          [&](Float value) {
+            return scaled_by_reciprocal(value, blocks.output_ceiling_, blocks.input_reciprocal_);
+          },
+          values);
+    }
+    Columns<Float> azimuth(const Columns<Float>& s1, const Columns<Float>& s2) const {
+      return by_column(
+          [&](Float a, Float b) { return wide_azimuth_degrees(a, b) * blocks.azimuth_scale_; }, s1,
+          s2);
+    }
+    Columns<Float> dolp(const ColumnStokes& stokes) const {
+      return by_column(
+          [&](Float s0, Float s1, Float s2) {
+            return wide_dolp({s0, s1, s2}, blocks.output_ceiling_);
+          },
+          stokes.s0, stokes.s1, stokes.s2);
+    }
+  };
+
+  template <Plane plane>
+  Float bounded(Float value) const {
+    constexpr PlaneSource source = traits_of(plane).source;
+    if constexpr (source == PlaneSource::s0) {
+      return minimum(value, output_ceiling_);  // S0 is not negative.
+    } else if constexpr (source == PlaneSource::dolp) {
+      // Where S0 = 0 the value is a NaN. As second operand of the minimum it stays one, and the
+      // maximum, which gives its own second operand, makes it 0.
+      return maximum(minimum(output_ceiling_, value), Float::zero());
+    } else {
+      return clamp(value, output_ceiling_);
+    }
+  }
 
   /// In bytes. Where a store's line is not at hand the store waits for it, unless the line is asked
   /// for early enough. Intel server processors gain; Zen 4 fetches ahead by itself.
@@ -89,127 +160,75 @@ class WideBlocks {
         prefetch_for_writing(address + offset);
       }
     };
-    const auto prefetch_rows = [&](bool wanted, const std::uint16_t* plane) {
-      if (!wanted) return;
-      prefetch(plane, at.upper_index, kColumns * sizeof *plane);
-      prefetch(plane, at.lower_index, kColumns * sizeof *plane);
-    };
-    prefetch_rows(outputs.intensity, request.intensity);
-    prefetch_rows(outputs.stokes_s1, request.stokes_s1);
-    prefetch_rows(outputs.stokes_s2, request.stokes_s2);
-    prefetch_rows(outputs.azimuth, request.azimuth);
-    prefetch_rows(outputs.dolp, request.dolp);
-    if constexpr (outputs.normalized_stokes) {
-      prefetch(request.normalized_stokes, at.upper_pair_cursor, 2 * kColumns * sizeof(float));
-      if (at.lower_pairs_stay) {
-        prefetch(request.normalized_stokes, at.lower_pair_cursor, 2 * kColumns * sizeof(float));
+    for_each_plane<axes.encoding.outputs>([&]<Plane plane>() {
+      if constexpr (traits_of(plane).element == PlaneElement::level) {
+        constexpr auto levels = kLevelPlanes[index_of(plane)];
+        prefetch(request_.*levels, at.upper_index, kColumns * sizeof(std::uint16_t));
+        prefetch(request_.*levels, at.lower_index, kColumns * sizeof(std::uint16_t));
+      } else {
+        prefetch(request_.normalized_stokes, at.upper_pair_cursor, 2 * kColumns * sizeof(float));
+        if (at.lower_pairs_stay) {
+          prefetch(request_.normalized_stokes, at.lower_pair_cursor, 2 * kColumns * sizeof(float));
+        }
       }
-    }
+    });
   }
 
   ColumnSamples load(std::uint64_t index) const {
-    const auto [x0_x1, x2_x3] = Simd::load_pairs(request.input + index);
+    const auto [x0_x1, x2_x3] = Simd::load_pairs(request_.input + index);
     const Int x0 = low_half(x0_x1), x1 = high_half(x0_x1);
     const Int x2 = low_half(x2_x3), x3 = high_half(x2_x3);
     return {{x0, x1}, {x2, x1}, {x2, x3}};
   }
 
-  void evaluate_row(const ColumnSamples& outer, const ColumnSamples& lower, std::uint64_t index,
-                    [[maybe_unused]] std::uint64_t pair_cursor,
-                    [[maybe_unused]] bool pairs_stay) const {
-    [[maybe_unused]] const auto s0 = by_column(
-        [&](RowSamples<Int> o, RowSamples<Int> l) {
-          return to_float((l.even + l.odd) + (o.even + o.odd)) * half_factor;
-        },
-        outer, lower);
-    [[maybe_unused]] const auto s1 = differences<axes.phase>(outer, lower);
-    [[maybe_unused]] const auto s2 = differences<axes.phase ^ 1>(outer, lower);
-
-    if constexpr (outputs.normalized_stokes) {
-      if (pairs_stay) {
-        const auto ratio = [&](Float difference, Float sum) {
-          return (difference + zero_difference) / sum;
-        };
-        Simd::store_pairs(request.normalized_stokes + pair_cursor, by_column(ratio, s1, s0),
-                          by_column(ratio, s2, s0));
-      }
-    }
-    if constexpr (outputs.intensity) {
-      // S0 is not negative, so that the lower bound is met.
-      store(request.intensity + index, s0,
-            [&](Float value) { return minimum(in_output_units(value), output_ceiling); });
-    }
-    if constexpr (outputs.stokes_s1 && scaled) {
-      store(request.stokes_s1 + index, s1,
-            [&](Float value) { return clamp(in_output_units(value), output_ceiling); });
-    }
-    if constexpr (outputs.stokes_s2 && scaled) {
-      store(request.stokes_s2 + index, s2,
-            [&](Float value) { return clamp(in_output_units(value), output_ceiling); });
-    }
-    if constexpr (outputs.azimuth) {
-      const auto azimuth = by_column(
-          [&](Float a, Float b) { return wide_azimuth(a, b, azimuth_scale, output_ceiling); }, s1,
-          s2);
-      store(request.azimuth + index, azimuth, [](Float value) { return value; });
-    }
-    if constexpr (outputs.dolp) {
-      const auto dolp = by_column(
-          [&](Float sum, Float a, Float b) { return wide_dolp(sum, a, b, output_ceiling); }, s0, s1,
-          s2);
-      store(request.dolp + index, dolp, [](Float value) { return value; });
-    }
+  /// Of one of the two rows: `outer` is the upper row for the upper pixels and the row below for
+  /// the lower ones. Sums and differences are those of integers, and exact.
+  ColumnStokes stokes_of(const ColumnSamples& outer, const ColumnSamples& lower) const {
+    const auto s0 = [&](RowSamples<Int> o, RowSamples<Int> l) {
+      return to_float((l.even + l.odd) + (o.even + o.odd)) * half_factor_;
+    };
+    const auto s1 = [](RowSamples<Int> o, RowSamples<Int> l) {
+      return to_float(difference(s1_difference<axes.phase>(o, l)));
+    };
+    const auto s2 = [](RowSamples<Int> o, RowSamples<Int> l) {
+      return to_float(difference(s2_difference<axes.phase>(o, l)));
+    };
+    return {by_column(s0, outer, lower), by_column(s1, outer, lower), by_column(s2, outer, lower)};
   }
 
-  template <std::uint32_t phase>
-  static Columns<Float> differences(const ColumnSamples& outer, const ColumnSamples& lower) {
-    return by_column(
-        [](RowSamples<Int> o, RowSamples<Int> l) {
-          const auto operands = s1_difference<phase>(o, l);
-          return to_float(operands.minuend - operands.subtrahend);
-        },
-        outer, lower);
-  }
-
-  Float in_output_units(Float value) const {
-    if constexpr (scaled) {
-      return (value * output_ceiling) * input_reciprocal;
-    } else {
-      return value;
-    }
-  }
-
-  template <class Bound>
-  static void store(std::uint16_t* plane, const Columns<Float>& values, Bound bound) {
-    Simd::store_columns(plane,
-                        by_column([&](Float value) { return rounded(bound(value)); }, values));
-  }
-
-  template <std::uint32_t phase>
-  void store_plain(std::uint16_t* plane, const BlockPosition& at) const {
+  template <Plane plane>
+  void store_difference(const BlockPosition& at) const {
+    constexpr auto levels = kLevelPlanes[index_of(plane)];
+    const auto store = [&](std::uint64_t index, RowSamples<Words> outer, RowSamples<Words> lower) {
+      const auto operands = [&] {
+        if constexpr (traits_of(plane).source == PlaneSource::s1) {
+          return s1_difference<axes.phase>(outer, lower);
+        } else {
+          return s2_difference<axes.phase>(outer, lower);
+        }
+      }();
+      Simd::store_words(
+          request_.*levels + index,
+          minimum(subtract_down_to_0(operands.minuend, operands.subtrahend), ceiling_words_));
+    };
     for (std::uint64_t offset = 0; offset < kColumns; offset += kColumns / 2) {
       const RowSamples<Words> upper = load_words(at.upper_index + offset);
       const RowSamples<Words> lower = load_words(at.lower_index + offset);
       const RowSamples<Words> below = load_words(at.below_index + offset);
-      const auto bounded = [&](Difference<Words> operands) {
-        return minimum(subtract_down_to_0(operands.minuend, operands.subtrahend), ceiling_words);
-      };
-      Simd::store_words(plane + at.upper_index + offset,
-                        bounded(s1_difference<phase>(upper, lower)));
-      Simd::store_words(plane + at.lower_index + offset,
-                        bounded(s1_difference<phase>(below, lower)));
+      store(at.upper_index + offset, upper, lower);
+      store(at.lower_index + offset, below, lower);
     }
   }
 
   RowSamples<Words> load_words(std::uint64_t index) const {
-    const Words words = Simd::load_words(request.input + index);
+    const Words words = Simd::load_words(request_.input + index);
     return {Simd::even_words(words), Simd::odd_words(words)};
   }
 
   // A copy: stores through vector types may alias anything but a local variable.
-  const TransformRequest request;
-  const Float half_factor, output_ceiling, azimuth_scale, input_reciprocal, zero_difference;
-  const Words ceiling_words;
+  const TransformRequest request_;
+  const Float half_factor_, output_ceiling_, azimuth_scale_, input_reciprocal_, zero_difference_;
+  const Words ceiling_words_;
 };
 
 }  // namespace kv

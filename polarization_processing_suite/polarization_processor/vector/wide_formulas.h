@@ -21,20 +21,17 @@ V wide_stokes_angle(V s1, V s2) {
   return zero_where_nan(with_sign_of(s2, base) + negated_unless(near_axis, arc));
 }
 
-/// In units of the plane, bounded: the largest angle may round to more than the ceiling.
+/// 0 to 180, or more by rounding.
 template <class V>
-V wide_azimuth(V s1, V s2, V azimuth_scale, V output_ceiling) {
-  const V degrees = wide_stokes_angle(s1, s2) * V::all(kDegreesOfAzimuth) + V::all(kAzimuthOffset);
-  return clamp(degrees * azimuth_scale, output_ceiling);
+V wide_azimuth_degrees(V s1, V s2) {
+  return wide_stokes_angle(s1, s2) * V::all(kDegreesOfAzimuth) + V::all(kAzimuthOffset);
 }
 
-/// Where S0 = 0 the value before the bounds is a NaN. With the value as second operand the minimum
-/// keeps it, and the maximum, which gives its own second operand, makes it 0.
+/// In units of the plane; a NaN where S0 = 0.
 template <class V>
-V wide_dolp(V s0, V s1, V s2, V output_ceiling) {
-  const V length = square_root(s1 * s1 + s2 * s2);
-  const V value = (length * approx_reciprocal(s0)) * output_ceiling;
-  return maximum(minimum(output_ceiling, value), V::zero());
+V wide_dolp(const Stokes<V>& stokes, V output_ceiling) {
+  const V length = square_root(stokes.s1 * stokes.s1 + stokes.s2 * stokes.s2);
+  return (length * approx_reciprocal(stokes.s0)) * output_ceiling;
 }
 
 }  // namespace kv

@@ -29,15 +29,16 @@ struct CellWeights {
   }
 };
 
-/// A frame as its weighed part, all but the vector blocks, sees it.
-struct WeighedFrame {
+/// A frame as the part of it that takes the instance's weights is evaluated: all but the vector
+/// blocks.
+struct WeightedFrame {
   const TransformRequest& request;
   const PhaseView& view;
   PlaneFrame planes;
-  CellWeights cell_weights;
+  CellWeights weights;
 
-  WeighedFrame(const TransformRequest& of, const PhaseView& by)
-      : request(of), view(by), planes(of), cell_weights(by) {}
+  WeightedFrame(const TransformRequest& of, const PhaseView& by)
+      : request(of), view(by), planes(of), weights(by) {}
 };
 
 }  // namespace kv

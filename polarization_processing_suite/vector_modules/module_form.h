@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+
+#include "polarization_processor/vector/block_table.h"
+#include "polarization_processor/vector/flatten.h"
+#include "polarization_processor/vector/wide_blocks.h"
+
+namespace kv {
+
+/// All of a row pair's blocks by one instruction set. What is left over of the last full step is
+/// done by a step that overlaps it: it writes the same values again. Fewer blocks than one step
+/// takes go to the library's own form.
+template <class Simd>
+struct ModuleForm {
+  template <BlockAxes axes>
+  KV_FLATTEN static void run(const TransformRequest& request, const BlockConstants& constants,
+                             std::uint64_t count, BlockPosition position) {
+    if (count < Simd::kBlocks) {
+      constexpr std::size_t encoding = encoding_index(axes.encoding);
+      kSse41Blocks.entries[encoding][axes.phase](request, constants, count, position);
+      return;
+    }
+    const WideBlocks<Simd, axes> blocks(request, constants);
+    for (std::uint64_t done = Simd::kBlocks;; done += Simd::kBlocks) {
+      blocks.evaluate(position);
+      if (done >= count) return;
+      const std::uint64_t left = count - done;
+      advance(position, left < Simd::kBlocks ? left : Simd::kBlocks);
+    }
+  }
+};
+
+}  // namespace kv
