@@ -8,9 +8,8 @@
 
 namespace kv {
 
-/// All of a row pair's blocks by one instruction set. What is left over of the last full step is
-/// done by a step that overlaps it: it writes the same values again. Fewer blocks than one step
-/// takes go to the library's own form.
+/// All of a row pair's blocks by one instruction set. Fewer blocks than one step takes go to the
+/// library's own form.
 template <class Simd>
 struct ModuleForm {
   template <BlockAxes axes>
@@ -19,14 +18,8 @@ struct ModuleForm {
     if (count < Simd::kBlocks) {
       constexpr std::size_t encoding = encoding_index(axes.encoding);
       kSse41Blocks.entries[encoding][axes.phase](request, constants, count, position);
-      return;
-    }
-    const WideBlocks<Simd, axes> blocks(request, constants);
-    for (std::uint64_t done = Simd::kBlocks;; done += Simd::kBlocks) {
-      blocks.evaluate(position);
-      if (done >= count) return;
-      const std::uint64_t left = count - done;
-      advance(position, left < Simd::kBlocks ? left : Simd::kBlocks);
+    } else {
+      run_wide_steps<Simd, axes>(request, constants, count, position);
     }
   }
 };

@@ -36,7 +36,14 @@ inline Float8 maximum(Float8 value, Float8 bound) {
   return {_mm256_max_ps(value.lanes, bound.lanes)};
 }
 
-inline Float8 less(Float8 a, Float8 b) { return {_mm256_cmp_ps(a.lanes, b.lanes, _CMP_LT_OS)}; }
+/// By the operator for the reason told in float4.h.
+inline Float8 less(Float8 a, Float8 b) {
+#if defined(_MSC_VER)
+  return {_mm256_cmp_ps(a.lanes, b.lanes, _CMP_LT_OS)};
+#else
+  return {reinterpret_cast<__m256>(a.lanes < b.lanes)};
+#endif
+}
 inline Float8 magnitude(Float8 x) { return {_mm256_andnot_ps(Float8::sign_bits().lanes, x.lanes)}; }
 inline Float8 with_sign_of(Float8 y, Float8 x) {
   return {_mm256_or_ps(x.lanes, _mm256_and_ps(y.lanes, Float8::sign_bits().lanes))};
@@ -50,9 +57,6 @@ inline Float8 negated_unless(Float8 mask, Float8 x) {
 inline Float8 where_negative(Float8 y, Float8 x) {
   const __m256i negative = _mm256_srai_epi32(_mm256_castps_si256(y.lanes), 31);
   return {_mm256_and_ps(_mm256_castsi256_ps(negative), x.lanes)};
-}
-inline Float8 zero_where_nan(Float8 x) {
-  return {_mm256_and_ps(_mm256_cmp_ps(x.lanes, x.lanes, _CMP_ORD_Q), x.lanes)};
 }
 
 struct Int8 {
@@ -100,8 +104,17 @@ struct Simd256 {
   static void store_columns(std::uint16_t* plane, const Columns<Int8>& values) {
     const __m256i c0_c1 =
         _mm256_blend_epi16(values.column0.lanes, _mm256_slli_epi32(values.column1.lanes, 16), 0xAA);
-    const __m256i c2_c2 =
-        _mm256_blend_epi16(values.column2.lanes, _mm256_slli_epi32(values.column2.lanes, 16), 0xAA);
+    const Words16 c2_c2 = shuffled(
+        {values.column2.lanes}, _mm_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13));
+    store_words(plane, {_mm256_unpacklo_epi32(c0_c1, c2_c2.lanes)});
+    store_words(plane + 16, {_mm256_unpackhi_epi32(c0_c1, c2_c2.lanes)});
+  }
+
+  static void store_from_0(std::uint16_t* plane, const Columns<Int8>& values) {
+    const __m256i c0_c2 = _mm256_packus_epi32(values.column0.lanes, values.column2.lanes);
+    const __m256i c1_c2 = _mm256_packus_epi32(values.column1.lanes, values.column2.lanes);
+    const __m256i c0_c1 = _mm256_unpacklo_epi16(c0_c2, c1_c2);
+    const __m256i c2_c2 = _mm256_unpackhi_epi16(c0_c2, c1_c2);
     store_words(plane, {_mm256_unpacklo_epi32(c0_c1, c2_c2)});
     store_words(plane + 16, {_mm256_unpackhi_epi32(c0_c1, c2_c2)});
   }

@@ -65,9 +65,6 @@ inline Float16 negated_unless(Mask16 mask, Float16 x) {
 inline Float16 where_negative(Float16 y, Float16 x) {
   return {_mm512_maskz_mov_ps(_mm512_movepi32_mask(_mm512_castps_si512(y.lanes)), x.lanes)};
 }
-inline Float16 zero_where_nan(Float16 x) {
-  return {_mm512_maskz_mov_ps(_mm512_cmp_ps_mask(x.lanes, x.lanes, _CMP_ORD_Q), x.lanes)};
-}
 
 struct Int16 {
   __m512i lanes;
@@ -112,10 +109,20 @@ struct Simd512 {
   }
 
   static void store_columns(std::uint16_t* plane, const Columns<Int16>& values) {
-    const __m512i c0_c1 =
-        _mm512_or_si512(values.column0.lanes, _mm512_slli_epi32(values.column1.lanes, 16));
-    const __m512i c2_c2 =
-        _mm512_or_si512(values.column2.lanes, _mm512_slli_epi32(values.column2.lanes, 16));
+    constexpr __mmask32 kHighHalves = 0xAAAAAAAA;
+    const __m512i c0_c1 = _mm512_mask_blend_epi16(kHighHalves, values.column0.lanes,
+                                                  _mm512_slli_epi32(values.column1.lanes, 16));
+    const Words32 c2_c2 = shuffled(
+        {values.column2.lanes}, _mm_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13));
+    store_words(plane, {_mm512_unpacklo_epi32(c0_c1, c2_c2.lanes)});
+    store_words(plane + 32, {_mm512_unpackhi_epi32(c0_c1, c2_c2.lanes)});
+  }
+
+  static void store_from_0(std::uint16_t* plane, const Columns<Int16>& values) {
+    const __m512i c0_c2 = _mm512_packus_epi32(values.column0.lanes, values.column2.lanes);
+    const __m512i c1_c2 = _mm512_packus_epi32(values.column1.lanes, values.column2.lanes);
+    const __m512i c0_c1 = _mm512_unpacklo_epi16(c0_c2, c1_c2);
+    const __m512i c2_c2 = _mm512_unpackhi_epi16(c0_c2, c1_c2);
     store_words(plane, {_mm512_unpacklo_epi32(c0_c1, c2_c2)});
     store_words(plane + 32, {_mm512_unpackhi_epi32(c0_c1, c2_c2)});
   }

@@ -31,7 +31,15 @@ inline Float4 operator^(Float4 a, Float4 b) { return {_mm_xor_ps(a.lanes, b.lane
 /// b where the mask is clear, else +0.
 inline Float4 where_not(Float4 mask, Float4 b) { return {_mm_andnot_ps(mask.lanes, b.lanes)}; }
 
-inline Float4 less(Float4 a, Float4 b) { return {_mm_cmplt_ps(a.lanes, b.lanes)}; }
+/// By the operator where there is one: g++ then knows the result for a mask, and a blend takes it
+/// as it is.
+inline Float4 less(Float4 a, Float4 b) {
+#if defined(_MSC_VER)
+  return {_mm_cmplt_ps(a.lanes, b.lanes)};
+#else
+  return {reinterpret_cast<__m128>(a.lanes < b.lanes)};
+#endif
+}
 inline Float4 less_or_equal(Float4 a, Float4 b) { return {_mm_cmple_ps(a.lanes, b.lanes)}; }
 inline Float4 equal(Float4 a, Float4 b) { return {_mm_cmpeq_ps(a.lanes, b.lanes)}; }
 inline Float4 not_equal(Float4 a, Float4 b) { return {_mm_cmpneq_ps(a.lanes, b.lanes)}; }

@@ -39,9 +39,6 @@ inline Float4 negated_unless(Float4 mask, Float4 x) {
 inline Float4 where_negative(Float4 y, Float4 x) {
   return {_mm_and_ps(_mm_castsi128_ps(_mm_srai_epi32(_mm_castps_si128(y.lanes), 31)), x.lanes)};
 }
-inline Float4 zero_where_nan(Float4 x) {
-  return {_mm_and_ps(_mm_cmpord_ps(x.lanes, x.lanes), x.lanes)};
-}
 
 struct Words8 {
   __m128i lanes;
@@ -73,8 +70,17 @@ struct Simd128 {
   static void store_columns(std::uint16_t* plane, const Columns<Int4>& values) {
     const __m128i c0_c1 =
         _mm_blend_epi16(values.column0.lanes, _mm_slli_epi32(values.column1.lanes, 16), 0xAA);
-    const __m128i c2_c2 =
-        _mm_blend_epi16(values.column2.lanes, _mm_slli_epi32(values.column2.lanes, 16), 0xAA);
+    const __m128i c2_c2 = _mm_shuffle_epi8(
+        values.column2.lanes, _mm_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13));
+    store_words(plane, {_mm_unpacklo_epi32(c0_c1, c2_c2)});
+    store_words(plane + 8, {_mm_unpackhi_epi32(c0_c1, c2_c2)});
+  }
+
+  static void store_from_0(std::uint16_t* plane, const Columns<Int4>& values) {
+    const __m128i c0_c2 = _mm_packus_epi32(values.column0.lanes, values.column2.lanes);
+    const __m128i c1_c2 = _mm_packus_epi32(values.column1.lanes, values.column2.lanes);
+    const __m128i c0_c1 = _mm_unpacklo_epi16(c0_c2, c1_c2);
+    const __m128i c2_c2 = _mm_unpackhi_epi16(c0_c2, c1_c2);
     store_words(plane, {_mm_unpacklo_epi32(c0_c1, c2_c2)});
     store_words(plane + 8, {_mm_unpackhi_epi32(c0_c1, c2_c2)});
   }

@@ -30,17 +30,16 @@ struct Sse41Lanes {
   }
 };
 
-/// Four blocks at a time, then one by one.
+/// Four blocks at a time; fewer than that one by one.
 struct Sse41Form {
   template <BlockAxes axes>
   KV_FLATTEN static void run(const TransformRequest& request, const BlockConstants& constants,
                              std::uint64_t count, BlockPosition position) {
-    const WideBlocks<Simd128, axes> blocks(request, constants);
-    for (; count >= Simd128::kBlocks; count -= Simd128::kBlocks) {
-      blocks.evaluate(position);
-      advance(position, Simd128::kBlocks);
+    if (count < Simd128::kBlocks) {
+      run_single_blocks<Sse41Lanes, axes>(request, constants, count, position);
+    } else {
+      run_wide_steps<Simd128, axes>(request, constants, count, position);
     }
-    if (count != 0) run_single_blocks<Sse41Lanes, axes>(request, constants, count, position);
   }
 };
 

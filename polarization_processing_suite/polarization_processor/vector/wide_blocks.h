@@ -30,7 +30,8 @@ auto by_column(Function function, const Columns<T>&... values) {
 ///   Words                       16-bit elements in the order of memory, half of a row's samples
 ///   load_pairs(samples)         for each block its first two samples and its last two, a pair to
 ///                               a lane with the earlier sample in the low half
-///   store_columns(plane, Columns<Int>)
+///   store_columns(plane, Columns<Int>)      their low halves
+///   store_from_0(plane, Columns<Int>)       negative numbers as 0; none is above 65535
 ///   store_pairs(pairs, Columns<Float> first, Columns<Float> second)
 ///   load_words, even_words, odd_words, store_words
 ///
@@ -109,9 +110,20 @@ class WideBlocks {
     template <Plane plane>
     void store(const Columns<Float>& values) const {
       constexpr auto levels = kLevelPlanes[index_of(plane)];
-      Simd::store_columns(
-          blocks.request_.*levels + index,
-          by_column([&](Float value) { return rounded(blocks.bounded<plane>(value)); }, values));
+      constexpr PlaneSource source = traits_of(plane).source;
+      std::uint16_t* const to = blocks.request_.*levels + index;
+      const Float ceiling = blocks.output_ceiling_;
+      const auto bounded_above = [&](Float value) { return rounded(minimum(value, ceiling)); };
+      if constexpr (source == PlaneSource::s1 || source == PlaneSource::s2) {
+        Simd::store_from_0(to, by_column(bounded_above, values));
+      } else if constexpr (source == PlaneSource::dolp) {
+        // Where S0 = 0 the value is a NaN. As second operand of the minimum it stays one, and
+        // rounding makes it 0x80000000, whose low half is the 0 that is stored.
+        Simd::store_columns(
+            to, by_column([&](Float value) { return rounded(minimum(ceiling, value)); }, values));
+      } else {
+        Simd::store_columns(to, by_column(bounded_above, values));  // None is below 0.
+      }
     }
 
     Columns<Float> scaled(const Columns<Float>& values) const {
@@ -134,20 +146,6 @@ class WideBlocks {
           stokes.s0, stokes.s1, stokes.s2);
     }
   };
-
-  template <Plane plane>
-  Float bounded(Float value) const {
-    constexpr PlaneSource source = traits_of(plane).source;
-    if constexpr (source == PlaneSource::s0) {
-      return minimum(value, output_ceiling_);  // S0 is not negative.
-    } else if constexpr (source == PlaneSource::dolp) {
-      // Where S0 = 0 the value is a NaN. As second operand of the minimum it stays one, and the
-      // maximum, which gives its own second operand, makes it 0.
-      return maximum(minimum(output_ceiling_, value), Float::zero());
-    } else {
-      return clamp(value, output_ceiling_);
-    }
-  }
 
   /// In bytes. Where a store's line is not at hand the store waits for it, unless the line is asked
   /// for early enough. Intel server processors gain; Zen 4 fetches ahead by itself.
@@ -230,5 +228,25 @@ class WideBlocks {
   const Float half_factor_, output_ceiling_, azimuth_scale_, input_reciprocal_, zero_difference_;
   const Words ceiling_words_;
 };
+
+/// At least one step of blocks, from left to right. What is left over behind the last whole step is
+/// done by a step that overlaps it: it writes the same values again.
+template <class Simd, BlockAxes axes>
+void run_wide_steps(const TransformRequest& request, const BlockConstants& constants,
+                    std::uint64_t count, BlockPosition position) {
+  const WideBlocks<Simd, axes> blocks(request, constants);
+  std::uint64_t steps = count / Simd::kBlocks;
+  std::uint64_t left = count % Simd::kBlocks;
+  for (;;) {
+    do {
+      blocks.evaluate(position);
+      advance(position, Simd::kBlocks);
+    } while (--steps != 0);
+    if (left == 0) return;
+    advance(position, left - Simd::kBlocks);  // Backwards: the indices wrap around.
+    left = 0;
+    steps = 1;
+  }
+}
 
 }  // namespace kv
