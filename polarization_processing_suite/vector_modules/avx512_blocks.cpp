@@ -1,9 +1,15 @@
+#include "polarization_processor/vector/block_entries.h"
 #include "vector_modules/module_blocks.h"
 #include "vector_modules/module_form.h"
 #include "vector_modules/simd512.h"
 
 namespace kv {
+namespace {
 
-constinit const BlockTable kModuleBlocks = block_table<ModuleForm<Simd512>>();
+constinit const BlockEntries kEntries = block_entries<ModuleForm<Simd512>, Wanted::all>();
+
+}  // namespace
+
+constinit const BlockTable kModuleBlocks{kEntries, kEntries};
 
 }  // namespace kv

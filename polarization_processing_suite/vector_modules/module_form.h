@@ -2,7 +2,6 @@
 
 #include <cstdint>
 
-#include "polarization_processor/vector/block_table.h"
 #include "polarization_processor/vector/flatten.h"
 #include "polarization_processor/vector/wide_blocks.h"
 
@@ -17,7 +16,9 @@ struct ModuleForm {
                              std::uint64_t count, BlockPosition position) {
     if (count < Simd::kBlocks) {
       constexpr std::size_t encoding = encoding_index(axes.encoding);
-      kSse41Blocks.entries[encoding][axes.phase](request, constants, count, position);
+      const BlockEntries& entries =
+          is_scheduled(axes.encoding) ? kSse41Blocks.scheduled : kSse41Blocks.others;
+      entries[encoding][axes.phase](request, constants, count, position);
     } else {
       run_wide_steps<Simd, axes>(request, constants, count, position);
     }

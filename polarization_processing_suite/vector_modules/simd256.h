@@ -84,7 +84,7 @@ inline Words16 minimum(Words16 a, Words16 b) { return {_mm256_min_epu16(a.lanes,
 
 struct Simd256 {
   static constexpr std::uint64_t kBlocks = 8;
-  static constexpr bool kPrefetchesForWriting = true;
+  static constexpr Prefetch kPrefetch = Prefetch::next_row_pair;
   using Float = Float8;
   using Int = Int8;
   using Words = Words16;

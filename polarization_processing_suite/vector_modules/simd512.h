@@ -91,7 +91,7 @@ inline Words32 minimum(Words32 a, Words32 b) { return {_mm512_min_epu16(a.lanes,
 
 struct Simd512 {
   static constexpr std::uint64_t kBlocks = 16;
-  static constexpr bool kPrefetchesForWriting = true;
+  static constexpr Prefetch kPrefetch = Prefetch::next_row_pair_and_stores;
   using Float = Float16;
   using Int = Int16;
   using Words = Words32;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstdint>
 
 #include "polarization_processor/records/kernel_axes.h"
@@ -46,17 +47,32 @@ inline void advance(BlockPosition& position, std::uint64_t blocks) {
 using RunBlocks = void (*)(const TransformRequest& request, const BlockConstants& constants,
                            std::uint64_t count, BlockPosition position);
 
-/// The blocks of a form by encoding_index and phase.
+/// Blocks by encoding_index and phase.
+using BlockEntries = std::array<std::array<RunBlocks, kPhaseCount>, kEncodingCount>;
+
+/// Whether g++ is to put the instructions of the blocks into an order of its own (see
+/// KV_SCHEDULING_OPTIONS in cmake/CompilerOptions.cmake). Azimuth and DoLP gain by it, in sets of
+/// up to three planes; with more of them the stores get into each other's way, and planes of sums
+/// and differences have no chains to overlap.
+constexpr bool is_scheduled(const EncodingAxes& encoding) {
+  const OutputSet& outputs = encoding.outputs;
+  return (outputs.has(Plane::azimuth) || outputs.has(Plane::dolp)) &&
+         std::popcount(outputs.bits) <= 3;
+}
+
+/// The blocks of a form.
 struct BlockTable {
-  std::array<std::array<RunBlocks, kPhaseCount>, kEncodingCount> entries;
+  const BlockEntries& scheduled;
+  const BlockEntries& others;
 
   RunBlocks at(const EncodingAxes& encoding, std::uint32_t phase) const {
+    const BlockEntries& entries = is_scheduled(encoding) ? scheduled : others;
     return entries[encoding_index(encoding)][phase];
   }
 };
 
-/// Each fourth column of the SSE4.1 form is a copy of its left neighbour;
-/// the SSE2 form gives it its own value.
+/// Each fourth column of the SSE4.1 form is a copy of its left neighbour; the SSE2 form gives it
+/// its own value.
 extern const BlockTable kSse2Blocks;
 extern const BlockTable kSse41Blocks;
 

@@ -51,7 +51,7 @@ inline Words8 minimum(Words8 a, Words8 b) { return {_mm_min_epu16(a.lanes, b.lan
 
 struct Simd128 {
   static constexpr std::uint64_t kBlocks = 4;
-  static constexpr bool kPrefetchesForWriting = false;
+  static constexpr Prefetch kPrefetch = Prefetch::none;
   using Float = Float4;
   using Int = Int4;
   using Words = Words8;

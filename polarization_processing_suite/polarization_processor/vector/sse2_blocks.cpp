@@ -1,5 +1,5 @@
 #include "polarization_processor/vector/block.h"
-#include "polarization_processor/vector/block_table.h"
+#include "polarization_processor/vector/block_entries.h"
 #include "polarization_processor/vector/float4.h"
 
 namespace kv {
@@ -37,6 +37,12 @@ struct Sse2Form {
 
 }  // namespace
 
-constinit const BlockTable kSse2Blocks = block_table<Sse2Form>();
+namespace {
+
+constinit const BlockEntries kEntries = block_entries<Sse2Form, Wanted::all>();
+
+}  // namespace
+
+constinit const BlockTable kSse2Blocks{kEntries, kEntries};
 
 }  // namespace kv
