@@ -157,9 +157,9 @@ std::uint32_t first_seed() {
 }
 
 std::uint32_t frame_count() {
-  constexpr std::uint32_t frames_of_a_size = 5;
+  const std::uint32_t rounds = number_from_environment("KV_TEST_ROUNDS", 5);
   return number_from_environment("KV_TEST_FRAMES",
-                                 frames_of_a_size * static_cast<std::uint32_t>(kSizes.size()));
+                                 rounds * static_cast<std::uint32_t>(kSizes.size()));
 }
 
 }  // namespace kv::test

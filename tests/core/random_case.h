@@ -27,7 +27,7 @@ std::ostream& operator<<(std::ostream& out, const RandomCase& random_case);
 /// From KV_TEST_SEED, else a new one each time.
 std::uint32_t first_seed();
 
-/// From KV_TEST_FRAMES, else so many that each geometry comes up several times.
+/// From KV_TEST_FRAMES, else so many that each geometry comes up KV_TEST_ROUNDS times, or five.
 std::uint32_t frame_count();
 
 }  // namespace kv::test
