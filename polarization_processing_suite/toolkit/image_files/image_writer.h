@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "toolkit/image_files/pending_file.h"
-#include "toolkit/pictures/picture.h"
+#include "toolkit/picture.h"
 
 namespace kv {
 

@@ -6,7 +6,7 @@
 #include "toolkit/image_files/image_writer.h"
 #include "toolkit/image_files/input_file.h"
 #include "toolkit/image_files/pending_file.h"
-#include "toolkit/pictures/picture.h"
+#include "toolkit/picture.h"
 
 namespace kv {
 

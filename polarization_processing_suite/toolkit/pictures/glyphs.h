@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "toolkit/pictures/picture.h"
+#include "toolkit/picture.h"
 
 namespace kv {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "toolkit/pictures/picture.h"
+#include "toolkit/picture.h"
 
 namespace kv {
 

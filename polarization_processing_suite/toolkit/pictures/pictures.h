@@ -1,7 +1,7 @@
 #pragma once
 
 #include "toolkit/frame.h"
-#include "toolkit/pictures/picture.h"
+#include "toolkit/picture.h"
 #include "toolkit/processor.h"
 
 namespace kv {
