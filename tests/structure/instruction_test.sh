@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# An instruction stands in a binary at least so many times.
+#
+#   instruction_test.sh OBJDUMP BINARY INSTRUCTION LEAST
+set -euo pipefail
+
+found=$("$1" -d --no-show-raw-insn "$2" | grep -cw "$3" || true)
+echo "$found times $3, at least $4 are expected"
+[[ $found -ge $4 ]]
