@@ -98,7 +98,7 @@ void add_log_level(CLI::App& app, std::optional<int>& level) {
       ->check(CLI::Range(0, 7));
 }
 
-const CLI::Range sides(2, 1 << 20);
+const CLI::Range kSides(2, 1 << 20);
 
 /// The transform command's options as they come from the command line.
 class TransformCommand {
@@ -167,10 +167,10 @@ class TransformCommand {
   void add_raw_shape() {
     CLI::Option* width = command_.add_option("--width", raw_.width, "Columns of headerless frames")
                              ->type_name("N")
-                             ->check(sides);
+                             ->check(kSides);
     CLI::Option* height = command_.add_option("--height", raw_.height, "Rows of headerless frames")
                               ->type_name("N")
-                              ->check(sides);
+                              ->check(kSides);
     CLI::Option* bits =
         command_.add_option("--raw-bits", raw_.bits, "Stored bits of their samples, 8 or 16")
             ->type_name("N")
@@ -204,11 +204,11 @@ class SimulateCommand {
         ->required();
     command_.add_option("--width", options_.width, "Columns")
         ->type_name("N")
-        ->check(sides)
+        ->check(kSides)
         ->capture_default_str();
     command_.add_option("--height", options_.height, "Rows")
         ->type_name("N")
-        ->check(sides)
+        ->check(kSides)
         ->capture_default_str();
     command_.add_option("--bit-depth", options_.camera.bit_depth, "Significant bits of a sample")
         ->type_name("N")

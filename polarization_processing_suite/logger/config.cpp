@@ -67,10 +67,10 @@ const Key& key_named(std::string_view name) {
 }
 
 std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r";
-  const auto first = text.find_first_not_of(kBlanks);
+  constexpr std::string_view blanks = " \t\r";
+  const auto first = text.find_first_not_of(blanks);
   if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 void apply_line(Config& config, std::string_view line) {
@@ -103,11 +103,11 @@ std::optional<std::int32_t> level_in_environment() {
 }
 
 Config parse_config(std::istream& lines, const std::string& name) {
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
   Config config;
   std::string line;
   for (int number = 1; std::getline(lines, line); ++number) {
-    if (number == 1 && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
+    if (number == 1 && line.starts_with(byte_order_mark)) line.erase(0, byte_order_mark.size());
     try {
       apply_line(config, line);
     } catch (const ConfigFault& fault) {

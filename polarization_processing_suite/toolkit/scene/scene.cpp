@@ -19,7 +19,7 @@ constexpr double kHalfFieldOfView = 0.37;  // tangent, over the picture's height
 
 // From the left and a little from behind, so that the sky ahead is the strongly polarized band at
 // a right angle to the sun.
-const Vector3 to_sun = unit({-0.6, 0.6, 0.3});
+const Vector3 kToSun = unit({-0.6, 0.6, 0.3});
 
 // Radiance of discs before their lamp, sky, light from within the water, and the sphere's surface.
 constexpr double kDiscRadiance = 0.7;
@@ -38,14 +38,14 @@ struct Ray {
 /// Light of a clear sky by single scattering (Rayleigh): polarized across the plane through the
 /// sun, most at a right angle to it, where real skies reach 0.75.
 Light sky_light(Vector3 direction) {
-  const double cos_sun = dot(direction, to_sun);
+  const double cos_sun = dot(direction, kToSun);
   const double sin2 = 1 - cos_sun * cos_sun;
   const double dolp = 0.75 * sin2 / (1 + cos_sun * cos_sun);
   const double towards_horizon = std::pow(1 - std::clamp(direction.y, 0.0, 1.0), 4);
   const double radiance =
       kSkyRadiance * (0.6 + 0.4 * towards_horizon) * (1 + 0.5 * cos_sun * cos_sun);
   if (sin2 < 1e-9) return Light::unpolarized(radiance, direction);
-  return Light::polarized(radiance, dolp, -1 * direction, unit(cross(direction, to_sun)));
+  return Light::polarized(radiance, dolp, -1 * direction, unit(cross(direction, kToSun)));
 }
 
 /// Distance along the ray to the sphere, if it meets it.
@@ -97,7 +97,7 @@ Light light_along(const Ray& ray, int reflections_left) {
     const Vector3 place = ray.origin + *to_sphere * ray.direction;
     const Vector3 normal = unit(place - kSphereCentre);
     // Sunlight by Lambert's law, and a part from all around.
-    const double within = kSphereRadiance * (0.2 + 0.8 * std::max(0.0, dot(normal, to_sun)));
+    const double within = kSphereRadiance * (0.2 + 0.8 * std::max(0.0, dot(normal, kToSun)));
     return light_of_surface(ray, *to_sphere, normal, kSphereIndex, within, reflections_left);
   }
   if (to_water) {
