@@ -45,7 +45,7 @@ constexpr std::size_t kMaxFiles = 1000;
 constexpr std::array kKeys{
     Key{"level", [](Config& c, std::string_view v) { c.level = level_in(v); }},
     Key{"console", [](Config& c, std::string_view v) { c.console = on_or_off(v); }},
-    Key{"file", [](Config& c, std::string_view v) { c.file = v; }},
+    Key{"file", [](Config& c, std::string_view v) { c.file = std::filesystem::path(v); }},
     Key{"file_max_kib",
         [](Config& c, std::string_view v) {
           c.file_max_kib = number_in(v, std::size_t{1}, kMaxKib);
@@ -88,13 +88,19 @@ void apply_line(Config& config, std::string_view line) {
   }
 }
 
+/// Empty when it is not set.
+std::string_view in_environment(const char* name) {
+  // Nothing here changes the environment. NOLINTNEXTLINE(concurrency-mt-unsafe)
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
 }  // namespace
 
 std::optional<std::int32_t> level_in_environment() {
   const char* const name = "KEVRINTH_QRM_LOGGER_LEVEL";
-  // Nothing here changes the environment. NOLINTNEXTLINE(concurrency-mt-unsafe)
-  const char* const value = std::getenv(name);
-  if (value == nullptr || *value == '\0') return std::nullopt;
+  const std::string_view value = in_environment(name);
+  if (value.empty()) return std::nullopt;
   try {
     return level_in(value);
   } catch (const ConfigFault& fault) {
@@ -118,19 +124,28 @@ Config parse_config(std::istream& lines, const std::string& name) {
   return config;
 }
 
-std::filesystem::path find_config(const std::string& file_name) {
-  if (file_name.empty()) return {};
+std::filesystem::path find_config(const std::filesystem::path& file_name) {
+  std::filesystem::path path = file_name;
+  if (path.is_relative()) {
+    const std::filesystem::path named = in_environment("KEVRINTH_QRM_LOGGER_CONFIG");
+    if (!named.empty()) return named;
+    const std::filesystem::path beside_library = platform::own_folder();
+    // Of a library that was loaded by a relative path, nobody knows the folder any more.
+    if (path.empty() || !beside_library.is_absolute()) return {};
+    path = beside_library / path;
+  }
   std::error_code ignored;
-  if (std::filesystem::exists(file_name, ignored)) return file_name;
-  const std::filesystem::path beside_library = platform::own_folder() / file_name;
-  return std::filesystem::exists(beside_library, ignored) ? beside_library
-                                                          : std::filesystem::path{};
+  return std::filesystem::exists(path, ignored) ? path : std::filesystem::path{};
 }
 
 Config read_config(const std::filesystem::path& path) {
   std::ifstream lines(path);
   if (!lines) throw ConfigFault(path.string() + ": cannot be opened for reading");
-  return parse_config(lines, path.string());
+  Config config = parse_config(lines, path.string());
+  if (!config.file.empty()) {
+    config.file = (std::filesystem::absolute(path).parent_path() / config.file).lexically_normal();
+  }
+  return config;
 }
 
 }  // namespace kv::logger

@@ -12,9 +12,9 @@ namespace kv::logger {
 
 /// What to write and where. The initial values are the defaults.
 struct Config {
-  std::int32_t level = 2;  ///< The highest severity number that is written, 0 to 7.
-  bool console = true;     ///< To standard error.
-  std::string file;        ///< None when empty.
+  std::int32_t level = 2;      ///< The highest severity number that is written, 0 to 7.
+  bool console = true;         ///< To standard error.
+  std::filesystem::path file;  ///< None when empty.
   std::size_t file_max_kib = 10240;
   std::size_t file_count = 3;  ///< Files set aside, beside the one being written.
   std::string pattern = "%Y-%m-%d %H:%M:%S.%e [%l] %n: %v";
@@ -36,11 +36,13 @@ std::optional<std::int32_t> level_in_environment();
 /// for the source in the fault.
 Config parse_config(std::istream& lines, const std::string& name);
 
-/// The file of that name in the working folder, else the one beside this library; empty when there
-/// is neither.
-std::filesystem::path find_config(const std::string& file_name);
+/// An absolute path as it is; else the file that KEVRINTH_QRM_LOGGER_CONFIG names in the
+/// environment, else the one of that name beside this library. Never one of the working folder,
+/// which may hold a stranger's files. Empty when there is none.
+std::filesystem::path find_config(const std::filesystem::path& file_name);
 
-/// The configuration in that file; throws ConfigFault.
+/// The configuration in that file, whose folder is where a relative log file starts; throws
+/// ConfigFault.
 Config read_config(const std::filesystem::path& path);
 
 }  // namespace kv::logger

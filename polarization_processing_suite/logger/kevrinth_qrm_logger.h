@@ -3,7 +3,9 @@
  *
  * A library that logs loads this one by name, gets a log for itself and writes finished lines to
  * it. How much is written, and where, is the user's choice: the configuration file, which the
- * sample kevrinth_qrm_logger.cfg explains line by line.
+ * sample kevrinth_qrm_logger.cfg explains line by line. It lies beside this library, or where the
+ * environment variable KEVRINTH_QRM_LOGGER_CONFIG says, and is never looked for in the working
+ * folder: that may hold somebody else's files.
  *
  * All functions may be called from any thread at any time. None lets a C++ exception out, and none
  * ends the process. What is wrong with a configuration or a log file is said once, in one line on
@@ -34,9 +36,10 @@ extern "C" {
  *
  *   module_name       stands in the lines
  *   group_name        stands behind the module's name in the lines; may be empty
- *   config_file_name  a bare name or relative path is looked for in the working folder, then
- *                     beside this library; an absolute path is taken as it is. Without the file
- *                     the defaults hold.
+ *   config_file_name  an absolute path is taken as it is. Instead of a bare name or relative path
+ *                     the file that KEVRINTH_QRM_LOGGER_CONFIG names is taken; where that is not
+ *                     set, a relative path starts at the folder of this library. Without the file
+ *                     the defaults hold; that the variable names none is said.
  *
  * The log stays until qrm_free_log was called as often as qrm_get_log for the same two names.
  * Until then every further call gives the same log and reads no configuration.

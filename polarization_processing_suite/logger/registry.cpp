@@ -2,9 +2,6 @@
 
 #include <spdlog/sinks/stdout_sinks.h>
 
-#include <filesystem>
-#include <system_error>
-
 namespace kv::logger {
 
 Log& Registry::get(const std::string& module_name, const std::string& group_name,
@@ -59,14 +56,11 @@ std::vector<Sink> Registry::make_sinks(const Config& config) {
 
 /// Logs that name the same file share it, as the first of them has set it up.
 Sink Registry::file_sink(const Config& config) {
-  std::error_code no_working_folder;
-  const std::filesystem::path path =
-      std::filesystem::absolute(config.file, no_working_folder).lexically_normal();
-  std::weak_ptr<FileSink>& known = files_[path.string()];
+  std::weak_ptr<FileSink>& known = files_[config.file];
   if (const auto shared = known.lock()) return shared;
   try {
-    const auto sink =
-        std::make_shared<FileSink>(path.string(), config.file_max_kib * 1024, config.file_count);
+    const auto sink = std::make_shared<FileSink>(config.file.string(), config.file_max_kib * 1024,
+                                                 config.file_count);
     sink->set_pattern(config.pattern);
     known = sink;
     return sink;

@@ -2,6 +2,7 @@
 
 #include <spdlog/sinks/rotating_file_sink.h>
 
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <set>
@@ -39,8 +40,8 @@ class Registry {
   void report_once(const std::string& line);
 
   std::map<std::pair<std::string, std::string>, CountedLog> logs_;
-  /// By absolute path: two sinks on one file would rotate it under each other's feet.
-  std::map<std::string, std::weak_ptr<FileSink>> files_;
+  /// By path: two sinks on one file would rotate it under each other's feet.
+  std::map<std::filesystem::path, std::weak_ptr<FileSink>> files_;
   std::set<std::string> reported_;
 };
 

@@ -1,226 +1,159 @@
 // What reaches standard error and the log file through the three functions.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdlib>
-#include <string>
 #include <thread>
-#include <vector>
 
-#include "kevrinth_qrm_logger.h"
-#include "kevrinth_qrm_polarization_processor.h"
-#include "working_folder.h"
+#include "logger_test.h"
 
 namespace kv::test {
 namespace {
 
-namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
-
-constexpr char kConfigName[] = "kevrinth_qrm_logger.cfg";
-
 /// A log for the length of a scope.
-class ScopedLog {
- public:
-  explicit ScopedLog(const char* module_name, const char* group_name = "")
-      : module_name_(module_name),
-        group_name_(group_name),
-        log_(qrm_get_log(module_name, group_name, kConfigName)) {}
-  ~ScopedLog() { qrm_free_log(module_name_, group_name_); }
-  ScopedLog(const ScopedLog&) = delete;
-  ScopedLog& operator=(const ScopedLog&) = delete;
+struct ScopedLog {
+  const char* module_name;
+  const char* group_name = "";
+  void* log = qrm_get_log(module_name, group_name, kConfigName);
+
+  ~ScopedLog() { qrm_free_log(module_name, group_name); }
 
   std::int32_t write(std::int32_t severity, const std::string& message) const {
-    return qrm_log(log_, severity, "source.cpp", 12, "function", message.c_str());
+    return qrm_log(log, severity, "source.cpp", 12, "function", message.c_str());
   }
-  void* get() const { return log_; }
-
- private:
-  const char* module_name_;
-  const char* group_name_;
-  void* log_;
 };
 
-Lines split(const std::string& text) {
-  Lines lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
+using Log = LoggerTest;
 
-/// What `act` writes to standard error.
-template <class Act>
-Lines standard_error_of(Act act) {
-  testing::internal::CaptureStderr();
-  act();
-  return split(testing::internal::GetCapturedStderr());
-}
-
-TEST(Log, LevelIsTheHighestNumberWritten) {
-  for (std::int32_t level = 0; level <= 7; ++level) {
-    const WorkingFolder folder("console = off\nfile = run.log\npattern = %v\nlevel = " +
-                               std::to_string(level));
-    Lines expected;
-    const ScopedLog log("MODULE");
-    for (std::int32_t severity = 0; severity <= 7; ++severity) {
-      EXPECT_EQ(log.write(severity, std::to_string(severity)), 0);
-      if (severity <= level) expected.push_back(std::to_string(severity));
-    }
-    EXPECT_EQ(lines_of("run.log"), expected) << "level " << level;
-  }
-}
-
-/// The arguments stay part of the environment.
-void set_level_in_environment(char* assignment) { EXPECT_EQ(putenv(assignment), 0); }
-
-TEST(Log, EnvironmentGoesBeforeTheConfiguredLevel) {
-  static char dropped[] = "KEVRINTH_QRM_LOGGER_LEVEL=1";
-  static char broken[] = "KEVRINTH_QRM_LOGGER_LEVEL=all";
-  static char none[] = "KEVRINTH_QRM_LOGGER_LEVEL=";
-  const WorkingFolder folder("console = off\nlevel = 4\nfile = run.log\npattern = %v");
-  const auto log_all = [](const std::string& name) {
-    const ScopedLog log("MODULE");
-    for (const std::int32_t severity : {1, 4, 7}) {
-      log.write(severity, name + " " + std::to_string(severity));
-    }
-  };
-  set_level_in_environment(dropped);
-  log_all("1");
-  set_level_in_environment(broken);
-  const Lines said = standard_error_of([&] { log_all("all"); });
-  set_level_in_environment(none);
-  log_all("none");
-  EXPECT_EQ(lines_of("run.log"), (Lines{"1 1", "all 1", "all 4", "none 1", "none 4"}));
-  EXPECT_EQ(said,
-            Lines{"kevrinth_qrm_logger: KEVRINTH_QRM_LOGGER_LEVEL: 'all' is not a whole number "
-                  "from 0 to 7. The level is 4."});
-}
-
-TEST(Log, PatternShowsSourceModuleAndSeverity) {
-  const WorkingFolder folder(
-      "console = off\nlevel = 7\nfile = new/run.log\npattern = %l %n %s:%# %! %v %%");
-  {
-    const ScopedLog module_log("MODULE");
-    const ScopedLog group_log("MODULE", "GROUP");
-    module_log.write(2, "{} %s");
-    group_log.write(7, "");
-    EXPECT_EQ(qrm_log(group_log.get(), 4, nullptr, 0, nullptr, nullptr), 0);
-  }
-  EXPECT_EQ(lines_of("new/run.log"),
-            (Lines{"error MODULE source.cpp:12 function {} %s %",
-                   "debug MODULE/GROUP source.cpp:12 function  %", "warning MODULE/GROUP :   %"}));
-}
-
-TEST(Log, WithoutConfigurationErrorsGoToStandardErrorAndDurationsNowhere) {
-  const WorkingFolder folder;
-  const Lines lines = standard_error_of([] {
-    const ScopedLog log("MODULE");
-    log.write(2, "an error");
-    log.write(7, "a duration");
-  });
-  ASSERT_EQ(lines.size(), 1u);
-  EXPECT_TRUE(lines[0].ends_with(" [error] MODULE: an error")) << lines[0];
-  EXPECT_TRUE(fs::is_empty(folder.path()));
-}
-
-struct BrokenConfig {
-  const char* config;
-  const char* fault_end;
+struct Situation {
+  std::string config;
+  const char* level_in_environment;
+  std::string standard_error;
+  Lines file;
 };
 
-TEST(Log, WhatIsWrongIsSaidOnceAndTheDefaultsHold) {
-  const BrokenConfig broken[] = {
-      {"level = 7\nconsole = maybe", "cfg:2: console: 'maybe' is neither 'on' nor 'off'"},
-      {"console = off\nfile = .", "; name a file that this process may write"},
+TEST_F(Log, GoesWhereConfigurationAndEnvironmentSay) {
+  const std::string error = "....-..-.. ..:..:..\\.... \\[error\\] B: an error\n";
+  const std::string duration = "....-..-.. ..:..:..\\.... \\[debug\\] B: a duration\n";
+  const std::string logger = "kevrinth_qrm_logger: ";
+  const std::string defaults =
+      "\\. The defaults hold: errors go to standard error, other lines are dropped\\.\n";
+  const std::string maybe = logger + ".*test.cfg:2: console: 'maybe' is neither .*" + defaults;
+  const std::string all = logger + "KEVRINTH_QRM_LOGGER_LEVEL: 'all' is not a whole .*";
+  const std::string unwritable = logger + "file: .*; name a file that this process may write";
+  const std::string to_file = "console = off\nfile = new/run.log\npattern = %v\n";
+  const Situation situations[] = {
+      {"", "", error, {}},
+      {"level = 7", "", error + duration, {}},
+      {"level = 7", "1", "", {}},
+      {"level = 1", "7", error + duration, {}},
+      {"level = 7", "all", all + "\\. The level is 7\\.\n" + error + duration, {}},
+      {"level = 7\nconsole = maybe", "", maybe + error, {}},
+      {"level = 1\nconsole = maybe", "7", maybe + error + duration, {}},
+      {to_file + "level = 7", "", "", {"an error", "a duration"}},
+      {to_file + "console = on", "", "an error\n", {"an error"}},
+      {"level = 7\nfile = .", "", unwritable + defaults + error, {}},
   };
-  for (const BrokenConfig& situation : broken) {
-    const WorkingFolder folder(situation.config);
-    const Lines lines = standard_error_of([] {
-      const ScopedLog first("FIRST");
-      const ScopedLog second("SECOND");
+  for (const Situation& situation : situations) {
+    configure(situation.config, situation.level_in_environment);
+    const std::string said = standard_error_of([] {
+      const ScopedLog first{"A"};
+      const ScopedLog second{"B"};
       EXPECT_EQ(second.write(2, "an error"), 0);
       EXPECT_EQ(second.write(7, "a duration"), 0);
     });
-    ASSERT_EQ(lines.size(), 2u) << situation.config;
-    EXPECT_TRUE(lines[0].starts_with("kevrinth_qrm_logger: ")) << lines[0];
-    EXPECT_NE(lines[0].find(std::string(situation.fault_end) + ". The defaults hold: "),
-              std::string::npos)
-        << lines[0];
-    EXPECT_TRUE(lines[1].ends_with(" [error] SECOND: an error")) << lines[1];
+    EXPECT_TRUE(is_like(said, situation.standard_error)) << situation.config;
+    EXPECT_EQ(lines_of(folder / "new/run.log"), situation.file) << situation.config;
+    fs::remove_all(folder / "new");
   }
 }
 
-TEST(Log, FullFilesAreSetAside) {
-  const WorkingFolder folder(
-      "console = off\nfile = run.log\nfile_max_kib = 1\nfile_count = 2\npattern = %v");
-  {
-    const ScopedLog log("MODULE");
-    for (int i = 0; i < 100; ++i) log.write(2, std::string(97, '.') + std::to_string(100 + i));
+TEST_F(Log, LevelIsTheHighestNumberWritten) {
+  const Lines words{"0 error",   "1 error", "2 error", "3 warning",
+                    "4 warning", "5 info",  "6 info",  "7 debug"};
+  for (int level = 0; level <= 7; ++level) {
+    const std::string number = std::to_string(level);
+    configure("console = off\npattern = %v %l\nlevel = " + number + "\nfile = " + number);
+    const ScopedLog log{"MODULE"};
+    for (int severity = 0; severity <= 7; ++severity) {
+      EXPECT_EQ(log.write(severity, std::to_string(severity)), 0);
+    }
+    // The log is open still: each line is in the file at once.
+    EXPECT_EQ(lines_of(folder / number), Lines(words.begin(), words.begin() + level + 1));
   }
-  Lines kept;
+}
+
+TEST_F(Log, PatternShowsSourceAndNames) {
+  configure("console = off\nfile = run.log\npattern = %n %s:%# %! %v %%");
+  const ScopedLog module_log{"MODULE"};
+  const ScopedLog group_log{"MODULE", "GROUP"};
+  const ScopedLog nameless{nullptr, nullptr};
+  module_log.write(2, "{} %s");
+  nameless.write(2, "nameless");
+  EXPECT_EQ(qrm_log(group_log.log, 2, nullptr, 0, nullptr, nullptr), 0);
+  EXPECT_EQ(qrm_log(nullptr, 2, "", 0, "", ""), 1);
+  EXPECT_EQ(lines_of(folder / "run.log"),
+            (Lines{"MODULE source.cpp:12 function {} %s %", " source.cpp:12 function nameless %",
+                   "MODULE/GROUP :   %"}));
+}
+
+/// The second module names configuration and file differently, and other limits for the file.
+TEST_F(Log, ModulesShareAFileThatIsSetAsideWhenFull) {
+  configure("console = off\nfile = run.log\nfile_max_kib = 1\nfile_count = 2\npattern = %v");
+  const ScopedLog first{"A"};
+  configure("console = off\nfile = ./new/../run.log\npattern = other %v");
+  const fs::path before = fs::current_path();
+  fs::current_path(folder);
+  set_environment("test.cfg", "");
+  const ScopedLog second{"B"};
+  fs::current_path(before);
+  // A line takes 101 bytes, on Windows 102, so that a file has room for ten.
+  const std::string dots(97, '.');
+  for (int i = 100; i < 200; ++i) {
+    (i % 3 == 0 ? first : second).write(2, dots + std::to_string(i));
+  }
+  int next = 170;
   for (const char* name : {"run.2.log", "run.1.log", "run.log"}) {
-    EXPECT_LE(fs::file_size(name), 1024u) << name;
-    const Lines lines = lines_of(name);
-    kept.insert(kept.end(), lines.begin(), lines.end());
+    Lines expected;
+    for (int i = 0; i < 10; ++i) expected.push_back(dots + std::to_string(next++));
+    EXPECT_EQ(lines_of(folder / name), expected) << name;
   }
-  EXPECT_FALSE(fs::exists("run.3.log"));
-  ASSERT_EQ(kept.size(), 30u);
-  EXPECT_TRUE(kept.front().ends_with(".170"));
-  EXPECT_TRUE(kept.back().ends_with(".199"));
+  EXPECT_FALSE(fs::exists(folder / "run.3.log"));
 }
 
-TEST(Log, StaysUntilGivenBackAsOftenAsGot) {
-  const WorkingFolder folder("console = off\nlevel = 7\nfile = run.log\npattern = %n %v");
+TEST_F(Log, StaysUntilGivenBackAsOftenAsGot) {
+  configure("console = off\nlevel = 7\nfile = run.log\npattern = %v");
   {
-    const ScopedLog first("MODULE");
-    const ScopedLog other("MODULE", "GROUP");
-    EXPECT_NE(first.get(), other.get());
-    write_file(kConfigName, "console = off\nlevel = 0");
-    { EXPECT_EQ(ScopedLog("MODULE").get(), first.get()); }
+    const ScopedLog log{"MODULE"};
+    configure("console = off\nlevel = 6\nfile = run.log\npattern = again %v");
+    { EXPECT_EQ(ScopedLog{"MODULE"}.log, log.log); }
     qrm_free_log("UNKNOWN", "");
     qrm_free_log("MODULE", "ANOTHER");
-    first.write(7, "still there");
+    log.write(7, "still there");
   }
-  ScopedLog("MODULE").write(7, "dropped by the new configuration");
-  EXPECT_EQ(lines_of("run.log"), Lines{"MODULE still there"});
+  const ScopedLog log{"MODULE"};
+  log.write(7, "dropped by the new configuration");
+  log.write(6, "appended");
+  EXPECT_EQ(lines_of(folder / "run.log"), (Lines{"still there", "again appended"}));
 }
 
-TEST(Log, ModulesAndThreadsShareAFile) {
-  const WorkingFolder folder("console = off\nfile = run.log\npattern = %n %v");
-  constexpr int kThreads = 4;
-  constexpr int kLines = 200;
-  const std::vector<const char*> modules{"A", "B"};
-  Lines expected;
+TEST_F(Log, ThreadsGetWriteAndFreeAtOnce) {
+  configure("console = off\nfile = run.log\npattern = %v");
   std::vector<std::thread> threads;
-  for (int thread = 0; thread < kThreads; ++thread) {
-    const char* const module_name = modules[static_cast<std::size_t>(thread) % modules.size()];
-    for (int i = 0; i < kLines; ++i) {
-      expected.push_back(module_name + (" " + std::to_string(thread)));
-    }
-    threads.emplace_back([=] {
-      for (int i = 0; i < kLines; ++i) {
-        ScopedLog(module_name).write(2, std::to_string(thread));
-      }
+  for (const char* module_name : {"A", "B", "A", "B"}) {
+    threads.emplace_back([module_name] {
+      for (int i = 0; i < 200; ++i) ScopedLog{module_name}.write(2, "line");
     });
   }
   for (std::thread& thread : threads) thread.join();
-  Lines found = lines_of("run.log");
-  std::sort(found.begin(), found.end());
-  std::sort(expected.begin(), expected.end());
-  EXPECT_EQ(found, expected);
+  EXPECT_EQ(lines_of(folder / "run.log"), Lines(800, "line"));
 }
 
-TEST(Log, NullLogIsRefused) { EXPECT_EQ(qrm_log(nullptr, 2, "", 0, "", ""), 1); }
-
-TEST(Log, ProcessorLibraryWritesItsLines) {
-  const WorkingFolder folder("console = off\nlevel = 7\nfile = run.log\npattern = %l %s %! %v");
-  ASSERT_EQ(kv_polarization_processor_module_initialize(), kv_status_ok);
-  EXPECT_EQ(kv_polarization_processor_destroy_polarization_processor(nullptr),
-            kv_status_null_handle);
-  ASSERT_EQ(kv_polarization_processor_module_terminate(), kv_status_ok);
-  EXPECT_EQ(lines_of("run.log"), Lines{"error kevrinth_qrm_polarization_processor.cpp "
-                                       "kv_polarization_processor_destroy_polarization_processor "
-                                       "ERROR:  The specified color processor handle is NULL!"});
+TEST_F(Log, FullDiskIsReportedOnceAndToTheCaller) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
+  configure("file = /dev/full\npattern = %v");
+  const std::string said = standard_error_of([] {
+    const ScopedLog log{"MODULE"};
+    EXPECT_EQ(log.write(2, "one"), 1);
+    EXPECT_EQ(log.write(2, "two"), 1);
+  });
+  EXPECT_TRUE(is_like(said, "one\nkevrinth_qrm_logger: lines of MODULE are lost: .*\ntwo\n"));
 }
 
 }  // namespace
