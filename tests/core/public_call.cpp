@@ -5,13 +5,13 @@
 namespace kv::test {
 
 Processor::Processor() {
-  kv_polarization_processor_module_initialize();
-  EXPECT_EQ(kv_polarization_processor_create_polarization_processor(&handle_), kv_status_ok);
+  initialize();
+  EXPECT_EQ(create(handle_), kv_status_ok);
 }
 
 Processor::~Processor() {
-  EXPECT_EQ(kv_polarization_processor_destroy_polarization_processor(handle_), kv_status_ok);
-  kv_polarization_processor_module_terminate();
+  EXPECT_EQ(destroy(handle_), kv_status_ok);
+  terminate();
 }
 
 ProcessorStatus get_weights(PolarizationProcessor* handle, std::array<Weights, 4>& weights) {

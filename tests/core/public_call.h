@@ -10,6 +10,15 @@
 
 namespace kv::test {
 
+inline ProcessorStatus initialize() { return kv_polarization_processor_module_initialize(); }
+inline ProcessorStatus terminate() { return kv_polarization_processor_module_terminate(); }
+inline ProcessorStatus create(PolarizationProcessor*& handle) {
+  return kv_polarization_processor_create_polarization_processor(&handle);
+}
+inline ProcessorStatus destroy(PolarizationProcessor* handle) {
+  return kv_polarization_processor_destroy_polarization_processor(handle);
+}
+
 /// The module initialised, and one processor, for the length of a scope.
 class Processor {
  public:

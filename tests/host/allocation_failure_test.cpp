@@ -2,94 +2,136 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <limits>
 #include <new>
 
-#include "host.h"
-#include "short_memory.h"
+#include "core/public_call.h"
+#include "fake_platform.h"
+#include "polarization_processor/module_state.h"
 
 namespace kv::test {
 namespace {
 
-const char kNoMemory[] =
-    "Memory allocation failure when trying to create a polar processor instance!";
-const char kUnknownError[] =
-    "An unknown error occurred when trying to create a polar_processor instance!";
+constexpr long kNever = std::numeric_limits<long>::max();
 
-Events create_line(const char* message) {
-  return error_line("create_polarization_processor", message);
+std::atomic<long> until_failure = kNever;
+std::atomic<bool> memory_stays_short = false;
+std::atomic<long> alive = 0;  ///< Allocations less those given back.
+
+/// Lets the allocation after `successes` further ones fail, that one alone or all from there on,
+/// for the length of a scope.
+class ShortMemory {
+ public:
+  ShortMemory(long successes, bool stays_short) {
+    memory_stays_short = stays_short;
+    until_failure = successes;
+  }
+  ~ShortMemory() { end(); }
+  ShortMemory(const ShortMemory&) = delete;
+
+  static void end() { until_failure = kNever; }
+};
+
+bool refused() {
+  if (until_failure == kNever || until_failure-- > 0) return false;
+  until_failure = memory_stays_short ? 0 : kNever;
+  return true;
 }
+
+void* allocate(std::size_t size) {
+  while (true) {
+    if (void* const memory = refused() ? nullptr : std::malloc(size)) {
+      ++alive;
+      return memory;
+    }
+    const std::new_handler handler = std::get_new_handler();
+    if (handler == nullptr) throw std::bad_alloc();
+    handler();
+  }
+}
+
+void release(void* memory) {
+  if (memory != nullptr) --alive;
+  std::free(memory);
+}
+
+}  // namespace
+}  // namespace kv::test
+
+// All forms of new and delete end in these.
+void* operator new(std::size_t size) { return kv::test::allocate(size); }
+void operator delete(void* memory) noexcept { kv::test::release(memory); }
+void operator delete(void* memory, std::size_t) noexcept { kv::test::release(memory); }
+
+namespace kv::test {
+namespace {
 
 /// What has been loaded is unloaded, and what has been initialised is terminated.
-void expect_modules_released(const Events& all) {
-  const auto count = [&](const std::string& event) {
-    return std::count(all.begin(), all.end(), event);
-  };
-  for (const std::string set : {"avx512", "avx2"}) {
-    EXPECT_EQ(count("load " + set), count("unload " + set));
-    EXPECT_EQ(count("initialize " + set), count("terminate " + set));
+void expect_companions_released(const Events& events) {
+  const auto count = [&](const std::string& event) { return std::ranges::count(events, event); };
+  for (const std::string companion : {"logger", "avx512", "avx2"}) {
+    EXPECT_EQ(count("load " + companion), count("unload " + companion));
+    EXPECT_EQ(count("initialize " + companion), count("terminate " + companion));
   }
 }
 
-class AllocationFailure : public testing::TestWithParam<bool> {};
-
-INSTANTIATE_TEST_SUITE_P(Memory, AllocationFailure, testing::Bool(), [](const auto& test) {
-  return test.param ? "StaysShort" : "IsShortOnce";
-});
-
-TEST_P(AllocationFailure, InCreate) {
-  const bool stays_short = GetParam();
-  const Host host(kAllCompanions);
-  ASSERT_EQ(host.initialize(), kv_status_ok);
-  char nowhere;
-  auto* const before = reinterpret_cast<PolarizationProcessor*>(&nowhere);
-  PolarizationProcessor* handle = before;
-  long successes = 0;
-  for (;; ++successes) {
+/// Calls with ever more allocations that succeed, until all do. After each failed call nothing is
+/// to be left of it, and `expect_failed` looks at the events of it.
+void fail_at_each_allocation(const FakePlatform& platform, bool stays_short,
+                             const std::function<bool()>& call,
+                             const std::function<void(const Events&)>& expect_failed) {
+  for (long successes = 0; successes < 100; ++successes) {
     SCOPED_TRACE("after " + std::to_string(successes) + " allocations");
-    ASSERT_LT(successes, 100);
-    reset_recorder();
-    const long alive = allocations_alive();
-    ProcessorStatus status;
+    const long before = alive;
+    bool succeeded;
     {
       const ShortMemory short_memory(successes, stays_short);
-      status = host.create(handle);
+      succeeded = call();
     }
-    if (status == kv_status_ok) break;
-    EXPECT_EQ(allocations_alive(), alive);
-    EXPECT_EQ(status, kv_status_out_of_memory);
-    EXPECT_EQ(handle, before);
-    const Events all = events();
-    expect_modules_released(all);
-    const bool logged = !all.empty() && all.back() == create_line(kNoMemory)[0];
-    // The line needs memory too.
-    EXPECT_EQ(logged, !stays_short);
+    if (succeeded) {
+      EXPECT_GE(successes, 3) << "a record and names";
+      return;
+    }
+    EXPECT_EQ(alive, before);
+    const Events events = platform.take_events();
+    expect_companions_released(events);
+    expect_failed(events);
   }
-  EXPECT_GE(successes, 3) << "the processor and the names of two modules";
-  EXPECT_EQ(host.destroy(handle), kv_status_ok);
-  EXPECT_EQ(host.terminate(), kv_status_ok);
+  FAIL() << "the call does not succeed";
 }
 
-// A failed initialize leaves its lock taken, so that each one is the last of its library.
-TEST_P(AllocationFailure, InInitialize) {
-  for (long successes = 0;; ++successes) {
-    ASSERT_LT(successes, 100);
-    const Host host(kAllCompanions);
-    const long alive = allocations_alive();
-    bool failed = false;
-    try {
-      const ShortMemory short_memory(successes, GetParam());
-      host.initialize();
-    } catch (const std::bad_alloc&) {
-      failed = true;
-    }
-    if (!failed) {
-      EXPECT_GE(successes, 1);
-      EXPECT_EQ(host.terminate(), kv_status_ok);
-      EXPECT_EQ(allocations_alive(), alive);
-      break;
-    }
-    EXPECT_EQ(allocations_alive(), alive) << "after " << successes << " allocations";
-    EXPECT_EQ(host.destroy(nullptr), kv_status_not_initialized);
+TEST(AllocationFailure, InCreate) {
+  for (const bool stays_short : {false, true}) {
+    const OpenModule module;
+    PolarizationProcessor* handle = no_handle();
+    ProcessorStatus status;
+    const auto call = [&] { return (status = create(handle)) == kv_status_ok; };
+    fail_at_each_allocation(module, stays_short, call, [&](const Events& events) {
+      EXPECT_EQ(status, kv_status_out_of_memory);
+      EXPECT_EQ(handle, no_handle());
+      // The line needs memory too.
+      EXPECT_EQ(!events.empty() && events.back() == kNoMemoryToCreate[0], !stays_short);
+    });
+    EXPECT_EQ(destroy(handle), kv_status_ok);
+  }
+}
+
+TEST(AllocationFailure, InInitialize) {
+  for (const bool stays_short : {false, true}) {
+    const FakePlatform platform;
+    const auto call = [] {
+      try {
+        return initialize() == kv_status_ok;
+      } catch (const std::bad_alloc&) {
+        module_mutex().unlock();  // A failed initialize leaves it taken.
+        return false;
+      }
+    };
+    fail_at_each_allocation(platform, stays_short, call, [](const Events&) {});
+    EXPECT_EQ(terminate(), kv_status_ok);
   }
 }
 
@@ -110,34 +152,28 @@ struct Handling {
 };
 
 TEST(NewHandler, IsAskedUntilItGivesUp) {
-  const Handling handlings[]{
-      {[] { count_to_three([] { throw std::bad_alloc(); }); }, kv_status_out_of_memory,
-       create_line(kNoMemory)},
-      {[] { count_to_three([] { throw 5; }); }, kv_status_general_failure,
-       create_line(kUnknownError)},
-      {[] { count_to_three([] {}); }, kv_status_ok, {}},
-  };
-  const Host host({.logger = "complete", .avx512 = {}, .avx2 = {}});
-  ASSERT_EQ(host.initialize(), kv_status_ok);
-  for (const Handling& handling : handlings) {
-    reset_recorder();
+  const OpenModule module({{"avx512", Fault::missing}, {"avx2", Fault::missing}});
+  for (const Handling& handling : std::vector<Handling>{
+           {[] { count_to_three([] { throw std::bad_alloc(); }); }, kv_status_out_of_memory,
+            kNoMemoryToCreate},
+           {[] { count_to_three([] { throw 5; }); }, kv_status_general_failure,
+            kUnknownErrorToCreate},
+           {[] { count_to_three([] {}); }, kv_status_ok, {}},
+       }) {
     handler_calls = 0;
     PolarizationProcessor* handle = nullptr;
-    const std::new_handler before = std::set_new_handler(handling.handler);
     ProcessorStatus status;
+    const std::new_handler before = std::set_new_handler(handling.handler);
     {
       const ShortMemory short_memory(0, true);
-      status = host.create(handle);
+      status = create(handle);
     }
     std::set_new_handler(before);
     EXPECT_EQ(status, handling.status);
     EXPECT_EQ(handler_calls, 3);
-    EXPECT_EQ(events(), handling.logged);
-    if (handle != nullptr) {
-      EXPECT_EQ(host.destroy(handle), kv_status_ok);
-    }
+    EXPECT_EQ(module.take_events(), handling.logged);
+    delete handle;
   }
-  EXPECT_EQ(host.terminate(), kv_status_ok);
 }
 
 }  // namespace

@@ -1,96 +1,112 @@
-// How the life of the module, and that of processors, shows in the calls to the companions.
+// The two levels of life, the module, which counts, and processors, which outlive it: the status of
+// each call, and what companions see of it.
 #include <gtest/gtest.h>
 
-#include "host.h"
+#include "core/public_call.h"
+#include "fake_platform.h"
 
 namespace kv::test {
 namespace {
 
-void expect_ok(ProcessorStatus status) { EXPECT_EQ(status, kv_status_ok); }
-
-struct Story {
-  const char* name;
-  void (*act)(Host& host);
-  Events expected;
+/// A call on the one handle of a story, which is null until it is created.
+struct Step {
+  ProcessorStatus (*call)(PolarizationProcessor*& handle);
+  ProcessorStatus status;
+  Events events = {};
 };
 
+ProcessorStatus open(PolarizationProcessor*&) { return initialize(); }
+ProcessorStatus close(PolarizationProcessor*&) { return terminate(); }
+ProcessorStatus make(PolarizationProcessor*& handle) { return create(handle); }
+ProcessorStatus free(PolarizationProcessor*& handle) { return destroy(handle); }
+ProcessorStatus get(PolarizationProcessor*& handle) {
+  std::array<Weights, 4> weights;
+  return get_weights(handle, weights);
+}
+ProcessorStatus set(PolarizationProcessor*& handle) {
+  return set_weights(handle, std::array<Weights, 4>{});
+}
+ProcessorStatus run(PolarizationProcessor*& handle) {
+  const std::array<std::uint16_t, 4> frame{};
+  std::array<std::uint16_t, 4> intensity;
+  return transform(handle, {.input = frame.data(), .intensity = intensity.data()});
+}
+
+constexpr ProcessorStatus ok = kv_status_ok;
+constexpr ProcessorStatus closed = kv_status_not_initialized;
+constexpr ProcessorStatus null_handle = kv_status_null_handle;
+
+const char kNullHandle[] = "ERROR:  The specified polarization processor handle is NULL!";
 const Events kModulesCome{"load avx512", "initialize avx512", "load avx2", "initialize avx2"};
 const Events kModulesGo{"terminate avx2", "unload avx2", "terminate avx512", "unload avx512"};
 
-const Story kStories[]{
-    {"terminate first",
-     [](Host& host) {
-       expect_ok(host.terminate());
-       expect_ok(host.initialize());
-       expect_ok(host.terminate());
-       expect_ok(host.terminate());
-     },
-     kLoggerComes + kLoggerGoes},
-    {"nested initialize",
-     [](Host& host) {
-       expect_ok(host.initialize());
-       expect_ok(host.initialize());
-       expect_ok(host.terminate());
-       EXPECT_EQ(host.transform(nullptr, Frame().arguments()), kv_status_null_handle);
-       expect_ok(host.terminate());
-       EXPECT_EQ(host.transform(nullptr, Frame().arguments()), kv_status_not_initialized);
-     },
-     kLoggerComes + null_handle_to_transform() + kLoggerGoes},
-    {"a second life",
-     [](Host& host) {
-       for (int life = 0; life < 2; ++life) {
-         expect_ok(host.initialize());
-         expect_ok(host.terminate());
-       }
-     },
-     kLoggerComes + kLoggerGoes + kLoggerComes + kLoggerGoes},
-    {"a processor outlives the module",
-     [](Host& host) {
-       PolarizationProcessor* handle = nullptr;
-       expect_ok(host.initialize());
-       expect_ok(host.create(handle));
-       expect_ok(host.terminate());
-       EXPECT_EQ(host.destroy(handle), kv_status_not_initialized);
-       EXPECT_EQ(host.create(handle), kv_status_not_initialized);
-       expect_ok(host.initialize());
-       expect_ok(host.destroy(handle));
-       expect_ok(host.terminate());
-     },
-     kLoggerComes + kModulesCome + kLoggerGoes + kLoggerComes + kModulesGo + kLoggerGoes},
-    {"two processors",
-     [](Host& host) {
-       PolarizationProcessor* first = nullptr;
-       PolarizationProcessor* second = nullptr;
-       expect_ok(host.initialize());
-       expect_ok(host.create(first));
-       expect_ok(host.create(second));
-       expect_ok(host.destroy(first));
-       expect_ok(host.destroy(second));
-       expect_ok(host.terminate());
-     },
-     kLoggerComes + kModulesCome + Events{"initialize avx512", "initialize avx2"} +
-         Events{"terminate avx2", "terminate avx512"} + kModulesGo + kLoggerGoes},
-    {"unloaded without a terminate",
-     [](Host& host) {
-       expect_ok(host.initialize());
-       expect_ok(host.initialize());
-       host.unload();
-     },
-     kLoggerComes + kLoggerGoes},
-    {"unloaded without an initialize", [](Host& host) { host.unload(); }, {}},
+struct Story {
+  const char* name;
+  std::vector<Step> steps;
 };
 
-void PrintTo(const Story& story, std::ostream* out) { *out << story.name; }
+const std::vector<Story> kStories{
+    {"everything but terminate is refused before initialize",
+     {{make, closed},
+      {free, closed},
+      {get, closed},
+      {set, closed},
+      {run, closed},
+      {close, ok},
+      {open, ok, kLoggerComes},
+      {close, ok, kLoggerGoes},
+      {close, ok}}},
+    {"nesting, and a second life",
+     {{open, ok, kLoggerComes},
+      {open, ok},
+      {close, ok},
+      {run, null_handle, null_handle_to_transform()},
+      {close, ok, kLoggerGoes},
+      {run, closed},
+      {open, ok, kLoggerComes},
+      {close, ok, kLoggerGoes}}},
+    {"null handles",
+     {{open, ok, kLoggerComes},
+      {get, null_handle, error_line("get_custom_calibration_coefficients", kNullHandle)},
+      {set, null_handle, error_line("set_custom_calibration_coefficients", kNullHandle)},
+      {free, null_handle,
+       error_line("destroy_polarization_processor",
+                  "ERROR:  The specified color processor handle is NULL!")},
+      {close, ok, kLoggerGoes}}},
+    {"a processor outlives the module",
+     {{open, ok, kLoggerComes},
+      {make, ok, kModulesCome},
+      {close, ok, kLoggerGoes},
+      {run, closed},
+      {get, closed},
+      {set, closed},
+      {free, closed},
+      {make, closed},
+      {open, ok, kLoggerComes},
+      {get, ok},
+      {set, ok},
+      {run, ok, timing_line()},
+      {free, ok, kModulesGo},
+      {close, ok, kLoggerGoes}}},
+};
 
-class Life : public testing::TestWithParam<Story> {};
-
-TEST_P(Life, OfModuleAndProcessorsAsCompanionsSeeIt) {
-  Host host(kAllCompanions);
-  GetParam().act(host);
-  EXPECT_EQ(events(), GetParam().expected);
+TEST(Lifecycle, StatusAndEventsOfEachStep) {
+  for (const Story& story : kStories) {
+    // Modules that come and go, and get no frame whatever the processor.
+    const FakePlatform platform(
+        {{"initialize avx512", Fault::fails}, {"initialize avx2", Fault::fails}});
+    PolarizationProcessor* handle = nullptr;
+    for (std::size_t i = 0; i < story.steps.size(); ++i) {
+      SCOPED_TRACE(testing::Message() << story.name << ", step " << i);
+      PolarizationProcessor* const before = handle;
+      EXPECT_EQ(story.steps[i].call(handle), story.steps[i].status);
+      EXPECT_EQ(platform.take_events(), story.steps[i].events);
+      if (story.steps[i].status != ok) {
+        EXPECT_EQ(handle, before);
+      }
+    }
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Host, Life, testing::ValuesIn(kStories));
 
 }  // namespace
 }  // namespace kv::test
