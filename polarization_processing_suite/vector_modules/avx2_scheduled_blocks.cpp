@@ -6,6 +6,7 @@
 namespace kv {
 
 extern const BlockEntries kAvx2Scheduled;
-constinit const BlockEntries kAvx2Scheduled = block_entries<ModuleForm<Simd256>, Wanted::scheduled>();
+constinit const BlockEntries kAvx2Scheduled =
+    block_entries<ModuleForm<Simd256>, Wanted::scheduled>();
 
 }  // namespace kv

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 
-#include "polarization_processor/pixel/polarization_constants.h"
 #include "polarization_processor/vector/wide_blocks.h"
 
 // AVX2, eight blocks at a time. In an unnamed namespace for the reason told in float4.h.

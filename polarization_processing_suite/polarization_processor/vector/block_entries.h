@@ -13,8 +13,8 @@ constexpr bool is_wanted(Wanted wanted, const EncodingAxes& encoding) {
   return wanted == Wanted::all || (wanted == Wanted::scheduled) == is_scheduled(encoding);
 }
 
-/// The wanted blocks of a form, null elsewhere: `Form::run<axes>` is a RunBlocks. A form lives in an
-/// unnamed namespace of its file, and so does all that is made of it.
+/// The wanted blocks of a form, null elsewhere: `Form::run<axes>` is a RunBlocks. A form lives in
+/// an unnamed namespace of its file, and so does all that is made of it.
 template <class Form, Wanted wanted>
 constexpr BlockEntries block_entries() {
   const auto entry = []<std::size_t index>() -> RunBlocks {
@@ -29,7 +29,8 @@ constexpr BlockEntries block_entries() {
     BlockEntries entries{};
     ((entries[index / kPhaseCount][index % kPhaseCount] = entry.template operator()<index>()), ...);
     return entries;
-  }(std::make_index_sequence<kEncodingCount * kPhaseCount>());
+  }
+  (std::make_index_sequence<kEncodingCount * kPhaseCount>());
 }
 
 }  // namespace kv
