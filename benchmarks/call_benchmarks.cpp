@@ -7,17 +7,17 @@
 
 #include <string>
 
+#include "frame_ring.h"
 #include "kevrinth_qrm_polarization_processor.h"
 #include "platform/cpu_features.h"
-#include "sample_frame.h"
 #include "transform_path.h"
 
 namespace {
 
 using kv::OutputSet;
+using kv::bench::FrameRing;
 using kv::bench::FrameSize;
 using kv::bench::Path;
-using kv::bench::SampleFrame;
 using kv::bench::Transformer;
 
 constexpr OutputSet kIntensityAzimuthDolp(kv::Plane::intensity, kv::Plane::azimuth,
@@ -32,8 +32,8 @@ void probe(benchmark::State& state) {
 void latency(benchmark::State& state, FrameSize size, Path path) {
   Transformer transform(path);
   if (kv::bench::skip_if(state, transform.missing())) return;
-  SampleFrame frame(size);
-  const kv::TransformRequest request = frame.request(kIntensityAzimuthDolp, false);
+  FrameRing frames(size, kIntensityAzimuthDolp, false, 1);
+  const kv::TransformRequest& request = frames.next();
   for (auto _ : state) transform(request);
 }
 
@@ -41,8 +41,8 @@ void latency(benchmark::State& state, FrameSize size, Path path) {
 void threads(benchmark::State& state, Path path) {
   Transformer transform(path);
   if (kv::bench::skip_if(state, transform.missing())) return;
-  SampleFrame frame(kLargeFrame);
-  const kv::TransformRequest request = frame.request(kIntensityAzimuthDolp, false);
+  FrameRing frames(kLargeFrame, kIntensityAzimuthDolp, false, 1);
+  const kv::TransformRequest& request = frames.next();
   for (auto _ : state) transform(request);
   state.counters["frames/s"] =
       benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);

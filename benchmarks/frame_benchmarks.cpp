@@ -7,10 +7,10 @@
 #include <string>
 
 #include "copy_limit.h"
+#include "frame_ring.h"
 #include "opencv_baseline.h"
 #include "paired_timing.h"
 #include "polarization_processor/records/kernel_axes.h"
-#include "sample_frame.h"
 #include "transform_path.h"
 
 namespace {
@@ -21,6 +21,17 @@ using kv::bench::FrameSize;
 using kv::bench::Path;
 
 constexpr FrameSize kSizes[] = {{64, 64}, {640, 512}, {2448, 2048}, {4096, 3000}};
+
+/// Where a frame and its planes lie when a call begins: in the caches, where the call before it has
+/// left them, or in memory, as a camera's driver hands them over. Eight large frames are more than
+/// any cache holds.
+struct Buffers {
+  const char* name;
+  std::size_t frames;
+};
+constexpr Buffers kWarm{"warm", 1};
+constexpr Buffers kRing{"ring", 8};
+constexpr std::size_t kLeastRingPixels = std::size_t{4} << 20;
 
 struct NamedOutputs {
   const char* name;
@@ -42,23 +53,23 @@ constexpr NamedOutputs kOutputs[] = {
     {"normalized_stokes", OutputSet(Plane::normalized_stokes)},
 };
 
-void time_frames(benchmark::State& state, FrameSize size, OutputSet outputs, bool scaled,
-                 Path path) {
+void time_frames(benchmark::State& state, FrameSize size, OutputSet outputs, bool scaled, Path path,
+                 Buffers buffers) {
   kv::bench::Transformer transform(path);
   if (kv::bench::skip_if(state, transform.missing())) return;
-  kv::bench::SampleFrame frame(size);
-  const kv::TransformRequest request = frame.request(outputs, scaled);
+  kv::bench::FrameRing frames(size, outputs, scaled, buffers.frames);
   kv::bench::time_against_limit(
-      state, size.pixels(), [&] { transform(request); }, [&] { kv::bench::copy_streams(request); });
+      state, size.pixels(), [&] { transform(frames.next()); },
+      [&] { kv::bench::copy_streams(frames.next()); });
 }
 
 void time_opencv(benchmark::State& state, FrameSize size, OutputSet outputs) {
   if (kv::bench::skip_if(state, kv::bench::OpencvBaseline::missing())) return;
   kv::bench::OpencvBaseline transform;
-  kv::bench::SampleFrame frame(size);
-  const kv::TransformRequest request = frame.request(outputs, false);
+  kv::bench::FrameRing frames(size, outputs, false, kWarm.frames);
   kv::bench::time_against_limit(
-      state, size.pixels(), [&] { transform(request); }, [&] { kv::bench::copy_streams(request); });
+      state, size.pixels(), [&] { transform(frames.next()); },
+      [&] { kv::bench::copy_streams(frames.next()); });
 }
 
 template <class... Arguments>
@@ -73,15 +84,18 @@ void register_frames() {
     for (const bool scaled : {false, true}) {
       for (const auto& [name, outputs] : kOutputs) {
         if (scaled && !kv::has_linear_plane(outputs)) continue;
-        for (const Path path : kv::bench::kPaths) {
-          register_frame(
-              size.name() + "/" + name + (scaled ? "/scaled/" : "/unscaled/") + name_of(path),
-              time_frames, size, outputs, scaled, path);
+        for (const Buffers& buffers : {kWarm, kRing}) {
+          if (buffers.frames > 1 && size.pixels() < kLeastRingPixels) continue;
+          for (const Path path : kv::bench::kPaths) {
+            register_frame(size.name() + "/" + name + (scaled ? "/scaled/" : "/unscaled/") +
+                               buffers.name + "/" + name_of(path),
+                           time_frames, size, outputs, scaled, path, buffers);
+          }
         }
       }
     }
     const auto& [name, outputs] = kIntensityAzimuthDolp;
-    register_frame(size.name() + "/" + name + "/unscaled/opencv", time_opencv, size, outputs);
+    register_frame(size.name() + "/" + name + "/unscaled/warm/opencv", time_opencv, size, outputs);
   }
 }
 

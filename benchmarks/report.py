@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Measures, and writes the tables of README.md and the chart beside this file.
+"""Measures, and writes the tables of README.md, that of the project's README, and the chart.
 
     benchmarks/report.py                 runs the programs of build/release, some ten minutes
     benchmarks/report.py --from FOLDER   takes frames.json and calls.json of an earlier run
@@ -39,11 +39,15 @@ OUTPUTS = {
 }
 # Of 64 x 64 pixels the probe is most; see the table of small frames.
 TABLES = (
-    ("640x512", "unscaled"),
-    ("2448x2048", "unscaled"),
-    ("2448x2048", "scaled"),
-    ("4096x3000", "unscaled"),
+    ("640x512", "unscaled", "warm"),
+    ("2448x2048", "unscaled", "ring"),
+    ("2448x2048", "unscaled", "warm"),
+    ("2448x2048", "scaled", "ring"),
+    ("4096x3000", "unscaled", "ring"),
 )
+# Of these the project's own README shows the planes.
+FRONT_TABLE = ("2448x2048", "unscaled", "ring")
+FRONT_OUTPUTS = ("intensity", "azimuth", "intensity+azimuth+dolp", "five_planes", "all_six")
 HEADLINE_SIZE, HEADLINE_OUTPUTS = "2448x2048", "intensity+azimuth+dolp"
 
 
@@ -66,22 +70,22 @@ def markdown(header, rows):
     return "".join("| " + " | ".join(line) + " |\n" for line in lines)
 
 
-def frame(frames, size, outputs, scaling, path):
-    return frames.get(f"{size}/{outputs}/{scaling}/{path}/manual_time")
+def frame(frames, size, outputs, scaling, buffers, path):
+    return frames.get(f"{size}/{outputs}/{scaling}/{buffers}/{path}/manual_time")
 
 
-def frame_table(frames, size, scaling):
+def frame_table(frames, size, scaling, buffers, columns=OUTPUTS):
     def cell(outputs, path):
-        result = frame(frames, size, outputs, scaling, path)
+        result = frame(frames, size, outputs, scaling, buffers, path)
         if result is None:
             return "-"
         return f"{result['ms']:#.3g} ({result['x_copy']:.1f})"
 
     paths = dict(PATHS)
-    if frame(frames, size, HEADLINE_OUTPUTS, scaling, "opencv"):
+    if frame(frames, size, HEADLINE_OUTPUTS, scaling, buffers, "opencv"):
         paths["opencv"] = "OpenCV"
-    rows = [[title, *(cell(outputs, path) for outputs in OUTPUTS)] for path, title in paths.items()]
-    return markdown(["", *OUTPUTS.values()], rows)
+    rows = [[title, *(cell(outputs, path) for outputs in columns)] for path, title in paths.items()]
+    return markdown(["", *columns.values()], rows)
 
 
 def latency_table(calls):
@@ -132,9 +136,10 @@ def machine(context):
 
 def tables(context, frames, calls):
     parts = [machine(context) + "\nMilliseconds a frame, and the ratio to the copy:\n"]
-    for size, scaling in TABLES:
+    for size, scaling, buffers in TABLES:
         title = size.replace("x", " x ")
-        parts.append(f"### {title}, {scaling}\n\n{frame_table(frames, size, scaling)}")
+        table = frame_table(frames, size, scaling, buffers)
+        parts.append(f"### {title}, {scaling}, {buffers}\n\n{table}")
     parts.append(f"### Small frames\n\n{latency_table(calls)}")
     parts.append(f"### Frames a second on one and two threads\n\n{threads_table(calls)}")
     return "\n".join(parts)
@@ -150,7 +155,7 @@ def chart(frames, file):
 
     rates = {}
     for path in titles:
-        result = frame(frames, HEADLINE_SIZE, HEADLINE_OUTPUTS, "unscaled", path)
+        result = frame(frames, HEADLINE_SIZE, HEADLINE_OUTPUTS, "unscaled", "warm", path)
         if result:
             rates[path] = 1000 / result["ms"]
     bars = left.barh(
@@ -163,16 +168,25 @@ def chart(frames, file):
 
     paths = [p for p in PATHS if p != "sse2"]
     for number, path in enumerate(paths):
-        results = [frame(frames, HEADLINE_SIZE, o, "unscaled", path) for o in OUTPUTS]
+        results = [
+            frame(frames, HEADLINE_SIZE, o, "unscaled", "ring", path) for o in OUTPUTS
+        ]
         places = [i + (number - 1) * 0.27 for i in range(len(OUTPUTS))]
         heights = [r["ms"] if r else 0 for r in results]
         right.bar(places, heights, 0.25, label=PATHS[path], color=shades[path])
     right.set_xticks(range(len(OUTPUTS)), OUTPUTS.values(), rotation=20, ha="right")
-    right.set_title("Milliseconds a frame of 2448 x 2048", fontsize=10)
+    right.set_title("Milliseconds a frame of 2448 x 2048, in a ring", fontsize=10)
     right.legend(fontsize=8)
     for axes in (left, right):
         axes.spines[["top", "right"]].set_visible(False)
     figure.savefig(file, metadata={"Date": None, "Creator": None})
+
+
+def rewrite(readme, text):
+    """Puts the text between the marks."""
+    before, rest = readme.read_text().split(BEGIN)
+    _, after = rest.split(END)
+    readme.write_text(before + BEGIN + "\n" + text + "\n" + END + after)
 
 
 def main():
@@ -187,10 +201,10 @@ def main():
     context, frames = load(folder, "frames")
     _, calls = load(folder, "calls")
 
-    readme = HERE / "README.md"
-    before, rest = readme.read_text().split(BEGIN)
-    _, after = rest.split(END)
-    readme.write_text(before + BEGIN + "\n" + tables(context, frames, calls) + "\n" + END + after)
+    rewrite(HERE / "README.md", tables(context, frames, calls))
+    front = {outputs: OUTPUTS[outputs] for outputs in FRONT_OUTPUTS}
+    table = frame_table(frames, *FRONT_TABLE, front)
+    rewrite(HERE.parent / "README.md", f"{table}\n{machine(context)}")
     chart(frames, HERE / "frames.svg")
 
 

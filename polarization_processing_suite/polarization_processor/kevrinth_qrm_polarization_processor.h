@@ -69,7 +69,10 @@
  *   caller's buffer after a call.
  *
  * Every function returns a ProcessorStatus. No function but initialize and terminate lets a C++
- * exception out; those two do when the operating system refuses their lock or memory for the log.
+ * exception out. Both do, with nothing changed, when the operating system refuses their lock.
+ * initialize does when there is no memory for the log, or when the logger throws: the module then
+ * stays uninitialised for good, since the lock stays taken, and a later initialize or terminate
+ * waits for ever.
  */
 #ifndef KEVRINTH_QRM_POLARIZATION_PROCESSOR_H
 #define KEVRINTH_QRM_POLARIZATION_PROCESSOR_H
