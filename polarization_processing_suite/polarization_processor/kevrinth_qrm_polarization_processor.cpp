@@ -109,6 +109,7 @@ ProcessorStatus kv_polarization_processor_destroy_polarization_processor(
   return kv_status_ok;
 }
 
+// The planes are written through the request. NOLINTBEGIN(readability-non-const-parameter)
 ProcessorStatus kv_polarization_processor_transform(
     PolarizationProcessor* handle, PolarPhase polar_phase, const uint16_t* input, int32_t x_origin,
     int32_t y_origin, int32_t width, int32_t height, uint32_t bit_depth, uint16_t output_max,
@@ -145,6 +146,7 @@ ProcessorStatus kv_polarization_processor_transform(
                       kv::sse41_available());
   return kv_status_ok;
 }
+// NOLINTEND(readability-non-const-parameter)
 
 ProcessorStatus kv_polarization_processor_get_custom_calibration_coefficients(
     PolarizationProcessor* handle, float* coefficients_0, float* coefficients_45,

@@ -26,7 +26,7 @@ constexpr EncodingSteps encoding_steps() {
 }
 
 constexpr auto kEncodingSteps = []<std::size_t... index>(std::index_sequence<index...>) {
-  return std::array{encoding_steps<kEncodings[index]>()...};
+  return std::array<EncodingSteps, kEncodingCount>{encoding_steps<kEncodings[index]>()...};
 }
 (std::make_index_sequence<kEncodingCount>());
 
