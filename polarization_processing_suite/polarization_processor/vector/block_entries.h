@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <utility>
 
@@ -13,24 +14,26 @@ constexpr bool is_wanted(Wanted wanted, const EncodingAxes& encoding) {
   return wanted == Wanted::all || (wanted == Wanted::scheduled) == is_scheduled(encoding);
 }
 
-/// The wanted blocks of a form, null elsewhere: `Form::run<axes>` is a RunBlocks. A form lives in
-/// an unnamed namespace of its file, and so does all that is made of it.
+/// The blocks of one encoding by phase, null where they are not wanted.
+template <class Form, Wanted wanted, EncodingAxes encoding>
+constexpr std::array<RunBlocks, kPhaseCount> blocks_by_phase() {
+  if constexpr (is_wanted(wanted, encoding)) {
+    return {
+        &Form::template run<block_axes(encoding, 0)>, &Form::template run<block_axes(encoding, 1)>,
+        &Form::template run<block_axes(encoding, 2)>, &Form::template run<block_axes(encoding, 3)>};
+  } else {
+    return {};
+  }
+}
+
+/// The wanted blocks of a form, of which `Form::run<axes>` is a RunBlocks. A form lives in an
+/// unnamed namespace of its file, and so does all that is made of it.
 template <class Form, Wanted wanted>
 constexpr BlockEntries block_entries() {
-  const auto entry = []<std::size_t index>() -> RunBlocks {
-    constexpr EncodingAxes encoding = kEncodings[index / kPhaseCount];
-    if constexpr (is_wanted(wanted, encoding)) {
-      return &Form::template run<block_axes(encoding, index % kPhaseCount)>;
-    } else {
-      return nullptr;
-    }
-  };
-  return [&]<std::size_t... index>(std::index_sequence<index...>) {
-    BlockEntries entries{};
-    ((entries[index / kPhaseCount][index % kPhaseCount] = entry.template operator()<index>()), ...);
-    return entries;
+  return []<std::size_t... index>(std::index_sequence<index...>) {
+    return BlockEntries{blocks_by_phase<Form, wanted, kEncodings[index]>()...};
   }
-  (std::make_index_sequence<kEncodingCount * kPhaseCount>());
+  (std::make_index_sequence<kEncodingCount>());
 }
 
 }  // namespace kv
