@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -17,15 +18,6 @@ constexpr Sets kDefaults{{
     {1, 1, 1, 1, /**/ 0, 1, -1, 0, /**/ -1, 0, 0, 1, /**/ 0, 0, 0, 0},
 }};
 
-/// A different NaN in each place, quiet and signalling, of either sign.
-Weights unusual_weights() {
-  Weights weights;
-  for (std::uint32_t i = 0; i < weights.size(); ++i) {
-    weights[i] = std::bit_cast<float>((i % 2 ? 0x7F800000u : 0xFFC00000u) | (i + 1));
-  }
-  return weights;
-}
-
 void expect_weights(const Processor& processor, const Sets& expected) {
   Sets weights{};
   EXPECT_EQ(get_weights(processor.handle(), weights), kv_status_ok);
@@ -34,17 +26,21 @@ void expect_weights(const Processor& processor, const Sets& expected) {
 
 TEST(Coefficients, EachSetIsSetAndGotByItselfBitForBit) {
   const Processor other;
+  Weights unusual;  // A different NaN in each place, quiet and signalling, of either sign.
+  for (std::uint32_t i = 0; i < unusual.size(); ++i) {
+    unusual[i] = std::bit_cast<float>((i % 2 ? 0x7F800000u : 0xFFC00000u) | (i + 1));
+  }
   for (std::size_t index = 0; index < 4; ++index) {
     SCOPED_TRACE(index);
     const Processor processor;
     expect_weights(processor, kDefaults);
-    Sets expected = kDefaults;
-    expected[index] = unusual_weights();
     std::array<const float*, 4> in{};
-    in[index] = expected[index].data();
+    in[index] = unusual.data();
     EXPECT_EQ(kv_polarization_processor_set_custom_calibration_coefficients(
                   processor.handle(), in[0], in[1], in[2], in[3]),
               kv_status_ok);
+    Sets expected = kDefaults;
+    expected[index] = unusual;
     expect_weights(processor, expected);
     expect_weights(other, kDefaults);
 
@@ -54,7 +50,7 @@ TEST(Coefficients, EachSetIsSetAndGotByItselfBitForBit) {
     EXPECT_EQ(kv_polarization_processor_get_custom_calibration_coefficients(
                   processor.handle(), out[0], out[1], out[2], out[3]),
               kv_status_ok);
-    EXPECT_EQ(std::memcmp(&got, &expected[index], sizeof got), 0);
+    EXPECT_EQ(std::memcmp(&got, &unusual, sizeof got), 0);
   }
 }
 

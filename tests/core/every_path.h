@@ -6,6 +6,8 @@
 #include <ostream>
 #include <string>
 
+#include "frame.h"
+#include "planes.h"
 #include "platform/cpu_features.h"
 #include "polarization_processor/processor_instance.h"
 #include "polarization_processor/routing/kernel_selector.h"
@@ -64,6 +66,14 @@ class EveryPath : public testing::TestWithParam<Path> {
 
   void run(const TransformRequest& request, const PhaseView& view) const {
     run_path(GetParam(), processor_, request, view);
+  }
+
+  Planes run(const Frame& frame, std::uint32_t phase, OutputSet wanted = OutputSet::all()) const {
+    Planes planes(frame.samples.size());
+    TransformRequest request = request_for(frame, phase);
+    planes.hand_to(request, wanted);
+    run(request, processor_.phase_views[phase]);
+    return planes;
   }
 
   PolarizationProcessor processor_{CpuTier::baseline};

@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "mosaic.h"
+
 namespace kv::test {
 namespace {
 
@@ -103,6 +105,7 @@ class ExpectedFrame {
   ExpectedFrame(const TransformRequest& request, const PhaseView& view, bool sse41)
       : request_(request),
         view_(view),
+        phase_(static_cast<std::size_t>(request.polar_phase)),
         sse41_(sse41),
         scaled_(request.output_max_int != (std::int32_t{1} << request.bit_depth) - 1),
         height_(static_cast<std::size_t>(request.height)),
@@ -132,7 +135,7 @@ class ExpectedFrame {
       const std::size_t blocks_before = row / 2 * (vector_columns_ / 4) + block;
       for (const std::size_t lower : {0u, 1u}) {
         for (std::size_t lane = 0; lane < 4; ++lane) {
-          const Stokes stokes = vector_stokes(row, 4 * block, lane, lower == 1);
+          const Stokes stokes = vector_stokes(row + lower, 4 * block + lane);
           write_ratios(stokes, lower * width_ + 4 * blocks_before + lane, request_);
           write_levels(stokes, (row + lower) * width_ + 4 * block + lane, encoder);
         }
@@ -140,28 +143,16 @@ class ExpectedFrame {
     }
   }
 
-  Stokes vector_stokes(std::size_t row, std::size_t column, std::size_t lane, bool lower) const {
-    if (sse41_ && lane == 3) lane = 2;
-    constexpr std::array<std::size_t, 4> even{0, 2, 2, 4};
-    constexpr std::array<std::size_t, 4> odd{1, 1, 3, 3};
-    // Of the two rows of the neighbourhood, one is even and one is odd, as with the columns.
-    const std::size_t even_row = lower ? row + 2 : row;
-    const float even_even = sample(even_row, column + even[lane]);
-    const float even_odd = sample(even_row, column + odd[lane]);
-    const float odd_even = sample(row + 1, column + even[lane]);
-    const float odd_odd = sample(row + 1, column + odd[lane]);
-
-    const float s0 = (even_even + even_odd + odd_even + odd_odd) * reciprocal(2.0f);
-    switch (request_.polar_phase) {
-      case 1:
-        return {s0, odd_even - even_odd, even_even - odd_odd};
-      case 2:
-        return {s0, odd_odd - even_even, even_odd - odd_even};
-      case 3:
-        return {s0, even_odd - odd_even, odd_odd - even_even};
-      default:
-        return {s0, even_even - odd_odd, odd_even - even_odd};
+  Stokes vector_stokes(std::size_t row, std::size_t column) const {
+    if (sse41_ && column % 4 == 3) --column;
+    std::array<float, 4> behind{};  // The polarizers of 0, 45, 90 and 135 degrees.
+    for (const std::size_t r : {row, row + 1}) {
+      for (const std::size_t c : {column, column + 1}) {
+        behind[kMosaics[phase_][cell_position(r, c)]] = sample(r, c);
+      }
     }
+    const float sum = behind[0] + behind[1] + behind[2] + behind[3];
+    return {sum * reciprocal(2.0f), behind[0] - behind[2], behind[1] - behind[3]};
   }
 
   void fill_scalar_part(std::size_t row, std::size_t first_column) const {
@@ -198,6 +189,7 @@ class ExpectedFrame {
 
   const TransformRequest& request_;
   const PhaseView& view_;
+  std::size_t phase_;
   bool sse41_;
   bool scaled_;
   std::size_t height_;

@@ -30,10 +30,7 @@ TEST(KernelFamily, IdleAxesChangeNoKernel) {
   for (KernelAxes axes : all_kernel_axes()) {
     const auto steps = steps_of(axes);
     const OutputSet& planes = axes.encoding.outputs;
-    if (!planes.has(Plane::intensity) && !planes.has(Plane::stokes_s1) &&
-        !planes.has(Plane::stokes_s2)) {
-      axes.encoding.scaled = true;
-    }
+    if (!has_linear_plane(planes)) axes.encoding.scaled = true;
     if (planes == OutputSet(Plane::intensity)) axes.phase = 3;
     EXPECT_EQ(steps_of(axes), steps) << kernel_name(axes);
   }

@@ -1,47 +1,53 @@
 // Kernels stay inside the frame and its planes. Each buffer ends, or begins, at a page that cannot
 // be accessed, so that a step outside ends the process.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <map>
 
 #include "every_path.h"
-#include "fenced_memory.h"
-#include "kernel_run.h"
+#include "mapped_memory.h"
 
 namespace kv::test {
 namespace {
 
-struct FencedPlanes {
-  FencedPlanes(std::size_t pixels, Fence fence)
-      : normalized_stokes(2 * pixels, fence),
-        intensity(pixels, fence),
-        stokes_s1(pixels, fence),
-        stokes_s2(pixels, fence),
-        azimuth(pixels, fence),
-        dolp(pixels, fence) {}
+enum class Fence { before, after };
 
-  FencedPlane<float> normalized_stokes;
-  FencedPlane<std::uint16_t> intensity;
-  FencedPlane<std::uint16_t> stokes_s1;
-  FencedPlane<std::uint16_t> stokes_s2;
-  FencedPlane<std::uint16_t> azimuth;
-  FencedPlane<std::uint16_t> dolp;
+class FencedMemory {
+ public:
+  FencedMemory(std::size_t bytes, Fence fence) : mapped_(rounded_up(bytes) + page_size()) {
+    const std::size_t closed_page = fence == Fence::before ? 0 : rounded_up(bytes);
+    EXPECT_EQ(mprotect(mapped_.at(closed_page), page_size(), PROT_NONE), 0);
+    data_ = mapped_.at(fence == Fence::before ? page_size() : closed_page - bytes);
+  }
+  void* data() const { return data_; }
+
+ private:
+  static std::size_t page_size() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
+  static std::size_t rounded_up(std::size_t bytes) {
+    return (bytes + page_size() - 1) / page_size() * page_size();
+  }
+
+  MappedMemory mapped_;
+  void* data_;
 };
 
 class MemoryBounds : public EveryPath {
  protected:
   void transform_fenced(std::size_t height, std::size_t width, Fence fence) {
     const std::size_t pixels = height * width;
-    FencedPlane<std::uint16_t> input(pixels, fence);
-    FencedPlanes planes(pixels, fence);
+    const FencedMemory input(pixels * sizeof(std::uint16_t), fence);
+    std::map<Plane, FencedMemory> planes;
+    for (const PlaneTraits& traits : kPlanes) {
+      planes.try_emplace(traits.plane, pixels * pixel_size(traits.plane), fence);
+    }
     TransformRequest request = request_for({.height = height, .width = width}, 0);
-    request.input = input.data();
-    // Alone, each of the three kinds of plane; then all.
-    for (const PlaneNumber wanted : {1u, 4u, 16u, kAllPlanes}) {
-      request.normalized_stokes = wanted & 1 ? planes.normalized_stokes.data() : nullptr;
-      request.intensity = wanted & 2 ? planes.intensity.data() : nullptr;
-      request.stokes_s1 = wanted & 4 ? planes.stokes_s1.data() : nullptr;
-      request.stokes_s2 = wanted & 8 ? planes.stokes_s2.data() : nullptr;
-      request.azimuth = wanted & 16 ? planes.azimuth.data() : nullptr;
-      request.dolp = wanted & 32 ? planes.dolp.data() : nullptr;
+    request.input = static_cast<const std::uint16_t*>(input.data());
+    // Alone, each of the kinds of plane that are stored in a way of their own; then all.
+    for (const OutputSet wanted : {OutputSet(Plane::normalized_stokes), OutputSet(Plane::stokes_s1),
+                                   OutputSet(Plane::azimuth), OutputSet::all()}) {
+      point_to_planes(request, wanted, [&](Plane plane) { return planes.at(plane).data(); });
       run(request, processor_.phase_views[0]);
     }
   }

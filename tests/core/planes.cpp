@@ -1,67 +1,73 @@
 #include "planes.h"
 
-#include <iomanip>
+#include <algorithm>
+#include <cstring>
 #include <sstream>
 
 namespace kv::test {
 namespace {
 
-constexpr std::size_t kRatios = 0;  ///< The one plane of floats, two a pixel.
-
-std::string element_at(std::span<const unsigned char> bytes, std::size_t plane,
-                       std::size_t element) {
-  std::ostringstream text;
-  if (plane == kRatios) {
-    float value = 0;
-    std::uint32_t bits = 0;
-    std::memcpy(&value, bytes.data() + element * sizeof value, sizeof value);
-    std::memcpy(&bits, &value, sizeof bits);
-    text << std::setprecision(9) << value << " (0x" << std::hex << bits << ")";
-  } else {
-    std::uint16_t value = 0;
-    std::memcpy(&value, bytes.data() + element * sizeof value, sizeof value);
-    text << value;
-  }
-  return text.str();
-}
-
-std::string place_of(std::size_t element, std::size_t elements, std::size_t plane,
-                     std::size_t width) {
-  constexpr std::size_t guard = GuardedPlane<float>::kGuard;
-  const std::size_t per_pixel = plane == kRatios ? 2 : 1;
-  std::ostringstream text;
-  if (element < guard) {
-    text << guard - element << " elements before the plane";
-  } else if (element >= elements - guard) {
-    text << element - (elements - guard) + 1 << " elements behind the plane";
-  } else {
-    const std::size_t pixel = (element - guard) / per_pixel;
-    text << "row " << pixel / width << ", column " << pixel % width;
-    if (plane == kRatios) text << ", ratio " << (element - guard) % per_pixel + 1;
-  }
-  return text.str();
+template <class Value>
+Value value_at(const std::vector<unsigned char>& bytes, std::size_t offset) {
+  Value value;
+  std::memcpy(&value, bytes.data() + offset, sizeof value);
+  return value;
 }
 
 }  // namespace
 
+Planes::Planes(std::size_t pixels) {
+  for (const PlaneTraits& traits : kPlanes) {
+    bytes_[index_of(traits.plane)].resize(pixels * pixel_size(traits.plane) + 2 * kGuard);
+  }
+  clear();
+}
+
+void Planes::clear() {
+  for (auto& plane : bytes_) std::ranges::fill(plane, kFill);
+}
+
+int Planes::level(Plane plane, std::size_t pixel) const {
+  return value_at<std::uint16_t>(bytes(plane), kGuard + pixel * pixel_size(plane));
+}
+
+std::array<float, 2> Planes::ratios(std::size_t pixel) const {
+  constexpr Plane plane = Plane::normalized_stokes;
+  return value_at<std::array<float, 2>>(bytes(plane), kGuard + pixel * pixel_size(plane));
+}
+
+bool Planes::untouched() const { return difference(*this, Planes(0), 1, OutputSet()).empty(); }
+
 std::string difference(const Planes& actual, const Planes& expected, std::size_t width,
-                       PlaneNumber wanted) {
-  const std::vector<unsigned char> untouched(expected.bytes()[kRatios].size(),
-                                             GuardedPlane<float>::kFill);
-  for (std::size_t plane = 0; plane < kPlaneCount; ++plane) {
-    const bool is_wanted = (wanted >> plane & 1) != 0;
-    const auto found = actual.bytes()[plane];
-    const auto right =
-        is_wanted ? expected.bytes()[plane] : std::span(untouched).first(found.size());
-    if (std::memcmp(found.data(), right.data(), found.size()) == 0) continue;
+                       OutputSet wanted) {
+  for (const auto& [plane, name, element, source] : kPlanes) {
+    const std::vector<unsigned char>& found = actual.bytes(plane);
+    const std::vector<unsigned char> untouched(wanted.has(plane) ? 0 : found.size(), Planes::kFill);
+    const std::vector<unsigned char>& right = wanted.has(plane) ? expected.bytes(plane) : untouched;
+    if (found == right) continue;
 
     const auto first = std::ranges::mismatch(found, right).in1 - found.begin();
-    const std::size_t element_size = plane == kRatios ? sizeof(float) : sizeof(std::uint16_t);
-    const std::size_t element = static_cast<std::size_t>(first) / element_size;
-    return std::string(kPlaneNames[plane]) + (is_wanted ? "" : ", which is not requested") +
-           ", first at " + place_of(element, found.size() / element_size, plane, width) +
-           ": expected " + element_at(right, plane, element) + ", actual " +
-           element_at(found, plane, element);
+    const std::ptrdiff_t size = static_cast<std::ptrdiff_t>(element_size(plane));
+    const std::ptrdiff_t offset = first / size * size;
+    const std::ptrdiff_t place = offset - static_cast<std::ptrdiff_t>(Planes::kGuard);
+    const std::ptrdiff_t pixel = place / static_cast<std::ptrdiff_t>(pixel_size(plane));
+    const std::ptrdiff_t columns = static_cast<std::ptrdiff_t>(width);
+    std::ostringstream text;
+    text << name << (wanted.has(plane) ? "" : ", which is not requested") << ", byte " << place
+         << ", row " << pixel / columns << ", column " << pixel % columns;
+    const auto element_of = [&](const std::vector<unsigned char>& bytes) {
+      const auto at = static_cast<std::size_t>(offset);
+      if (element == PlaneElement::level) {
+        text << value_at<std::uint16_t>(bytes, at);
+      } else {
+        text << std::hexfloat << value_at<float>(bytes, at);
+      }
+    };
+    text << ": expected ";
+    element_of(right);
+    text << ", actual ";
+    element_of(found);
+    return text.str();
   }
   return {};
 }

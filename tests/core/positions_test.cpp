@@ -1,7 +1,7 @@
 // Which samples and which weights a pixel takes, by its place in the frame.
 #include <gtest/gtest.h>
 
-#include <sstream>
+#include <algorithm>
 
 #include "mosaic.h"
 #include "public_call.h"
@@ -9,89 +9,56 @@
 namespace kv::test {
 namespace {
 
-struct Size {
-  std::size_t height;
-  std::size_t width;
-};
+/// A plane of one digit a pixel; a is 10, b is 11 and so on.
+using Map = std::vector<std::string>;
 
-std::ostream& operator<<(std::ostream& out, const Size& size) {
-  return out << "height " << size.height << ", width " << size.width;
+std::vector<std::uint16_t> levels_of(const Map& map) {
+  std::vector<std::uint16_t> levels;
+  for (const std::string& row : map) {
+    for (const char digit : row) {
+      levels.push_back(static_cast<std::uint16_t>(digit <= '9' ? digit - '0' : digit - 'a' + 10));
+    }
+  }
+  return levels;
 }
 
-Arguments arguments_for(std::size_t phase, const Size& size) {
-  return {.polar_phase = static_cast<PolarPhase>(phase),
-          .width = static_cast<std::int32_t>(size.width),
-          .height = static_cast<std::int32_t>(size.height)};
-}
-
-/// S0 as the sample in one column of the weights.
-Weights sample_of(std::size_t weight_column) {
-  Weights weights{};
-  weights[weight_column] = 2;
-  return weights;
+std::vector<std::uint16_t> intensity_of(const Processor& processor, std::size_t phase,
+                                        std::size_t width,
+                                        const std::vector<std::uint16_t>& frame) {
+  const Planes planes = transformed(processor,
+                                    {.polar_phase = static_cast<PolarPhase>(phase),
+                                     .width = static_cast<std::int32_t>(width),
+                                     .height = static_cast<std::int32_t>(frame.size() / width)},
+                                    frame);
+  std::vector<std::uint16_t> levels;
+  for (std::size_t pixel = 0; pixel < frame.size(); ++pixel) {
+    levels.push_back(static_cast<std::uint16_t>(planes.level(Plane::intensity, pixel)));
+  }
+  return levels;
 }
 
 TEST(Positions, NeighboursAreMirroredAtTheEdges) {
+  const Map frame{"12345", "6789a", "bcdef"};
+  const std::vector<Map> by_weight_column{
+      frame, {"23454", "789a9", "cdefe"}, {"6789a", "bcdef", "6789a"}, {"789a9", "cdefe", "789a9"}};
   const Processor processor;
-  // No size here has a vector area, where weights do not count.
-  for (const Size& size : std::vector<Size>{{2, 2},
-                                            {2, 3},
-                                            {2, 21},
-                                            {2, 40},
-                                            {3, 4},
-                                            {3, 5},
-                                            {4, 4},
-                                            {4, 5},
-                                            {5, 6},
-                                            {5, 7},
-                                            {8, 7}}) {
-    std::vector<std::uint16_t> frame(size.height * size.width);
-    for (std::size_t i = 0; i < frame.size(); ++i) frame[i] = static_cast<std::uint16_t>(i + 1);
-
-    for (std::size_t role = 0; role < 4; ++role) {
-      const Weights weights = sample_of(role);
-      ASSERT_EQ(set_weights(processor.handle(), {weights, weights, weights, weights}),
-                kv_status_ok);
-      const Planes planes = transformed(processor, arguments_for(0, size), frame);
-
-      for (std::size_t row = 0; row < size.height; ++row) {
-        for (std::size_t column = 0; column < size.width; ++column) {
-          const bool horizontal = role == 1 || role == 3;
-          const bool vertical = role == 2 || role == 3;
-          const std::size_t beside = column + 1 < size.width ? column + 1 : column - 1;
-          const std::size_t below = row + 1 < size.height ? row + 1 : row - 1;
-          const std::size_t source =
-              (vertical ? below : row) * size.width + (horizontal ? beside : column);
-          ASSERT_EQ(planes.intensity[row * size.width + column], frame[source])
-              << size << ", weight column " << role << ", pixel " << row << ", " << column;
-        }
-      }
-    }
+  for (std::size_t column = 0; column < by_weight_column.size(); ++column) {
+    Weights weights{};
+    weights[column] = 2;  // S0 is the sample of that neighbour.
+    ASSERT_EQ(set_weights(processor.handle(), {weights, weights, weights, weights}), kv_status_ok);
+    EXPECT_EQ(intensity_of(processor, 0, 5, levels_of(frame)), levels_of(by_weight_column[column]))
+        << "weight column " << column;
   }
 }
 
-struct EntryMap {
-  Size size;
-  std::vector<const char*> rows;  ///< Place in the mosaic cell whose weights each pixel takes.
-};
-
-const std::vector<EntryMap> kEntryMaps{
-    {{2, 2}, {"01", "23"}},
-    {{2, 3}, {"010", "230"}},
-    {{2, 9}, {"010101010", "232323230"}},
-    {{3, 4}, {"0101", "2323", "0100"}},
-    {{3, 5}, {"01010", "23232", "01010"}},
-    {{4, 4}, {"0101", "2323", "0101", "2323"}},
-    {{4, 5}, {"01010", "23232", "01010", "23230"}},
-    {{5, 5}, {"01010", "23232", "01010", "23232", "01010"}},
-    {{5, 6}, {"010101", "232323", "010101", "232323", "010100"}},
-    {{6, 6}, {"010101", "232323", "010101", "232323", "010101", "232323"}},
-};
-
 TEST(Positions, EachPixelTakesTheWeightsOfItsPlaceInTheCell) {
   const Processor processor;
-  for (const EntryMap& map : kEntryMaps) {
-    const std::vector<std::uint16_t> frame(map.size.height * map.size.width, 1);
+  for (const Map& map : std::vector<Map>{{"01", "23"},
+                                         {"010101010", "232323230"},
+                                         {"0101", "2323", "0100"},
+                                         {"01010", "23232", "01010"},
+                                         {"0101", "2323", "0101", "2323"},
+                                         {"01010", "23232", "01010", "23230"}}) {
     for (std::size_t phase = 0; phase < 4; ++phase) {
       // S0 is the number of the place that the polarizer has in this phase.
       std::array<Weights, 4> weights{};
@@ -99,64 +66,44 @@ TEST(Positions, EachPixelTakesTheWeightsOfItsPlaceInTheCell) {
         weights[kMosaics[phase][place]][0] = static_cast<float>(2 * place);
       }
       ASSERT_EQ(set_weights(processor.handle(), weights), kv_status_ok);
-
-      const Planes planes = transformed(processor, arguments_for(phase, map.size), frame);
-      for (std::size_t row = 0; row < map.size.height; ++row) {
-        std::ostringstream entries;
-        for (std::size_t column = 0; column < map.size.width; ++column) {
-          entries << planes.intensity[row * map.size.width + column];
-        }
-        EXPECT_EQ(entries.str(), map.rows[row])
-            << map.size << ", phase " << phase << ", row " << row;
-      }
+      const std::vector<std::uint16_t> levels = levels_of(map);
+      EXPECT_EQ(intensity_of(processor, phase, map[0].size(),
+                             std::vector<std::uint16_t>(levels.size(), 1)),
+                levels)
+          << map.size() << " x " << map[0].size() << ", phase " << phase;
     }
   }
 }
 
-/// S0 = 900, S1 = 600, S2 = 400.
-constexpr std::array<std::uint16_t, 4> kScene{900, 500, 300, 100};
-
 TEST(Positions, OnlyTheLastPixelDepartsFromAUniformScene) {
+  constexpr std::array<std::uint16_t, 4> scene{900, 500, 300, 100};
   struct Case {
-    Size size;
-    float last_s1;
-    float last_s2;
-  };
-  const std::vector<Case> cases{
-      {{2, 2}, 600, 400},
-      {{4, 4}, 600, 400},
-      {{8, 8}, 600, 400},
-      {{6, 12}, 600, 400},
-      {{3, 5}, 600, 400},
-      {{5, 9}, 600, 400},
-      {{7, 13}, 600, 400},
-      // Height even, width odd: S1 and S2 exchanged.
-      {{2, 3}, 400, 600},
-      {{4, 5}, 400, 600},
-      {{4, 9}, 400, 600},
-      {{6, 11}, 400, 600},
-      // Height odd, width even: exchanged and negated.
-      {{3, 4}, -400, -600},
-      {{5, 6}, -400, -600},
-      {{3, 8}, -400, -600},
-      {{7, 10}, -400, -600},
+    std::size_t height;
+    std::size_t width;
+    int last_s1;
+    int last_s2;
   };
   const Processor processor;
-  for (const Case& c : cases) {
+  for (const Case& c : std::vector<Case>{{6, 12, 600, 400},
+                                         {7, 13, 600, 400},
+                                         {4, 9, 400, 600},        // S1 and S2 exchanged.
+                                         {7, 10, -400, -600}}) {  // Exchanged and negated.
     for (std::size_t phase = 0; phase < 4; ++phase) {
-      SCOPED_TRACE(testing::Message() << c.size << ", phase " << phase);
-      const Planes planes = transformed(processor, arguments_for(phase, c.size),
-                                        uniform_scene(kScene, phase, c.size.height, c.size.width));
-      const std::size_t last = c.size.height * c.size.width - 1;
-      for (std::size_t pixel = 0; pixel < last; ++pixel) {
-        ASSERT_EQ(planes.stokes_s1[pixel], 600) << "pixel " << pixel;
-        ASSERT_EQ(planes.stokes_s2[pixel], 400) << "pixel " << pixel;
+      SCOPED_TRACE(testing::Message() << c.height << " x " << c.width << ", phase " << phase);
+      const Planes planes = transformed(processor,
+                                        {.polar_phase = static_cast<PolarPhase>(phase),
+                                         .width = static_cast<std::int32_t>(c.width),
+                                         .height = static_cast<std::int32_t>(c.height)},
+                                        uniform_scene(scene, phase, c.height, c.width));
+      const std::size_t last = c.height * c.width - 1;
+      for (std::size_t pixel = 0; pixel <= last; ++pixel) {
+        const int s1 = pixel == last ? c.last_s1 : 600, s2 = pixel == last ? c.last_s2 : 400;
+        ASSERT_EQ(planes.level(Plane::stokes_s1, pixel), std::max(s1, 0)) << "pixel " << pixel;
+        ASSERT_EQ(planes.level(Plane::stokes_s2, pixel), std::max(s2, 0)) << "pixel " << pixel;
       }
-      EXPECT_EQ(planes.stokes_s1[last], std::max(c.last_s1, 0.0f));
-      EXPECT_EQ(planes.stokes_s2[last], std::max(c.last_s2, 0.0f));
-      EXPECT_EQ(planes.normalized_stokes[2 * last], c.last_s1 / 900);
-      EXPECT_EQ(planes.normalized_stokes[2 * last + 1], c.last_s2 / 900);
-      EXPECT_EQ(planes.intensity[last], 900);
+      const auto [s1_ratio, s2_ratio] = planes.ratios(last);
+      EXPECT_EQ(s1_ratio, static_cast<float>(c.last_s1) / 900);
+      EXPECT_EQ(s2_ratio, static_cast<float>(c.last_s2) / 900);
     }
   }
 }

@@ -31,7 +31,7 @@ ProcessorStatus transform(PolarizationProcessor* handle, const Arguments& a) {
 }
 
 Planes transformed(const Processor& processor, Arguments arguments,
-                   const std::vector<std::uint16_t>& frame, PlaneNumber wanted) {
+                   const std::vector<std::uint16_t>& frame, OutputSet wanted) {
   Planes planes(frame.size());
   EXPECT_EQ(frame.size(), static_cast<std::size_t>(arguments.width * arguments.height));
   arguments.input = frame.data();

@@ -61,6 +61,6 @@ ProcessorStatus transform(PolarizationProcessor* handle, const Arguments& argume
 
 /// Transforms a frame that fits the geometry of `arguments`, and expects it to go well.
 Planes transformed(const Processor& processor, Arguments arguments,
-                   const std::vector<std::uint16_t>& frame, PlaneNumber wanted = kAllPlanes);
+                   const std::vector<std::uint16_t>& frame, OutputSet wanted = OutputSet::all());
 
 }  // namespace kv::test

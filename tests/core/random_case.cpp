@@ -6,6 +6,8 @@
 #include <ostream>
 #include <random>
 
+#include "polarization_processor/processor_instance.h"
+
 namespace kv::test {
 namespace {
 
@@ -43,27 +45,8 @@ const std::vector<Size> kSizes = [] {
   return sizes;
 }();
 
-struct Scale {
-  std::uint32_t bit_depth;
-  std::uint16_t output_max;
-};
-constexpr std::array<Scale, 17> kScales{{{16, 65535},
-                                         {16, 4095},
-                                         {16, 255},
-                                         {16, 1},
-                                         {14, 16383},
-                                         {14, 65535},
-                                         {12, 4095},
-                                         {12, 4096},
-                                         {12, 65535},
-                                         {12, 255},
-                                         {10, 1023},
-                                         {8, 255},
-                                         {8, 65535},
-                                         {8, 1},
-                                         {0, 1},
-                                         {0, 4095},
-                                         {0, 65535}}};
+constexpr std::array<std::uint32_t, 6> kBitDepths{0, 8, 10, 12, 14, 16};
+constexpr std::array<std::uint16_t, 7> kOutputMaxima{1, 255, 1023, 4095, 4096, 16383, 65535};
 
 struct Content {
   const char* name;
@@ -118,22 +101,24 @@ std::uint32_t number_from_environment(const char* name, std::uint32_t otherwise)
 RandomCase random_case(std::uint32_t seed) {
   Random random(seed);
   const Size& size = kSizes[seed % kSizes.size()];
-  const Scale& scale = pick(kScales, random);
+  const std::uint32_t bit_depth = pick(kBitDepths, random);
+  const auto input_max = static_cast<std::uint16_t>((1u << bit_depth) - 1);
+  const bool scaled = bit_depth == 0 || random() % 2 == 0;
   const Content& content = pick(kContents, random);
   const WeightKind& weights = pick(kWeightKinds, random);
 
   RandomCase result{.seed = seed,
                     .frame = {.height = size.height,
                               .width = size.width,
-                              .bit_depth = scale.bit_depth,
-                              .output_max = scale.output_max},
+                              .bit_depth = bit_depth,
+                              .output_max = scaled ? pick(kOutputMaxima, random) : input_max},
                     .content = content.name,
                     .weights = weights.name,
                     .coefficients = PolarizationProcessor(CpuTier::baseline).coefficient_store,
                     .rounding = pick(kRoundingModes, random)};
   result.frame.samples.resize(size.height * size.width);
   for (std::uint16_t& sample : result.frame.samples) {
-    sample = static_cast<std::uint16_t>(content.sample(random, (1u << scale.bit_depth) - 1));
+    sample = static_cast<std::uint16_t>(content.sample(random, input_max));
   }
   for (CoefficientSet& set : result.coefficients) {
     for (auto* const row : {&set.s0_weights, &set.s1_weights, &set.s2_weights}) {

@@ -3,7 +3,8 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "kernel_run.h"
+#include "frame.h"
+#include "polarization_processor/records/coefficient_set.h"
 #include "rounding_scope.h"
 
 namespace kv::test {

@@ -2,131 +2,105 @@
 #include <gtest/gtest.h>
 #include <xmmintrin.h>
 
-#include <algorithm>
-#include <bit>
 #include <cmath>
 
-#include "kernel_run.h"
+#include "every_path.h"
+#include "mosaic.h"
 
 namespace kv::test {
 namespace {
 
-class VectorArea : public BothForms {
- protected:
-  /// Calls `visit` with row and column.
-  template <class Visit>
-  static void for_all_pixels(const Frame& frame, Visit visit) {
-    for (std::size_t row = 0; row < frame.height; ++row) {
-      for (std::size_t column = 0; column < frame.width; ++column) visit(row, column);
-    }
-  }
-
-  static bool in_vector_area(const Frame& frame, std::size_t row, std::size_t column) {
-    return row < paired_rows(frame.height) && column < vector_columns(frame.width);
-  }
-};
-
-Frame flat_frame(std::uint16_t value, std::uint32_t bit_depth) {
-  return {.height = 7,
-          .width = 45,
-          .samples = std::vector<std::uint16_t>(7 * 45, value),
-          .bit_depth = bit_depth,
-          .output_max = 65535};
-}
+using VectorArea = EveryPath;
 
 float reciprocal(float x) {
   volatile float at_run_time = x;
   return _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(at_run_time)));
 }
 
-TEST_P(VectorArea, FlatFrameHasAStepAtItsEdge) {
+/// Blocks for two steps of the widest vectors, with one left over.
+constexpr std::size_t kHeight = 7, kWidth = 4 * 34 + 1;
+
+/// Of a scene that is the same everywhere.
+struct Levels {
+  int intensity, stokes_s1, stokes_s2;
+  float s1_ratio;
+  int azimuth;
+  int azimuth_tolerance;  ///< For the approximate reciprocals of the cubic arctangent.
+};
+
+TEST_P(VectorArea, HasAStepAtItsEdge) {
+  const float half = reciprocal(2);  // On many processors 0.49987793.
+  const auto level = [](float value) { return static_cast<int>(std::lrint(value)); };
+  const auto scaled = [&](float value) { return level(value * 65535 * reciprocal(4095)); };
   struct Case {
-    const char* name;
-    Frame frame;
-    int beside;
-    float inside;      ///< With the reciprocals of this processor.
-    int known_inside;  ///< With those of many; 0 where this processor has others.
+    std::array<std::uint16_t, 4> scene;
+    std::uint32_t bit_depth;
+    std::uint16_t output_max;
+    Levels beside, inside;
   };
-  const float half = reciprocal(2);
-  const float input_reciprocal = reciprocal(4095);
-  const bool known_half = half == 0x1.ffep-2f;                     // 0.49987793
-  const bool known_reciprocal = input_reciprocal == 0x1.001p-12f;  // 0.00024420023
   const std::vector<Case> cases{
-      {"unscaled", flat_frame(4000, 16), 8000, 16000 * half, known_half ? 7998 : 0},
-      {"scaled", flat_frame(2000, 12), 64015, 8000 * half * 65535 * input_reciprocal,
-       known_half && known_reciprocal ? 63999 : 0},
-  };
+      {{9000, 5000, 3000, 1000},
+       16,
+       65535,
+       {9000, 6000, 4000, 6000.0f / 9000, 38936, 4},
+       {level(18000 * half), 6000, 4000, 6000 / (18000 * half), 38936, 4}},
+      {{2700, 1500, 900, 300},
+       12,
+       65535,
+       {43210, 28807, 19204, 1800.0f / 2700, 38936, 4},
+       {scaled(5400 * half), scaled(1800), scaled(1200), 1800 / (5400 * half), 38936, 4}},
+      // The middle of 0 to 13 is a tie. In the float that is nearest to 13 / 180, and above it, a
+      // degree is a little longer.
+      {{500, 500, 500, 500}, 16, 13, {13, 0, 0, 0, 6, 0}, {13, 0, 0, 0, 7, 0}}};
   for (const Case& c : cases) {
-    const Planes planes = run_kernel(c.frame, 0, processor_, sse41());
-    const auto inside = static_cast<int>(std::lrint(c.inside));
-    EXPECT_TRUE(c.known_inside == 0 || c.known_inside == inside) << c.name << ": " << inside;
-    for_all_pixels(c.frame, [&](std::size_t row, std::size_t column) {
-      const std::size_t pixel = row * c.frame.width + column;
-      ASSERT_EQ(planes.intensity[pixel], in_vector_area(c.frame, row, column) ? inside : c.beside)
-          << c.name << ", row " << row << ", column " << column;
-      ASSERT_EQ(planes.stokes_s1[pixel], 0);
-      ASSERT_EQ(planes.stokes_s2[pixel], 0);
-      ASSERT_EQ(planes.azimuth[pixel], 32768);
-      ASSERT_EQ(planes.dolp[pixel], 0);
-    });
+    for (std::uint32_t phase = 0; phase < kMosaics.size(); ++phase) {
+      const Frame frame{.height = kHeight,
+                        .width = kWidth,
+                        .samples = uniform_scene(c.scene, phase, kHeight, kWidth),
+                        .bit_depth = c.bit_depth,
+                        .output_max = c.output_max};
+      const Planes planes = run(frame, phase);
+      for (std::size_t pixel = 0; pixel < kHeight * kWidth; ++pixel) {
+        SCOPED_TRACE(testing::Message() << "phase " << phase << ", pixel " << pixel);
+        const Levels& expected =
+            in_vector_area(frame, pixel / kWidth, pixel % kWidth) ? c.inside : c.beside;
+        ASSERT_EQ(planes.level(Plane::intensity, pixel), expected.intensity);
+        ASSERT_EQ(planes.level(Plane::stokes_s1, pixel), expected.stokes_s1);
+        ASSERT_EQ(planes.level(Plane::stokes_s2, pixel), expected.stokes_s2);
+        ASSERT_NEAR(planes.level(Plane::azimuth, pixel), expected.azimuth,
+                    expected.azimuth_tolerance);
+      }
+      EXPECT_EQ(planes.ratios(0)[0], c.inside.s1_ratio);
+      EXPECT_EQ(planes.ratios(kHeight * kWidth - 1)[0], c.beside.s1_ratio);
+    }
   }
 }
 
 TEST_P(VectorArea, StaysAtTheDefaultWeights) {
-  const Frame frame = flat_frame(4000, 16);
-  const Planes before = run_kernel(frame, 0, processor_, sse41());
-  for (CoefficientSet& set : processor_.coefficient_store) {
-    for (float& weight : set.s0_weights) weight *= 2;
+  for (CoefficientSet& set : processor_.coefficient_store) set.s0_weights.fill(2);
+  const Frame frame{.height = kHeight,
+                    .width = kWidth,
+                    .samples = std::vector<std::uint16_t>(kHeight * kWidth, 4000)};
+  const Planes planes = run(frame, 0, OutputSet(Plane::intensity));
+  for (std::size_t pixel = 0; pixel < kHeight * kWidth; ++pixel) {
+    const bool inside = in_vector_area(frame, pixel / kWidth, pixel % kWidth);
+    ASSERT_NEAR(planes.level(Plane::intensity, pixel), inside ? 8000 : 16000, 3) << pixel;
   }
-  const Planes after = run_kernel(frame, 0, processor_, sse41());
-  for_all_pixels(frame, [&](std::size_t row, std::size_t column) {
-    const std::size_t pixel = row * frame.width + column;
-    const int factor = in_vector_area(frame, row, column) ? 1 : 2;
-    ASSERT_EQ(after.intensity[pixel], factor * before.intensity[pixel])
-        << "row " << row << ", column " << column;
-  });
 }
 
-/// The one sample is the diagonal of the block's last lane, and out of reach of the others.
-TEST_P(VectorArea, OnlyTheSse2FormSeesTheColumnBehindABlock) {
-  for (const std::size_t width : {8u, 9u, 12u, 40u}) {
+/// The right columns of two neighbouring blocks, with samples of 600 and 1000 at their border.
+TEST_P(VectorArea, FourthColumnRepeatsTheThirdButInTheSse2Form) {
+  for (const std::size_t width : {8u, 9u, 12u, 40u, 83u}) {
     Frame frame{.height = 4, .width = width, .samples = std::vector<std::uint16_t>(4 * width, 0)};
+    frame.samples[3] = 600;
     frame.samples[4] = 1000;
-    const Planes planes = run_kernel(frame, 0, processor_, sse41());
-    EXPECT_EQ(planes.intensity[2], 0) << width;
-    if (sse41()) {
-      EXPECT_EQ(planes.intensity[3], 0) << width;
-    } else {
-      EXPECT_NEAR(planes.intensity[3], 500, 0.5) << width;
-    }
+    const Planes planes = run(frame, 0);
+    EXPECT_NEAR(planes.level(Plane::intensity, 2), 300, 0.5) << width;
+    EXPECT_NEAR(planes.level(Plane::intensity, 3), sse41() ? 300 : 800, 0.5) << width;
   }
 }
 
-TEST_P(VectorArea, FourthLaneRepeatsTheThirdInTheSse41FormOnly) {
-  for (const std::size_t width : {8u, 11u, 25u, 40u, 83u}) {
-    const Frame frame{.height = 7, .width = width, .samples = noise(7 * width, 11)};
-    const Planes planes = run_kernel(frame, 1, processor_, sse41());
-    std::size_t different = 0;
-    for (std::size_t row = 0; row < paired_rows(frame.height); ++row) {
-      for (std::size_t column = 3; column < vector_columns(width); column += 4) {
-        const std::size_t pixel = row * width + column;
-        const bool repeated = planes.intensity[pixel] == planes.intensity[pixel - 1] &&
-                              planes.stokes_s1[pixel] == planes.stokes_s1[pixel - 1] &&
-                              planes.stokes_s2[pixel] == planes.stokes_s2[pixel - 1] &&
-                              planes.azimuth[pixel] == planes.azimuth[pixel - 1] &&
-                              planes.dolp[pixel] == planes.dolp[pixel - 1];
-        if (!repeated) ++different;
-      }
-    }
-    if (sse41()) {
-      EXPECT_EQ(different, 0u) << width;
-    } else {
-      EXPECT_GT(different, 0u) << width;
-    }
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Forms, VectorArea, testing::Bool(), form_name);
+INSTANTIATE_TEST_SUITE_P(Paths, VectorArea, testing::ValuesIn(kPaths), path_name);
 
 }  // namespace
 }  // namespace kv::test

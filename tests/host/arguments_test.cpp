@@ -91,7 +91,7 @@ TEST_F(ArgumentChecks, TheStateOfTheModuleAndTheHandleGoFirst) {
 
 TEST_F(ArgumentChecks, EveryPairOfEqualBuffersIsFound) {
   // Each plane is put at the address of a buffer.
-  const std::array<void (*)(Arguments&, void*), kPlaneCount> put{
+  const std::array<void (*)(Arguments&, void*), kPlanes.size()> put{
       [](auto& a, void* at) { a.normalized_stokes = static_cast<float*>(at); },
       [](auto& a, void* at) { a.intensity = static_cast<std::uint16_t*>(at); },
       [](auto& a, void* at) { a.stokes_s1 = static_cast<std::uint16_t*>(at); },
@@ -99,9 +99,10 @@ TEST_F(ArgumentChecks, EveryPairOfEqualBuffersIsFound) {
       [](auto& a, void* at) { a.azimuth = static_cast<std::uint16_t*>(at); },
       [](auto& a, void* at) { a.dolp = static_cast<std::uint16_t*>(at); }};
   alignas(float) char buffer[4];
-  for (std::size_t first = 0; first < kPlaneCount; ++first) {
-    for (std::size_t second = first + 1; second < kPlaneCount; ++second) {
-      const std::string pair = std::string(kPlaneNames[first]) + " and " + kPlaneNames[second];
+  for (std::size_t first = 0; first < kPlanes.size(); ++first) {
+    for (std::size_t second = first + 1; second < kPlanes.size(); ++second) {
+      const std::string pair =
+          std::string(kPlanes[first].name) + " and " + std::string(kPlanes[second].name);
       Arguments arguments = sound();
       put[first](arguments, buffer);
       put[second](arguments, buffer);
@@ -113,7 +114,7 @@ TEST_F(ArgumentChecks, EveryPairOfEqualBuffersIsFound) {
     }
     Arguments arguments = sound();
     put[first](arguments, frame_.data());
-    expect_refused(arguments, kv_status_input_aliases_output, kPlaneNames[first]);
+    expect_refused(arguments, kv_status_input_aliases_output, std::string(kPlanes[first].name));
   }
 }
 

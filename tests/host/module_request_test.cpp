@@ -53,10 +53,10 @@ TEST_F(ModuleRequest, Fields) {
     std::uint16_t output_max;
   };
   for (const Scale& scale : std::vector<Scale>{{0, 0, 1}, {10, 1023, 4095}, {16, 65535, 65535}}) {
-    for (const PlaneNumber planes : {1u, 2u, 4u, 8u, 16u, 32u, kAllPlanes}) {
+    for (const std::size_t planes : {1u, 2u, 4u, 8u, 16u, 32u, 63u}) {
       arguments_.bit_depth = scale.bit_depth;
       arguments_.output_max = scale.output_max;
-      planes_.hand_to(arguments_, planes);
+      planes_.hand_to(arguments_, OutputSet::from_number(planes));
       const ModuleCall seen = call(arguments_);
       EXPECT_EQ(seen.request.height, 2);
       EXPECT_EQ(seen.request.width, 3);
