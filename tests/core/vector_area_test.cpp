@@ -51,7 +51,7 @@ TEST_P(VectorArea, HasAStepAtItsEdge) {
        {scaled(5400 * half), scaled(1800), scaled(1200), 1800 / (5400 * half), 38936, 4}},
       // The middle of 0 to 13 is a tie. In the float that is nearest to 13 / 180, and above it, a
       // degree is a little longer.
-      {{500, 500, 500, 500}, 16, 13, {13, 0, 0, 0, 6, 0}, {13, 0, 0, 0, 7, 0}}};
+      {{65535, 65535, 65535, 65535}, 16, 13, {13, 0, 0, 0, 6, 0}, {13, 0, 0, 0, 7, 0}}};
   for (const Case& c : cases) {
     for (std::uint32_t phase = 0; phase < kMosaics.size(); ++phase) {
       const Frame frame{.height = kHeight,
