@@ -45,15 +45,6 @@ inline bool path_available(const Path& path, const PolarizationProcessor& proces
   return !path.sse41 || sse41_available();
 }
 
-inline void run_path(const Path& path, const PolarizationProcessor& processor,
-                     const TransformRequest& request, const PhaseView& view) {
-  if (path.module == nullptr) {
-    select_kernel(request, view, path.sse41);
-  } else {
-    path.module(processor)->transform(processor, request, view, path.sse41);
-  }
-}
-
 /// A test that is run on each path. A path that this machine lacks is skipped.
 class EveryPath : public testing::TestWithParam<Path> {
  protected:
@@ -65,7 +56,11 @@ class EveryPath : public testing::TestWithParam<Path> {
   bool sse41() const { return GetParam().sse41; }
 
   void run(const TransformRequest& request, const PhaseView& view) const {
-    run_path(GetParam(), processor_, request, view);
+    if (GetParam().module == nullptr) {
+      select_kernel(request, view, sse41());
+    } else {
+      GetParam().module(processor_)->transform(processor_, request, view, sse41());
+    }
   }
 
   Planes run(const Frame& frame, std::uint32_t phase, OutputSet wanted = OutputSet::all()) const {

@@ -131,14 +131,11 @@ class ExpectedFrame {
   /// those of upper rows from the plane's first pixel, those of lower rows from its second row.
   void fill_vector_area(std::size_t row) const {
     const Encoder encoder{request_, scaled_, true};
-    for (std::size_t block = 0; block < vector_columns_ / 4; ++block) {
-      const std::size_t blocks_before = row / 2 * (vector_columns_ / 4) + block;
-      for (const std::size_t lower : {0u, 1u}) {
-        for (std::size_t lane = 0; lane < 4; ++lane) {
-          const Stokes stokes = vector_stokes(row + lower, 4 * block + lane);
-          write_ratios(stokes, lower * width_ + 4 * blocks_before + lane, request_);
-          write_levels(stokes, (row + lower) * width_ + 4 * block + lane, encoder);
-        }
+    for (const std::size_t lower : {0u, 1u}) {
+      for (std::size_t column = 0; column < vector_columns_; ++column) {
+        const Stokes stokes = vector_stokes(row + lower, column);
+        write_ratios(stokes, lower * width_ + row / 2 * vector_columns_ + column, request_);
+        write_levels(stokes, (row + lower) * width_ + column, encoder);
       }
     }
   }

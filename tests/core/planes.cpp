@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iomanip>
 #include <sstream>
 
 namespace kv::test {
@@ -47,26 +48,19 @@ std::string difference(const Planes& actual, const Planes& expected, std::size_t
     if (found == right) continue;
 
     const auto first = std::ranges::mismatch(found, right).in1 - found.begin();
-    const std::ptrdiff_t size = static_cast<std::ptrdiff_t>(element_size(plane));
-    const std::ptrdiff_t offset = first / size * size;
-    const std::ptrdiff_t place = offset - static_cast<std::ptrdiff_t>(Planes::kGuard);
-    const std::ptrdiff_t pixel = place / static_cast<std::ptrdiff_t>(pixel_size(plane));
-    const std::ptrdiff_t columns = static_cast<std::ptrdiff_t>(width);
-    std::ostringstream text;
-    text << name << (wanted.has(plane) ? "" : ", which is not requested") << ", byte " << place
-         << ", row " << pixel / columns << ", column " << pixel % columns;
+    const std::size_t size = element_size(plane);
+    const std::size_t offset = static_cast<std::size_t>(first) / size * size;
+    const std::size_t place = offset - Planes::kGuard;  // Wraps around in the guard before.
+    const std::size_t pixel = place / pixel_size(plane);
     const auto element_of = [&](const std::vector<unsigned char>& bytes) {
-      const auto at = static_cast<std::size_t>(offset);
-      if (element == PlaneElement::level) {
-        text << value_at<std::uint16_t>(bytes, at);
-      } else {
-        text << std::hexfloat << value_at<float>(bytes, at);
-      }
+      return element == PlaneElement::level ? value_at<std::uint16_t>(bytes, offset)
+                                            : value_at<float>(bytes, offset);
     };
-    text << ": expected ";
-    element_of(right);
-    text << ", actual ";
-    element_of(found);
+    std::ostringstream text;
+    text << std::setprecision(9) << name << (wanted.has(plane) ? "" : ", which is not requested")
+         << ", byte " << static_cast<std::ptrdiff_t>(place) << ", row " << pixel / width
+         << ", column " << pixel % width << ": expected " << element_of(right) << ", actual "
+         << element_of(found);
     return text.str();
   }
   return {};

@@ -9,44 +9,40 @@
 namespace kv::test {
 namespace {
 
-/// A plane of one digit a pixel; a is 10, b is 11 and so on.
+/// Samples or levels of a frame, a character each: from 0 on in the order of the character set.
 using Map = std::vector<std::string>;
 
-std::vector<std::uint16_t> levels_of(const Map& map) {
-  std::vector<std::uint16_t> levels;
-  for (const std::string& row : map) {
-    for (const char digit : row) {
-      levels.push_back(static_cast<std::uint16_t>(digit <= '9' ? digit - '0' : digit - 'a' + 10));
-    }
-  }
-  return levels;
+Arguments arguments_for(int phase, std::size_t height, std::size_t width) {
+  return {.polar_phase = phase,
+          .width = static_cast<std::int32_t>(width),
+          .height = static_cast<std::int32_t>(height)};
 }
 
-std::vector<std::uint16_t> intensity_of(const Processor& processor, std::size_t phase,
-                                        std::size_t width,
-                                        const std::vector<std::uint16_t>& frame) {
-  const Planes planes = transformed(processor,
-                                    {.polar_phase = static_cast<PolarPhase>(phase),
-                                     .width = static_cast<std::int32_t>(width),
-                                     .height = static_cast<std::int32_t>(frame.size() / width)},
-                                    frame);
-  std::vector<std::uint16_t> levels;
-  for (std::size_t pixel = 0; pixel < frame.size(); ++pixel) {
-    levels.push_back(static_cast<std::uint16_t>(planes.level(Plane::intensity, pixel)));
+Map intensity_of(const Processor& processor, int phase, const Map& map) {
+  std::vector<std::uint16_t> frame;
+  for (const std::string& row : map) {
+    for (const char c : row) frame.push_back(static_cast<std::uint16_t>(c - '0'));
+  }
+  const Planes planes =
+      transformed(processor, arguments_for(phase, map.size(), map[0].size()), frame);
+  Map levels = map;
+  std::size_t pixel = 0;
+  for (std::string& row : levels) {
+    for (char& c : row) c = static_cast<char>('0' + planes.level(Plane::intensity, pixel++));
   }
   return levels;
 }
 
 TEST(Positions, NeighboursAreMirroredAtTheEdges) {
-  const Map frame{"12345", "6789a", "bcdef"};
+  const Map frame{"abcde", "fghij", "klmno"};
   const std::vector<Map> by_weight_column{
-      frame, {"23454", "789a9", "cdefe"}, {"6789a", "bcdef", "6789a"}, {"789a9", "cdefe", "789a9"}};
+      frame, {"bcded", "ghiji", "lmnon"}, {"fghij", "klmno", "fghij"}, {"ghiji", "lmnon", "ghiji"}};
   const Processor processor;
   for (std::size_t column = 0; column < by_weight_column.size(); ++column) {
     Weights weights{};
     weights[column] = 2;  // S0 is the sample of that neighbour.
     ASSERT_EQ(set_weights(processor.handle(), {weights, weights, weights, weights}), kv_status_ok);
-    EXPECT_EQ(intensity_of(processor, 0, 5, levels_of(frame)), levels_of(by_weight_column[column]))
+    EXPECT_EQ(intensity_of(processor, 0, frame), by_weight_column[column])
         << "weight column " << column;
   }
 }
@@ -66,11 +62,8 @@ TEST(Positions, EachPixelTakesTheWeightsOfItsPlaceInTheCell) {
         weights[kMosaics[phase][place]][0] = static_cast<float>(2 * place);
       }
       ASSERT_EQ(set_weights(processor.handle(), weights), kv_status_ok);
-      const std::vector<std::uint16_t> levels = levels_of(map);
-      EXPECT_EQ(intensity_of(processor, phase, map[0].size(),
-                             std::vector<std::uint16_t>(levels.size(), 1)),
-                levels)
-          << map.size() << " x " << map[0].size() << ", phase " << phase;
+      const Map ones(map.size(), std::string(map[0].size(), '1'));
+      EXPECT_EQ(intensity_of(processor, static_cast<int>(phase), ones), map) << "phase " << phase;
     }
   }
 }
@@ -78,23 +71,19 @@ TEST(Positions, EachPixelTakesTheWeightsOfItsPlaceInTheCell) {
 TEST(Positions, OnlyTheLastPixelDepartsFromAUniformScene) {
   constexpr std::array<std::uint16_t, 4> scene{900, 500, 300, 100};
   struct Case {
-    std::size_t height;
-    std::size_t width;
-    int last_s1;
-    int last_s2;
+    std::size_t height, width;
+    int last_s1, last_s2;
   };
   const Processor processor;
   for (const Case& c : std::vector<Case>{{6, 12, 600, 400},
                                          {7, 13, 600, 400},
                                          {4, 9, 400, 600},        // S1 and S2 exchanged.
                                          {7, 10, -400, -600}}) {  // Exchanged and negated.
-    for (std::size_t phase = 0; phase < 4; ++phase) {
+    for (const int phase : {-1, 0, 1, 2, 3}) {                    // A negative one acts as 0.
       SCOPED_TRACE(testing::Message() << c.height << " x " << c.width << ", phase " << phase);
-      const Planes planes = transformed(processor,
-                                        {.polar_phase = static_cast<PolarPhase>(phase),
-                                         .width = static_cast<std::int32_t>(c.width),
-                                         .height = static_cast<std::int32_t>(c.height)},
-                                        uniform_scene(scene, phase, c.height, c.width));
+      const Planes planes = transformed(
+          processor, arguments_for(phase, c.height, c.width),
+          uniform_scene(scene, static_cast<std::size_t>(std::max(phase, 0)), c.height, c.width));
       const std::size_t last = c.height * c.width - 1;
       for (std::size_t pixel = 0; pixel <= last; ++pixel) {
         const int s1 = pixel == last ? c.last_s1 : 600, s2 = pixel == last ? c.last_s2 : 400;

@@ -11,15 +11,7 @@
 namespace kv::test {
 namespace {
 
-/// 32 bits a call, alike everywhere.
-class Random {
- public:
-  explicit Random(std::uint32_t seed) : engine_(seed) {}
-  std::uint32_t operator()() { return static_cast<std::uint32_t>(engine_()); }
-
- private:
-  std::mt19937 engine_;
-};
+using Random = std::mt19937;
 
 template <class Choices>
 const auto& pick(const Choices& choices, Random& random) {
@@ -50,21 +42,18 @@ constexpr std::array<std::uint16_t, 7> kOutputMaxima{1, 255, 1023, 4095, 4096, 1
 
 struct Content {
   const char* name;
-  std::uint32_t (*sample)(Random& random, std::uint32_t input_max);
+  std::uint_fast32_t (*sample)(Random& random, std::uint_fast32_t input_max);
 };
 constexpr std::array<Content, 8> kContents{{
-    {"all zero", [](Random&, std::uint32_t) { return 0u; }},
-    {"saturated", [](Random&, std::uint32_t input_max) { return input_max; }},
-    {"all bits set", [](Random&, std::uint32_t) { return 65535u; }},
-    {"noise", [](Random& random, std::uint32_t input_max) { return random() % (input_max + 1); }},
-    {"noise of 16 bits", [](Random& random, std::uint32_t) { return random() % 65536; }},
-    {"sparse",
-     [](Random& random, std::uint32_t) { return random() % 16 == 0 ? random() % 65536 : 0; }},
-    {"nearly black", [](Random& random, std::uint32_t) { return random() % 3; }},
+    {"all zero", [](Random&, auto) -> std::uint_fast32_t { return 0; }},
+    {"saturated", [](Random&, auto input_max) { return input_max; }},
+    {"all bits set", [](Random&, auto) -> std::uint_fast32_t { return 65535; }},
+    {"noise", [](Random& random, auto input_max) { return random() % (input_max + 1); }},
+    {"noise of 16 bits", [](Random& random, auto) { return random() % 65536; }},
+    {"sparse", [](Random& random, auto) { return random() % 16 == 0 ? random() % 65536 : 0; }},
+    {"nearly black", [](Random& random, auto) { return random() % 3; }},
     {"nearly saturated",
-     [](Random& random, std::uint32_t input_max) {
-       return input_max - std::min(input_max, random() % 3);
-     }},
+     [](Random& random, auto input_max) { return input_max - std::min(input_max, random() % 3); }},
 }};
 
 struct WeightKind {
@@ -72,14 +61,8 @@ struct WeightKind {
   float (*weight)(Random& random, float default_weight);
 };
 /// None is a NaN: which of two NaNs a sum keeps depends on the order of its operands.
-constexpr std::array<float, 8> kExtremes{0.0f,
-                                         -0.0f,
-                                         1.0f,
-                                         1e-40f,
-                                         3e38f,
-                                         -3e38f,
-                                         std::numeric_limits<float>::infinity(),
-                                         -std::numeric_limits<float>::infinity()};
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr std::array<float, 8> kExtremes{0, -0.0f, 1, 1e-40f, 3e38f, -3e38f, kInfinity, -kInfinity};
 constexpr std::array<WeightKind, 4> kWeightKinds{{
     {"default", [](Random&, float w) { return w; }},
     {"near the default",
