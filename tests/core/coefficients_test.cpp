@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -52,20 +51,6 @@ TEST(Coefficients, EachSetIsSetAndGotByItselfBitForBit) {
               kv_status_ok);
     EXPECT_EQ(std::memcmp(&got, &unusual, sizeof got), 0);
   }
-}
-
-TEST(Coefficients, SpareWeightsChangeNoPlane) {
-  const Processor plain;
-  const Processor spare_in_use;
-  Sets weights = kDefaults;
-  for (Weights& set : weights) std::fill(set.begin() + 12, set.end(), std::bit_cast<float>(~0u));
-  ASSERT_EQ(set_weights(spare_in_use.handle(), weights), kv_status_ok);
-
-  const std::vector<std::uint16_t> frame{900, 100, 500, 300, 20, 70};
-  const Arguments arguments{.width = 3, .height = 2};
-  EXPECT_EQ(difference(transformed(spare_in_use, arguments, frame),
-                       transformed(plain, arguments, frame), 3),
-            "");
 }
 
 }  // namespace

@@ -13,37 +13,10 @@ namespace kv::test {
 namespace {
 
 struct Stokes {
-  float s0;
-  float s1;
-  float s2;
-};
-
-/// The two areas of a frame have the arcs of the azimuth in common, and differ in these.
-struct Encoder {
-  const TransformRequest& request;
-  bool scaled;
-  bool vector_area;
+  float s0, s1, s2;
 };
 
 float reciprocal(float x) { return _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(x))); }
-
-/// NaN becomes `output_max`.
-float clamped(float v, float output_max) {
-  const float below = v < output_max ? v : output_max;
-  return below > 0 ? below : 0;
-}
-
-std::uint16_t quantised(float v, float output_max) {
-  return static_cast<std::uint16_t>(std::lrint(clamped(v, output_max)));
-}
-
-std::uint16_t linear_level(float x, const Encoder& encoder) {
-  const float output_max = encoder.request.output_max;
-  if (!encoder.scaled) return quantised(x, output_max);
-  const float product = x * output_max;
-  if (!encoder.vector_area) return quantised(product / encoder.request.input_max, output_max);
-  return quantised(product * reciprocal(encoder.request.input_max), output_max);
-}
 
 float arctangent(float x) {
   float t = x * x;
@@ -70,36 +43,6 @@ float angle_of(float s1, float s2) {
   return (s1 != 0 ? arc : 0.0f) + (on_s2_axis ? right_angle : 0.0f);
 }
 
-std::uint16_t azimuth_level(const Stokes& stokes, const Encoder& encoder) {
-  const float output_max = encoder.request.output_max;
-  const float degrees = angle_of(stokes.s1, stokes.s2) * 0x1.ca5dcp+4f + 90.0f;  // 28.647888
-  if (!encoder.vector_area) return quantised((degrees * output_max) / 180.0f, output_max);
-  const float scale = output_max / 180.0f;
-  return quantised(clamped(degrees * scale, output_max), output_max);
-}
-
-std::uint16_t dolp_level(const Stokes& stokes, const Encoder& encoder) {
-  const float length = std::sqrt(stokes.s1 * stokes.s1 + stokes.s2 * stokes.s2);
-  const float degree = length * reciprocal(stokes.s0);
-  return quantised((stokes.s0 == 0 ? 0.0f : degree) * encoder.request.output_max,
-                   encoder.request.output_max);
-}
-
-void write_levels(const Stokes& stokes, std::size_t pixel, const Encoder& encoder) {
-  const TransformRequest& planes = encoder.request;
-  if (planes.intensity) planes.intensity[pixel] = linear_level(stokes.s0, encoder);
-  if (planes.stokes_s1) planes.stokes_s1[pixel] = linear_level(stokes.s1, encoder);
-  if (planes.stokes_s2) planes.stokes_s2[pixel] = linear_level(stokes.s2, encoder);
-  if (planes.azimuth) planes.azimuth[pixel] = azimuth_level(stokes, encoder);
-  if (planes.dolp) planes.dolp[pixel] = dolp_level(stokes, encoder);
-}
-
-void write_ratios(const Stokes& stokes, std::size_t place, const TransformRequest& request) {
-  if (!request.normalized_stokes) return;
-  request.normalized_stokes[2 * place] = stokes.s1 / stokes.s0;
-  request.normalized_stokes[2 * place + 1] = stokes.s2 / stokes.s0;
-}
-
 class ExpectedFrame {
  public:
   ExpectedFrame(const TransformRequest& request, const PhaseView& view, bool sse41)
@@ -123,6 +66,46 @@ class ExpectedFrame {
   }
 
  private:
+  /// NaN becomes output_max.
+  std::uint16_t quantised(float v) const {
+    const float below = v < request_.output_max ? v : request_.output_max;
+    return static_cast<std::uint16_t>(std::lrint(below > 0 ? below : 0));
+  }
+
+  std::uint16_t linear_level(float x, bool vector_area) const {
+    if (!scaled_) return quantised(x);
+    const float product = x * request_.output_max;
+    return quantised(vector_area ? product * reciprocal(request_.input_max)
+                                 : product / request_.input_max);
+  }
+
+  std::uint16_t azimuth_level(const Stokes& stokes, bool vector_area) const {
+    const float output_max = request_.output_max;
+    const float degrees = angle_of(stokes.s1, stokes.s2) * 0x1.ca5dcp+4f + 90.0f;  // 28.647888
+    return quantised(vector_area ? degrees * (output_max / 180.0f) : degrees * output_max / 180.0f);
+  }
+
+  std::uint16_t dolp_level(const Stokes& stokes) const {
+    const float length = std::sqrt(stokes.s1 * stokes.s1 + stokes.s2 * stokes.s2);
+    const float degree = length * reciprocal(stokes.s0);
+    return quantised((stokes.s0 == 0 ? 0.0f : degree) * request_.output_max);
+  }
+
+  void write_levels(const Stokes& stokes, std::size_t pixel, bool vector_area) const {
+    const auto& [s0, s1, s2] = stokes;
+    if (request_.intensity) request_.intensity[pixel] = linear_level(s0, vector_area);
+    if (request_.stokes_s1) request_.stokes_s1[pixel] = linear_level(s1, vector_area);
+    if (request_.stokes_s2) request_.stokes_s2[pixel] = linear_level(s2, vector_area);
+    if (request_.azimuth) request_.azimuth[pixel] = azimuth_level(stokes, vector_area);
+    if (request_.dolp) request_.dolp[pixel] = dolp_level(stokes);
+  }
+
+  void write_ratios(const Stokes& stokes, std::size_t place) const {
+    if (!request_.normalized_stokes) return;
+    request_.normalized_stokes[2 * place] = stokes.s1 / stokes.s0;
+    request_.normalized_stokes[2 * place + 1] = stokes.s2 / stokes.s0;
+  }
+
   float sample(std::size_t row, std::size_t column) const {
     return request_.input[row * width_ + column];
   }
@@ -130,12 +113,11 @@ class ExpectedFrame {
   /// The ratios of the area are packed one block behind the other, without regard to row ends:
   /// those of upper rows from the plane's first pixel, those of lower rows from its second row.
   void fill_vector_area(std::size_t row) const {
-    const Encoder encoder{request_, scaled_, true};
     for (const std::size_t lower : {0u, 1u}) {
       for (std::size_t column = 0; column < vector_columns_; ++column) {
         const Stokes stokes = vector_stokes(row + lower, column);
-        write_ratios(stokes, lower * width_ + row / 2 * vector_columns_ + column, request_);
-        write_levels(stokes, (row + lower) * width_ + column, encoder);
+        write_ratios(stokes, lower * width_ + row / 2 * vector_columns_ + column);
+        write_levels(stokes, (row + lower) * width_ + column, true);
       }
     }
   }
@@ -153,11 +135,10 @@ class ExpectedFrame {
   }
 
   void fill_scalar_part(std::size_t row, std::size_t first_column) const {
-    const Encoder encoder{request_, scaled_, false};
     for (std::size_t column = first_column; column < width_; ++column) {
       const Stokes stokes = scalar_stokes(row, column);
-      write_ratios(stokes, row * width_ + column, request_);
-      write_levels(stokes, row * width_ + column, encoder);
+      write_ratios(stokes, row * width_ + column);
+      write_levels(stokes, row * width_ + column, false);
     }
   }
 
@@ -187,12 +168,8 @@ class ExpectedFrame {
   const TransformRequest& request_;
   const PhaseView& view_;
   std::size_t phase_;
-  bool sse41_;
-  bool scaled_;
-  std::size_t height_;
-  std::size_t width_;
-  std::size_t paired_rows_;
-  std::size_t vector_columns_;
+  bool sse41_, scaled_;
+  std::size_t height_, width_, paired_rows_, vector_columns_;
 };
 
 }  // namespace

@@ -58,15 +58,21 @@ class FencedMemory {
   void* data_;
 };
 
+template <class Memory, class... Arguments>
+std::map<Plane, Memory> memory_of_planes(std::size_t pixels, Arguments... arguments) {
+  std::map<Plane, Memory> planes;
+  for (const PlaneTraits& traits : kPlanes) {
+    planes.try_emplace(traits.plane, pixels * pixel_size(traits.plane), arguments...);
+  }
+  return planes;
+}
+
 class MemoryBounds : public EveryPath {
  protected:
   void transform_fenced(std::size_t height, std::size_t width, Fence fence) {
     const std::size_t pixels = height * width;
     const FencedMemory input(pixels * sizeof(std::uint16_t), fence);
-    std::map<Plane, FencedMemory> planes;
-    for (const PlaneTraits& traits : kPlanes) {
-      planes.try_emplace(traits.plane, pixels * pixel_size(traits.plane), fence);
-    }
+    const auto planes = memory_of_planes<FencedMemory>(pixels, fence);
     TransformRequest request = request_for({.height = height, .width = width}, 0);
     request.input = static_cast<const std::uint16_t*>(input.data());
     // Alone, each of the kinds of plane that are stored in a way of their own; then all.
@@ -123,10 +129,7 @@ void expect_rows_behind_all_others(const Frame& end, bool sse41) {
   const std::size_t pixels = first + end.samples.size();
   const MappedMemory input(pixels * sizeof(std::uint16_t));
   std::ranges::copy(end.samples, static_cast<std::uint16_t*>(input.at(0)) + first);
-  std::map<Plane, MappedMemory> planes;
-  for (const PlaneTraits& traits : kPlanes) {
-    planes.try_emplace(traits.plane, pixels * pixel_size(traits.plane));
-  }
+  const auto planes = memory_of_planes<MappedMemory>(pixels);
   request.height += kFirstRow;
   request.input = static_cast<const std::uint16_t*>(input.at(0));
   point_to_planes(request, OutputSet::all(), [&](Plane plane) { return planes.at(plane).at(0); });

@@ -17,10 +17,7 @@ constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kDenormal = 1e-40f;
 
 struct Samples {
-  std::uint16_t own;
-  std::uint16_t horizontal;
-  std::uint16_t vertical;
-  std::uint16_t diagonal;
+  std::uint16_t own, horizontal, vertical, diagonal;
 };
 
 constexpr Samples uniform(std::uint16_t value) { return {value, value, value, value}; }
@@ -53,9 +50,7 @@ Levels levels_of(const Planes& planes) {
 
 /// Any Stokes values, by way of the weights.
 struct Stokes {
-  float s0;
-  float s1;
-  float s2;
+  float s0, s1, s2;
 };
 
 Planes evaluate(const Stokes& stokes) {
@@ -80,8 +75,7 @@ TEST(PixelValues, AzimuthAndDolp) {
     const char* name;
     Samples samples;
     std::uint16_t output_max;
-    Level azimuth;
-    Level dolp;
+    Level azimuth, dolp;
   };
   const std::vector<Case> cases{
       {"black", {0, 0, 0, 0}, 65535, {32768}, {0}},
@@ -124,6 +118,7 @@ TEST(PixelValues, LinearPlanes) {
       {"negative S2", {0, 5, 4, 0}, {12, 4095}, {4, 0, 0}},
       {"scaled down", uniform(500), {12, 255}, {62, 0, 0}},
       {"scaled up, the half taken before", {100, 20, 80, 0}, {8, 65535}, {25700, 25700, 15420}},
+      {"scaled, the tie at 16383 / 6", {341, 0, 0, 0}, {10, 16383}, {2730, 5461, 0}},
       {"scaled up, samples of more than 8 bits", {300, 0, 0, 0}, {8, 65535}, {38550, 65535, 0}},
       {"full scale one less than that of the samples", {100, 0, 0, 0}, {8, 254}, {50, 100, 0}},
       {"bit depth 0, positive, negative and zero", {7, 9, 9, 0}, {0, 1000}, {1000, 1000, 1000}},
@@ -140,18 +135,17 @@ TEST(PixelValues, RatiosAreDivided) {
   struct Case {
     const char* name;
     Stokes stokes;
-    float s1_ratio;
-    float s2_ratio;
+    std::array<float, 2> ratios;
   };
   const std::vector<Case> cases{
-      {"rounded quotients", {1200, 800, -300}, 0x1.555556p-1f, -0.25f},
-      {"beyond 1", {1, 3, -2}, 3, -2},
-      {"negative S0", {-500, 300, -250}, -0x1.333334p-1f, 0.5f},
-      {"S0 zero", {0, 300, -300}, kInfinity, -kInfinity},
-      {"S0 negative zero", {-0.0f, 300, -300}, -kInfinity, kInfinity},
+      {"rounded quotients", {1200, 800, -300}, {0x1.555556p-1f, -0.25f}},
+      {"beyond 1", {1, 3, -2}, {3, -2}},
+      {"negative S0", {-500, 300, -250}, {-0x1.333334p-1f, 0.5f}},
+      {"S0 zero", {0, 300, -300}, {kInfinity, -kInfinity}},
+      {"S0 negative zero", {-0.0f, 300, -300}, {-kInfinity, kInfinity}},
   };
   for (const Case& c : cases) {
-    EXPECT_EQ(evaluate(c.stokes).ratios(0), (std::array{c.s1_ratio, c.s2_ratio})) << c.name;
+    EXPECT_EQ(evaluate(c.stokes).ratios(0), c.ratios) << c.name;
   }
   const auto [s1_ratio, s2_ratio] = evaluate(uniform(0)).ratios(0);
   EXPECT_TRUE(std::isnan(s1_ratio) && std::isnan(s2_ratio));

@@ -19,8 +19,7 @@ const auto& pick(const Choices& choices, Random& random) {
 }
 
 struct Size {
-  std::size_t height;
-  std::size_t width;
+  std::size_t height, width;
 };
 
 /// Widths up to 40 are 0 to 9 blocks with every remainder; the others hold the widest group of
@@ -40,39 +39,31 @@ const std::vector<Size> kSizes = [] {
 constexpr std::array<std::uint32_t, 6> kBitDepths{0, 8, 10, 12, 14, 16};
 constexpr std::array<std::uint16_t, 7> kOutputMaxima{1, 255, 1023, 4095, 4096, 16383, 65535};
 
-struct Content {
-  const char* name;
-  std::uint_fast32_t (*sample)(Random& random, std::uint_fast32_t input_max);
+/// Samples from 0 to `full_scale`, and beyond: all bits of a sample count.
+using SampleKind = std::uint_fast32_t (*)(Random& random, std::uint_fast32_t full_scale);
+constexpr std::array<SampleKind, 8> kSampleKinds{
+    [](Random&, auto) -> std::uint_fast32_t { return 0; },
+    [](Random&, auto full_scale) { return full_scale; },
+    [](Random&, auto) -> std::uint_fast32_t { return 65535; },
+    [](Random& random, auto full_scale) { return random() % (full_scale + 1); },
+    [](Random& random, auto) { return random() % 65536; },
+    [](Random& random, auto) { return random() % 16 == 0 ? random() % 65536 : 0; },
+    [](Random& random, auto) { return random() % 3; },
+    [](Random& random, auto full_scale) { return full_scale - std::min(full_scale, random() % 3); },
 };
-constexpr std::array<Content, 8> kContents{{
-    {"all zero", [](Random&, auto) -> std::uint_fast32_t { return 0; }},
-    {"saturated", [](Random&, auto input_max) { return input_max; }},
-    {"all bits set", [](Random&, auto) -> std::uint_fast32_t { return 65535; }},
-    {"noise", [](Random& random, auto input_max) { return random() % (input_max + 1); }},
-    {"noise of 16 bits", [](Random& random, auto) { return random() % 65536; }},
-    {"sparse", [](Random& random, auto) { return random() % 16 == 0 ? random() % 65536 : 0; }},
-    {"nearly black", [](Random& random, auto) { return random() % 3; }},
-    {"nearly saturated",
-     [](Random& random, auto input_max) { return input_max - std::min(input_max, random() % 3); }},
-}};
 
-struct WeightKind {
-  const char* name;
-  float (*weight)(Random& random, float default_weight);
-};
-/// None is a NaN: which of two NaNs a sum keeps depends on the order of its operands.
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
+/// None is a NaN: which of two NaNs a sum keeps depends on the order of its operands.
 constexpr std::array<float, 8> kExtremes{0, -0.0f, 1, 1e-40f, 3e38f, -3e38f, kInfinity, -kInfinity};
-constexpr std::array<WeightKind, 4> kWeightKinds{{
-    {"default", [](Random&, float w) { return w; }},
-    {"near the default",
-     [](Random& random, float w) {
-       return w + static_cast<float>(random() % 2001) * 1e-4f - 0.1f;
-     }},
-    {"any",
-     [](Random& random, float) { return static_cast<float>(random() % 400001) * 1e-5f - 2; }},
-    {"extreme", [](Random& random, float) { return pick(kExtremes, random); }},
-}};
+
+/// The default ones, near them, any and extreme ones.
+using WeightKind = float (*)(Random& random, float default_weight);
+constexpr std::array<WeightKind, 4> kWeightKinds{
+    [](Random&, float w) { return w; },
+    [](Random& random, float w) { return w + static_cast<float>(random() % 2001) * 1e-4f - 0.1f; },
+    [](Random& random, float) { return static_cast<float>(random() % 400001) * 1e-5f - 2; },
+    [](Random& random, float) { return pick(kExtremes, random); },
+};
 
 std::uint32_t number_from_environment(const char* name, std::uint32_t otherwise) {
   const char* const text = std::getenv(name);
@@ -87,25 +78,24 @@ RandomCase random_case(std::uint32_t seed) {
   const std::uint32_t bit_depth = pick(kBitDepths, random);
   const auto input_max = static_cast<std::uint16_t>((1u << bit_depth) - 1);
   const bool scaled = bit_depth == 0 || random() % 2 == 0;
-  const Content& content = pick(kContents, random);
-  const WeightKind& weights = pick(kWeightKinds, random);
+  const SampleKind sample_kind = pick(kSampleKinds, random);
+  const WeightKind weight_kind = pick(kWeightKinds, random);
 
   RandomCase result{.seed = seed,
                     .frame = {.height = size.height,
                               .width = size.width,
                               .bit_depth = bit_depth,
                               .output_max = scaled ? pick(kOutputMaxima, random) : input_max},
-                    .content = content.name,
-                    .weights = weights.name,
                     .coefficients = PolarizationProcessor(CpuTier::baseline).coefficient_store,
                     .rounding = pick(kRoundingModes, random)};
   result.frame.samples.resize(size.height * size.width);
   for (std::uint16_t& sample : result.frame.samples) {
-    sample = static_cast<std::uint16_t>(content.sample(random, input_max));
+    sample = static_cast<std::uint16_t>(sample_kind(random, input_max));
   }
   for (CoefficientSet& set : result.coefficients) {
-    for (auto* const row : {&set.s0_weights, &set.s1_weights, &set.s2_weights}) {
-      for (float& weight : *row) weight = weights.weight(random, weight);
+    for (auto* const row :
+         {&set.s0_weights, &set.s1_weights, &set.s2_weights, &set.spare_weights}) {
+      for (float& weight : *row) weight = weight_kind(random, weight);
     }
   }
   return result;
@@ -113,9 +103,8 @@ RandomCase random_case(std::uint32_t seed) {
 
 std::ostream& operator<<(std::ostream& out, const RandomCase& c) {
   return out << "height " << c.frame.height << ", width " << c.frame.width << ", bit_depth "
-             << c.frame.bit_depth << ", output_max " << c.frame.output_max << ", " << c.content
-             << ", weights " << c.weights << ", rounding " << c.rounding.name
-             << "\nto repeat: KV_TEST_SEED=" << c.seed << " KV_TEST_FRAMES=1";
+             << c.frame.bit_depth << ", output_max " << c.frame.output_max << ", rounding "
+             << c.rounding.name << "\nto repeat: KV_TEST_SEED=" << c.seed << " KV_TEST_FRAMES=1";
 }
 
 std::uint32_t first_seed() {

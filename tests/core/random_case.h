@@ -13,8 +13,6 @@ namespace kv::test {
 struct RandomCase {
   std::uint32_t seed;
   Frame frame;
-  const char* content;
-  const char* weights;
   std::array<CoefficientSet, 4> coefficients;
   RoundingMode rounding;
 };
