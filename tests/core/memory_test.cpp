@@ -112,15 +112,13 @@ TEST_P(MemoryBoundsDeathTest, NarrowFramesRunAway) {
 INSTANTIATE_TEST_SUITE_P(Paths, MemoryBounds, testing::ValuesIn(kPaths), path_name);
 INSTANTIATE_TEST_SUITE_P(Paths, MemoryBoundsDeathTest, testing::ValuesIn(kPaths), path_name);
 
-// Places are counted in 64 bits: the last rows of a frame of more than 2^32 pixels, by the steps
-// that evaluate them. The rows above stay untouched.
-constexpr std::size_t kFirstRow = 100'000'000;
-
-/// A row pair and the last rows, of a frame that has `kFirstRow` rows above them.
-void expect_rows_behind_all_others(const Frame& end, bool sse41) {
+/// Places are counted in 64 bits: a row pair and the last rows of a frame that has 2^32 pixels
+/// above them, by the steps that evaluate them. Nobody touches the rows above.
+void expect_far_rows(const Frame& end, bool sse41) {
   const PolarizationProcessor processor(CpuTier::baseline);
   const PhaseView& view = processor.phase_views[1];
-  const std::size_t first = kFirstRow * end.width;
+  const std::size_t first_row = ((std::size_t{1} << 32) / end.width + 2) / 2 * 2;
+  const std::size_t first = first_row * end.width;
   TransformRequest request = request_for(end, 1);
   Planes expected(end.samples.size());
   expected.hand_to(request);
@@ -130,7 +128,7 @@ void expect_rows_behind_all_others(const Frame& end, bool sse41) {
   const MappedMemory input(pixels * sizeof(std::uint16_t));
   std::ranges::copy(end.samples, static_cast<std::uint16_t*>(input.at(0)) + first);
   const auto planes = memory_of_planes<MappedMemory>(pixels);
-  request.height += kFirstRow;
+  request.height += static_cast<std::int64_t>(first_row);
   request.input = static_cast<const std::uint16_t*>(input.at(0));
   point_to_planes(request, OutputSet::all(), [&](Plane plane) { return planes.at(plane).at(0); });
 
@@ -141,8 +139,8 @@ void expect_rows_behind_all_others(const Frame& end, bool sse41) {
   kernel.run_blocks(
       request, kernel.prepare(request), blocks,
       {first, first + end.width, first + 2 * end.width, 2 * first, 2 * (first + end.width), true});
-  kernel.finish_row_pair(frame, kFirstRow, kBlockColumns * blocks);
-  kernel.walk_last_rows(frame, kFirstRow + 2);
+  kernel.finish_row_pair(frame, first_row, kBlockColumns * blocks);
+  kernel.walk_last_rows(frame, first_row + 2);
   for (const PlaneTraits& traits : kPlanes) {
     const std::size_t bytes = pixel_size(traits.plane);
     EXPECT_EQ(std::memcmp(planes.at(traits.plane).at(first * bytes),
@@ -153,13 +151,13 @@ void expect_rows_behind_all_others(const Frame& end, bool sse41) {
   }
 }
 
-TEST(FarRows, AreEvaluatedInTheirPlace) {
+TEST(Memory, IsCountedIn64Bits) {
   for (const std::size_t height : {3u, 4u}) {
-    // One block alone; several at a time. Half a cell at the end; whole ones.
-    for (const std::size_t width : {47u, 48u}) {
+    // Blocks one by one, and several at a time; half a cell at the end, and a whole one.
+    for (const std::size_t width : {13u, 48u}) {
       const Frame end{.height = height, .width = width, .samples = noise(height * width, 5)};
-      expect_rows_behind_all_others(end, false);
-      if (sse41_available()) expect_rows_behind_all_others(end, true);
+      expect_far_rows(end, false);
+      if (sse41_available()) expect_far_rows(end, true);
     }
   }
 }
