@@ -55,14 +55,23 @@ std::vector<std::string> split_list(const std::string& list) {
   return items;
 }
 
-kv::PlaneSet parse_planes(const std::string& list) {
-  kv::PlaneSet planes;
+/// The names of all planes, as a sentence lists them.
+std::string plane_names() {
+  std::string names;
+  for (const kv::PlaneTraits& traits : kv::kPlanes) {
+    if (!names.empty()) names += ", ";
+    names += traits.name;
+  }
+  return names;
+}
+
+kv::OutputSet parse_planes(const std::string& list) {
+  kv::OutputSet planes;
   for (const std::string& name : split_list(list)) {
     const auto plane = kv::plane_named(name);
     if (!plane) {
-      std::string known;
-      for (const auto plane_name : kv::kPlaneNames) known += " " + std::string(plane_name);
-      throw CLI::ValidationError("--planes", "there is no plane '" + name + "'; known are" + known);
+      throw CLI::ValidationError(
+          "--planes", "there is no plane '" + name + "'; the planes are " + plane_names());
     }
     planes.add(*plane);
   }
@@ -133,8 +142,7 @@ class TransformCommand {
         .add_option_function<std::string>(
             "--planes",
             [this](const std::string& list) { options_.settings.planes = parse_planes(list); },
-            "Planes to write, of normalized_stokes, intensity, stokes_s1, stokes_s2, azimuth, "
-            "dolp (default: all)")
+            "Planes to write, of " + plane_names() + " (default: all)")
         ->type_name("LIST");
     format_name_ = kv::plane_format_names().front();
     command_.add_option("--format", format_name_, "File format of the 16-bit planes")

@@ -108,19 +108,18 @@ class TransformRun {
   }
 
   void add_planes(const std::string& stem, FrameOutput& output) {
-    for (std::size_t i = 0; i < kPlaneCount; ++i) {
-      const auto plane = static_cast<Plane>(i);
-      if (!options_.settings.planes.has(plane)) continue;
-      const std::string name = stem + "_" + std::string(name_of(plane));
-      if (plane == Plane::normalized_stokes) {
+    for (const PlaneTraits& traits : kPlanes) {
+      if (!options_.settings.planes.has(traits.plane)) continue;
+      const std::string name = stem + "_" + std::string(traits.name);
+      if (traits.element == PlaneElement::float_pair) {
         output.add(names_.path_for(name + float_pairs_extension()), [this](PendingFile& file) {
           write_float_pairs(file, planes_.width, planes_.height, planes_.normalized_stokes);
         });
       } else {
         output.add(names_.path_for(name + extension_of(options_.format)),
-                   [this, plane](PendingFile& file) {
+                   [this, plane = traits.plane](PendingFile& file) {
                      write_grey(file, options_.format,
-                                {planes_.width, planes_.height, 16, planes_.quantised(plane)});
+                                {planes_.width, planes_.height, 16, planes_.levels(plane)});
                    });
       }
     }

@@ -172,6 +172,7 @@ TEST_F(TransformTest, LogShowsTheLinesOfTheLibrary) {
     EXPECT_NE(result.error.find("transform takes "), std::string::npos) << result.error;
   }
   EXPECT_EQ(run({}, {"--log", "6"}).error, "");
+  EXPECT_LE(run({}, {"--log", "7", "--planes", "normalized_stokes"}).complaints(), 4u);
 }
 
 TEST_F(TransformTest, SettingsReachTheLibrary) {

@@ -11,10 +11,11 @@ kv::Planes uniform_planes(double degrees, double dolp, std::uint16_t output_max,
   kv::Planes planes;
   planes.width = side;
   planes.height = side;
-  planes.azimuth.assign(kv::pixel_count(side, side),
-                        static_cast<std::uint16_t>((degrees + 90) / 180 * output_max + 0.5));
-  planes.dolp.assign(kv::pixel_count(side, side),
-                     static_cast<std::uint16_t>(dolp * output_max + 0.5));
+  planes.levels(kv::Plane::azimuth)
+      .assign(kv::pixel_count(side, side),
+              static_cast<std::uint16_t>((degrees + 90) / 180 * output_max + 0.5));
+  planes.levels(kv::Plane::dolp)
+      .assign(kv::pixel_count(side, side), static_cast<std::uint16_t>(dolp * output_max + 0.5));
   return planes;
 }
 

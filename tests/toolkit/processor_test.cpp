@@ -67,7 +67,7 @@ bool pair_is(const kv::Planes& planes, Place place, const kv::Stokes& expected) 
 
 bool s1_is(const kv::Planes& planes, Place place, const kv::Stokes& expected) {
   const auto index = static_cast<std::size_t>(place.row * planes.width + place.column);
-  return planes.stokes_s1[index] == std::max(expected.s1, 0.0);
+  return planes.levels(kv::Plane::stokes_s1)[index] == std::max(expected.s1, 0.0);
 }
 
 /// Every fourth column of the library's vector area may repeat its left neighbour.
@@ -122,17 +122,16 @@ TEST(Processor, ComputesOnlyWhatIsAskedForAndAlwaysTheSame) {
   kv::Planes all;
   processor.transform(frame, settings, all);
   kv::Planes one;
-  for (std::size_t i = 0; i < kv::kPlaneCount; ++i) {
+  for (std::size_t i = 0; i < kv::kPlanes.size(); ++i) {
     const auto plane = static_cast<kv::Plane>(i);
-    settings.planes = {};
-    settings.planes.add(plane);
+    settings.planes = kv::OutputSet(plane);
     processor.transform(frame, settings, one);
     EXPECT_EQ(one.normalized_stokes.empty(), plane != kv::Plane::normalized_stokes);
-    EXPECT_EQ(one.dolp.empty(), plane != kv::Plane::dolp);
+    EXPECT_EQ(one.levels(kv::Plane::dolp).empty(), plane != kv::Plane::dolp);
     if (plane == kv::Plane::normalized_stokes) {
       EXPECT_EQ(one.normalized_stokes, all.normalized_stokes);
     } else {
-      EXPECT_EQ(one.quantised(plane), all.quantised(plane)) << kv::name_of(plane);
+      EXPECT_EQ(one.levels(plane), all.levels(plane)) << kv::traits_of(plane).name;
     }
   }
 }
@@ -161,7 +160,7 @@ TEST_P(RefusalTest, NamesTheFaultBeforeTheLibraryIsCalled) {
     EXPECT_NE(std::string(error.what()).find(GetParam().part_of_message), std::string::npos)
         << error.what();
   }
-  EXPECT_TRUE(planes.intensity.empty());
+  EXPECT_TRUE(planes.levels(kv::Plane::intensity).empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -175,7 +174,7 @@ INSTANTIATE_TEST_SUITE_P(
                 [](kv::Frame& f, kv::TransformSettings&) { f = random_frame(2, 3); }},
         Refusal{"width_3", "4 or more",
                 [](kv::Frame& f, kv::TransformSettings&) { f = random_frame(3, 9); }},
-        Refusal{"too_few_samples", "as many",
+        Refusal{"too_few_samples", "needs 48",
                 [](kv::Frame& f, kv::TransformSettings&) { f.samples.pop_back(); }},
         Refusal{"deep", "bit depth",
                 [](kv::Frame& f, kv::TransformSettings&) { f.bit_depth = 17; }},

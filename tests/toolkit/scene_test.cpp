@@ -108,9 +108,10 @@ TEST(Scene, IsRecoveredByTheTransform) {
       // Four pixels make a value; its place is their common corner.
       const kv::Stokes truth = scene.at(column + 0.5, row + 0.5);
       const auto index = static_cast<std::size_t>(row * width + column);
-      dolp_errors.push_back(std::abs(planes.dolp[index] / 65535.0 - truth.dolp()));
+      dolp_errors.push_back(
+          std::abs(planes.levels(kv::Plane::dolp)[index] / 65535.0 - truth.dolp()));
       if (truth.dolp() < 0.1) continue;
-      const double angle = planes.azimuth[index] * 180 / 65535.0 - 90;
+      const double angle = planes.levels(kv::Plane::azimuth)[index] * 180 / 65535.0 - 90;
       angle_errors.push_back(std::abs(std::remainder(angle - truth.angle_degrees(), 180)));
     }
   }

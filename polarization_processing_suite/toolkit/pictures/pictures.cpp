@@ -91,7 +91,8 @@ Picture intensity_picture(const Frame& frame) {
 }
 
 Picture dolp_picture(const Planes& planes, std::uint16_t output_max, double dolp_white) {
-  return grey_picture(planes.width, planes.height, planes.dolp, dolp_table(output_max, dolp_white));
+  return grey_picture(planes.width, planes.height, planes.levels(Plane::dolp),
+                      dolp_table(output_max, dolp_white));
 }
 
 Picture angle_picture(const Planes& planes, std::uint16_t output_max, double dolp_white) {
@@ -99,8 +100,8 @@ Picture angle_picture(const Planes& planes, std::uint16_t output_max, double dol
   const std::vector<std::uint8_t> values = dolp_table(output_max, dolp_white);
   const int legend_width = angle_legend_width(planes.height);
   Picture picture(planes.width + legend_width, planes.height, 3);
-  const std::uint16_t* azimuth = planes.azimuth.data();
-  const std::uint16_t* dolp = planes.dolp.data();
+  const std::uint16_t* azimuth = planes.levels(Plane::azimuth).data();
+  const std::uint16_t* dolp = planes.levels(Plane::dolp).data();
   for (int row = 0; row < planes.height; ++row) {
     std::uint8_t* out = picture.pixel(0, row);
     for (int column = 0; column < planes.width; ++column, ++azimuth, ++dolp, out += 3) {

@@ -2,7 +2,7 @@
 
 #include "toolkit/frame.h"
 #include "toolkit/picture.h"
-#include "toolkit/processor.h"
+#include "toolkit/planes.h"
 
 namespace kv {
 
