@@ -26,7 +26,8 @@ void FrameOutput::write() {
   for (std::size_t i = 1; i < std::min(cores, files_.size()); ++i) {
     writers.push_back(std::async(std::launch::async, write_next_files));
   }
-  // A future of std::async waits in its destructor, so that no writer outlives its files.
+  // A future of std::async waits in its destructor: no writer outlives the files, even if this
+  // thread's own writing throws.
   write_next_files();
   for (std::future<void>& writer : writers) writer.get();
   for (PendingFile& file : files_) file.publish();

@@ -9,14 +9,14 @@
 
 namespace kv {
 
-/// The files of one frame: none appears before all of them are written.
+/// The files of one frame. None appears before all of them are written.
 class FrameOutput {
  public:
-  /// Takes note of a file to write. The work runs on any thread, beside that of other files.
+  /// Adds a file. Its work may run on any thread, at the same time as that of other files.
   void add(const std::filesystem::path& path, std::function<void(PendingFile&)> work);
 
-  /// Writes the files on all cores, as their compression takes longer than everything else, and
-  /// then gives them their names. Throws the first failure.
+  /// Writes all files on all cores, as their compression takes longer than everything else, and
+  /// then gives them their names. Throws a failure of any of them.
   void write();
 
  private:

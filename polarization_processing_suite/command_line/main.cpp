@@ -29,7 +29,7 @@ constexpr const char* kFooter =
 constexpr const char* kTransformFooter =
     "Frames: grey PNG or TIFF of 8 or 16 bits (every TIFF page is a frame), PGM (P5), or "
     "headerless\n"
-    "little endian samples, one frame behind the other, whose shape the three options tell.\n"
+    "little endian samples, one frame after the other, with --width, --height and --raw-bits.\n"
     "\n"
     "Results, for frame.png: frame_azimuth.png and so on; frame_normalized_stokes.tiff holds S1/S0 "
     "and\n"
@@ -39,13 +39,14 @@ constexpr const char* kTransformFooter =
     "of the four samples and reaches full scale at half of the samples' range.\n"
     "\n"
     "Pictures are made of every frame, whatever --planes lists: frame_intensity_picture.png, "
-    "stretched\n"
-    "to the brightest 0.2 per cent and encoded as sRGB; frame_dolp_picture.png; and\n"
-    "frame_angle_picture.png, the angle as hue (0 red, 45 yellow-green, 90 cyan, 135 violet) with "
-    "DoLP\n"
-    "as value, and a legend wheel beside it.\n"
+    "encoded as\n"
+    "sRGB with the brightest 0.2 per cent white; frame_dolp_picture.png; and "
+    "frame_angle_picture.png,\n"
+    "the angle as hue (0 red, 45 yellow-green, 90 cyan, 135 violet) and DoLP as brightness, with "
+    "a\n"
+    "legend beside it.\n"
     "\n"
-    "A bad frame is reported and the others go on.";
+    "A bad frame is reported, and the others are still transformed.";
 
 /// The items of a comma list.
 std::vector<std::string> split_list(const std::string& list) {
@@ -86,7 +87,7 @@ void parse_origin(const std::string& text, kv::TransformSettings& settings) {
   if (!stream || comma != ',' || stream.peek() != std::istringstream::traits_type::eof() ||
       settings.x_origin < 0 || settings.y_origin < 0) {
     throw CLI::ValidationError(
-        "--origin", "'" + text + "' is none; two numbers from 0 up, as in 0,1, are right");
+        "--origin", "'" + text + "' is not a column and a row from 0 up; write, for example, 0,1");
   }
 }
 
@@ -98,7 +99,7 @@ CLI::Option* add_phase(CLI::App& command, int& degrees) {
       ->capture_default_str();
 }
 
-/// Both before and behind the name of the command: it is about the run, not about frames.
+/// Accepted before and after the name of the command, as it concerns the run and not the frames.
 void add_log_level(CLI::App& app, std::optional<int>& level) {
   app.add_option("--log", level,
                  "Show log lines of the processing library up to this severity: 2 errors, 7 also "
@@ -129,8 +130,8 @@ class TransformCommand {
         ->type_name("X,Y");
     command_
         .add_option("--bit-depth", options_.bit_depth,
-                    "Significant bits of a sample (default: the file's, 8 or 16; of a PGM's "
-                    "maxval or a TIFF's maximum sample value)")
+                    "Significant bits of a sample (default: those of a PGM's maxval or a TIFF's "
+                    "maximum sample value, else the 8 or 16 stored ones)")
         ->type_name("N")
         ->check(CLI::Range(1, 16));
     command_
@@ -206,8 +207,9 @@ class SimulateCommand {
         "with\n"
         "DoLP 0.9, 0.8, 0.7 and 0.6.");
     command_
-        .add_option("-o,--output", options_.file,
-                    "The frame, in the format of its ending: .png, .tiff, .pgm or .raw")
+        .add_option(
+            "-o,--output", options_.file,
+            "The file to write; its ending decides on the format: .png, .tiff, .pgm or .raw")
         ->type_name("FILE")
         ->required();
     command_.add_option("--width", options_.width, "Columns")
@@ -227,7 +229,7 @@ class SimulateCommand {
         ->type_name("N")
         ->capture_default_str();
     command_.add_flag("--noise,!--no-noise", options_.camera.noise,
-                      "With shot and read noise (default), or without");
+                      "With shot noise and read noise (default), or without");
   }
 
   bool chosen() const { return command_.parsed(); }
@@ -267,7 +269,8 @@ int main(int argc, char** argv) {
     }
     return transform.chosen() ? transform.run() : simulate.run();
   } catch (const std::bad_alloc&) {
-    return complain("there is not enough memory; a smaller frame would be right", kv::exit_failure);
+    return complain("there is not enough memory; close other programs or use a smaller frame",
+                    kv::exit_failure);
   } catch (const std::exception& error) {
     return complain(error.what(), kv::exit_failure);
   }

@@ -35,7 +35,7 @@ std::string OutputNames::stem_for(const std::filesystem::path& input, std::size_
   const auto [owner, is_new] = taken_.emplace(stem, input);
   if (!is_new) {
     throw Error("its results would replace those of " + owner->second.string() +
-                ", whose names begin with " + stem + " too; transform it into another folder");
+                ", which have the same names; transform it into another folder");
   }
   return stem;
 }

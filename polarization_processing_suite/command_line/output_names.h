@@ -9,17 +9,17 @@
 
 namespace kv {
 
-/// Makes sure that no result takes the place of another one of this run, or of an input.
+/// Names the results so that none replaces another result of this run, or an input.
 class OutputNames {
  public:
   OutputNames(std::filesystem::path folder, const std::vector<std::filesystem::path>& inputs);
 
-  /// How the names of a frame's results begin: the file's stem and, if it has several pages, the
-  /// page from 1 up with as many digits as the last one. Throws Error when an earlier frame has
-  /// these names.
+  /// How the names of a frame's results begin: with the file's stem and, if it has several pages,
+  /// the page from 1 up, with as many digits as the last one. Throws Error when an earlier frame's
+  /// names begin like that.
   std::string stem_for(const std::filesystem::path& input, std::size_t page, std::size_t pages);
 
-  /// Throws Error when that file is one of the inputs.
+  /// The path of a result. Throws Error when it is one of the inputs.
   std::filesystem::path path_for(const std::string& file_name) const;
 
  private:

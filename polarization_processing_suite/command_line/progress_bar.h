@@ -4,8 +4,8 @@
 
 namespace kv {
 
-/// One line on the error stream that tells how far the files are; removed when done. Shown only on
-/// a terminal and for more than one file.
+/// One line on the error stream that shows how many files are done, and vanishes in the end. There
+/// is one only on a terminal and for more than one file.
 class ProgressBar {
  public:
   explicit ProgressBar(std::size_t files);
@@ -16,7 +16,7 @@ class ProgressBar {
   /// `files_done` may hold a fraction, for the pages of a file.
   void show(double files_done);
 
-  /// Takes the line away, for a message in its place.
+  /// Removes the line, to make room for a message.
   void hide();
 
  private:

@@ -9,14 +9,14 @@
 namespace kv {
 namespace {
 
-/// What transform has to be told about the frame, as it can't tell it from the file.
+/// The arguments that make transform read the frame: what the file itself does not record.
 std::string transform_arguments(const SimulateOptions& options, ImageFormat format) {
   std::string arguments = options.file.string() + " -o planes";
   const int depth = options.camera.bit_depth;
   if (options.phase_degrees != 0) arguments += " --phase " + std::to_string(options.phase_degrees);
-  const bool file_tells_depth =
+  const bool depth_is_in_file =
       format == ImageFormat::tiff || format == ImageFormat::pgm || depth == 8 || depth == 16;
-  if (!file_tells_depth) arguments += " --bit-depth " + std::to_string(depth);
+  if (!depth_is_in_file) arguments += " --bit-depth " + std::to_string(depth);
   if (format == ImageFormat::raw) {
     arguments += " --width " + std::to_string(options.width) + " --height " +
                  std::to_string(options.height) + " --raw-bits " + (depth > 8 ? "16" : "8");

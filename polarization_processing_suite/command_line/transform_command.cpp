@@ -35,7 +35,7 @@ class TransformRun {
     if (options.log_level &&
         !platform::is_loaded((std::string(kLoggerLibrary) + platform::kLibrarySuffix).c_str())) {
       throw Error("--log needs the library " + std::string(kLoggerLibrary) +
-                  " beside kevrinth_qrm_polarization_processor, and it is not there");
+                  ", which was not found; put it beside kevrinth_qrm_polarization_processor");
     }
   }
 
@@ -72,7 +72,9 @@ class TransformRun {
     } catch (const Error& error) {
       report(name + ": " + error.what());
     } catch (const std::bad_alloc&) {
-      report(name + ": there is not enough memory for this frame; a smaller one would be right");
+      report(
+          name +
+          ": there is not enough memory for this frame; close other programs or use a smaller one");
     }
     ++failures_;
     return false;
@@ -103,7 +105,7 @@ class TransformRun {
     const std::size_t excess = count_samples_above_full_scale(frame);
     if (excess == 0) return;
     report("warning: " + name + ": " + std::to_string(excess) + " samples are above " +
-           std::to_string(full_scale(frame.bit_depth)) + ", the greatest of " +
+           std::to_string(full_scale(frame.bit_depth)) + ", the largest value of " +
            std::to_string(frame.bit_depth) + " bits; check --bit-depth");
   }
 
@@ -155,7 +157,7 @@ class TransformRun {
   }
 
   const TransformOptions& options_;
-  TransformSettings computed_;  // what is written, and what pictures need
+  TransformSettings computed_;  // with the planes to write, and those that pictures need
   OutputNames names_;
   ProgressBar progress_;
   Processor processor_;

@@ -13,8 +13,8 @@ namespace kv {
 struct TransformOptions {
   std::vector<std::filesystem::path> files;
   std::filesystem::path folder;
-  TransformSettings settings;    ///< its planes are those to write
-  std::optional<int> bit_depth;  ///< in place of the files' own
+  TransformSettings settings;    ///< with the planes to write
+  std::optional<int> bit_depth;  ///< instead of the files' own
   std::optional<RawShape> raw_shape;
   ImageFormat format = ImageFormat::pgm;
   bool pictures = true;

@@ -6,15 +6,20 @@
 #include "toolkit/error.h"
 
 namespace kv {
+namespace {
+
+// Half a gigabyte of samples: four times the pixels of the largest sensors sold.
+constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 28;
+
+}  // namespace
 
 Frame make_frame(std::uint64_t width, std::uint64_t height, int bit_depth) {
-  // Half a gigabyte of samples: four times the pixels of the largest sensors sold.
-  constexpr std::uint64_t largest_frame = std::uint64_t{1} << 28;
-  constexpr std::uint64_t largest_side = largest_frame / 2;
-  if (width == 0 || height == 0 || width > largest_side || height > largest_side ||
-      width * height > largest_frame) {
+  // The sides come first, as the product of large ones would wrap around.
+  if (width == 0 || height == 0 || width > kMostPixels || height > kMostPixels ||
+      width * height > kMostPixels) {
     throw Error("a frame of " + std::to_string(width) + " x " + std::to_string(height) +
-                " pixels is out of range; it may have up to " + std::to_string(largest_frame));
+                " is out of range; it must have from 1 to " + std::to_string(kMostPixels) +
+                " pixels");
   }
   return {static_cast<int>(width), static_cast<int>(height), bit_depth,
           std::vector<std::uint16_t>(width * height)};

@@ -14,7 +14,7 @@ struct Frame {
   std::vector<std::uint16_t> samples;
 };
 
-/// Number of pixels of a frame, once both sides are known to be positive.
+/// Number of pixels of a frame. Neither side may be negative.
 constexpr std::size_t pixel_count(int width, int height) {
   return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
 }
@@ -22,8 +22,9 @@ constexpr std::size_t pixel_count(int width, int height) {
 /// Greatest sample of that many bits.
 constexpr int full_scale(int bit_depth) { return (1 << bit_depth) - 1; }
 
-/// An empty frame of that size, its samples allocated.
-/// Throws Error when a side is 0 or the size is beyond any sensor, as a damaged header tells it.
+/// A black frame of that size.
+/// Throws Error when a side is 0, or when there are more pixels than any sensor has: the header of
+/// a damaged file may claim any size.
 Frame make_frame(std::uint64_t width, std::uint64_t height, int bit_depth);
 
 /// How many samples need more bits than the frame claims.

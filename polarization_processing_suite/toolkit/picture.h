@@ -7,7 +7,7 @@
 
 namespace kv {
 
-using Colour = std::array<std::uint8_t, 3>;  ///< red, green, blue as displays take them
+using Colour = std::array<std::uint8_t, 3>;  ///< red, green, blue, as displays take them
 
 /// An image to look at, grey or in colour.
 struct Picture {

@@ -45,13 +45,12 @@ std::unique_ptr<FrameReader> open_frames(const std::filesystem::path& path,
   if (starts_with_tiff_signature(bytes)) return open_tiff(std::move(file));
   if (bytes.starts_with("P5")) return open_pgm(std::move(file));
   if (is_other_netpbm(bytes)) {
-    throw Error("this netpbm image is of kind " + bytes.substr(0, 2) +
-                "; a frame is a binary grey one, P5");
+    throw Error("this is a netpbm image of kind " + bytes.substr(0, 2) +
+                "; a frame must be binary grey, P5");
   }
   throw Error(
-      "by its content this is neither PNG, TIFF nor PGM, whatever its name; a headerless file "
-      "needs "
-      "--width, --height and --raw-bits");
+      "the content is neither PNG, TIFF nor PGM; a headerless file needs --width, --height and "
+      "--raw-bits");
 }
 
 }  // namespace kv

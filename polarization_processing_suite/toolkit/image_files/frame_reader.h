@@ -25,8 +25,8 @@ struct RawShape {
   int bits;  ///< of a stored sample, 8 or 16
 };
 
-/// Opens a frame file, telling its format by its content. With a raw shape the file is taken as
-/// headerless whatever it holds. Throws Error; the message does not repeat the path.
+/// Opens a frame file, whose content decides on the format, not its name. With a raw shape the file
+/// is taken as headerless, whatever it holds. Throws Error; the message does not repeat the path.
 std::unique_ptr<FrameReader> open_frames(const std::filesystem::path& path,
                                          const std::optional<RawShape>& raw_shape);
 

@@ -45,7 +45,7 @@ ImageFormat format_for(const std::filesystem::path& path) {
     std::string known;
     for (const std::string& known_name : plane_format_names()) known += "." + known_name + ", ";
     throw Error("the name " + path.filename().string() +
-                " tells no format to write; its ending must be one of " + known + ".raw");
+                " does not say which format to write; it must end in one of " + known + ".raw");
   }
   return *format;
 }

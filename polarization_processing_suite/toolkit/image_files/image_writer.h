@@ -20,8 +20,8 @@ std::vector<std::string> plane_format_names();
 
 std::optional<ImageFormat> format_named(std::string_view name);
 
-/// The format that a file name's extension asks for. Throws Error when there is none such, or this
-/// build can't write it.
+/// The format that a file name's extension stands for. Throws Error when there is none, or when
+/// this build cannot write it.
 ImageFormat format_for(const std::filesystem::path& path);
 
 /// With the dot.
@@ -37,11 +37,12 @@ struct GreyImage {
 
 void write_grey(PendingFile& file, ImageFormat format, const GreyImage& image);
 
-/// Two float channels, interleaved: TIFF, and where a build has none, headerless 32-bit floats.
+/// Two float channels, interleaved: as TIFF, or as headerless 32-bit floats in a build without
+/// TIFF.
 void write_float_pairs(PendingFile& file, int width, int height, std::span<const float> pairs);
 std::string float_pairs_extension();
 
-/// PNG, and where a build has none, netpbm.
+/// As PNG, or as netpbm in a build without PNG.
 void write_picture(PendingFile& file, const Picture& picture);
 std::string picture_extension();
 

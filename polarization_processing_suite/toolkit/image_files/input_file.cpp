@@ -21,13 +21,14 @@ InputFile::InputFile(const std::filesystem::path& path) {
   stream_.open(path, std::ios::binary);
   if (!stream_) {
     throw Error("cannot be opened: " + std::generic_category().message(errno) +
-                "; a file that may be read is needed");
+                "; check that you may read it");
   }
   stream_.seekg(0, std::ios::end);
   const auto end = static_cast<std::streamoff>(stream_.tellg());
-  if (!stream_ || end < 0) throw Error("cannot be read at any place; a regular file is needed");
+  if (!stream_ || end < 0)
+    throw Error("not a regular file; frames are read from regular files only");
   size_ = static_cast<std::uint64_t>(end);
-  if (size_ == 0) throw Error("the file is empty; a frame file is needed");
+  if (size_ == 0) throw Error("the file is empty; a frame was expected");
   seek(0);
 }
 

@@ -7,16 +7,16 @@
 
 namespace kv {
 
-/// A file that is open for reading at any place.
+/// A file to read from, at any position.
 class InputFile {
  public:
-  /// Throws Error when there is no such file or it can't be read.
+  /// Throws Error when there is no such file, or it cannot be read.
   explicit InputFile(const std::filesystem::path& path);
 
   std::uint64_t size() const { return size_; }
   std::istream& stream() { return stream_; }
 
-  /// Goes to a place and forgets an earlier end of file.
+  /// Goes to a position in bytes, also after a read that met the end of the file.
   void seek(std::uint64_t position);
 
   /// Reads up to that many bytes; returns how many there were.

@@ -13,7 +13,8 @@
 namespace kv {
 namespace {
 
-/// A name that no other process picks, in the target's folder, as only there a rename is atomic.
+/// A name that no other process picks. It is in the target's folder, as a rename is atomic only
+/// there.
 std::filesystem::path temporary_beside(const std::filesystem::path& target) {
   std::random_device entropy;
   std::filesystem::path name = target.filename();
@@ -24,7 +25,7 @@ std::filesystem::path temporary_beside(const std::filesystem::path& target) {
 [[noreturn]] void fail_to_write(const std::filesystem::path& target, std::error_code reason) {
   const std::string why = reason ? reason.message() : "unknown reason";
   throw Error("cannot write " + target.string() + ": " + why +
-              "; choose a folder that can be written to and has space");
+              "; choose a folder that you may write to, on a disk with space");
 }
 
 }  // namespace

@@ -7,9 +7,9 @@
 
 namespace kv {
 
-/// A file in the making. It is written under a temporary name beside its target, so that the
-/// target is whole at any moment: the old file until publish(), the new one afterwards. What was
-/// not published is removed.
+/// A file that is being written, under a temporary name beside its target. The target is complete
+/// at any moment: the old file until publish(), the new one afterwards. A file that is never
+/// published is removed.
 class PendingFile {
  public:
   explicit PendingFile(std::filesystem::path target);
@@ -19,12 +19,12 @@ class PendingFile {
 
   const std::filesystem::path& target() const { return target_; }
 
-  /// For image libraries. Whoever writes through it leaves faults to close().
+  /// For image libraries. A write through it that fails is reported by close().
   std::FILE* stream() { return stream_.get(); }
 
   void write(const void* data, std::size_t size);
 
-  /// Hands everything to the operating system. Throws Error when any write failed.
+  /// Hands what was written to the operating system. Throws Error when any write failed.
   void close();
 
   /// Gives the closed file its name.

@@ -22,7 +22,7 @@ struct PgmImage {
   std::uint64_t size() const { return width * height * (bit_depth > 8 ? 2 : 1); }
 };
 
-/// The next number of a header, after white space and comments that run from # to the line's end.
+/// The next number of a header, after white space and comments, which run from # to the line's end.
 std::uint64_t header_number(std::istream& stream) {
   int next = stream.get();
   while (std::isspace(next) || next == '#') {
@@ -36,7 +36,7 @@ std::uint64_t header_number(std::istream& stream) {
   for (; std::isdigit(next); next = stream.get()) {
     number = number * 10 + static_cast<std::uint64_t>(next - '0');
     if (number > std::numeric_limits<std::uint32_t>::max()) {
-      throw Error("a number of the PGM header is too large; at most 4294967295 would be right");
+      throw Error("a number in the PGM header is too large; the largest allowed is 4294967295");
     }
   }
   stream.unget();
@@ -47,17 +47,17 @@ PgmImage read_header(InputFile& file, std::uint64_t position) {
   file.seek(position);
   std::istream& stream = file.stream();
   if (stream.get() != 'P' || stream.get() != '5') {
-    throw Error("there is other data behind a PGM image; only further P5 images may follow");
+    throw Error("other data follows a PGM image; only further P5 images may follow");
   }
   PgmImage image;
   image.width = header_number(stream);
   image.height = header_number(stream);
   if (image.width == 0 || image.height == 0) {
-    throw Error("the PGM header tells a width or height of 0; both are 1 or more");
+    throw Error("the PGM header gives a width or height of 0; both must be 1 or more");
   }
   const std::uint64_t maxval = header_number(stream);
   if (maxval < 1 || maxval > 65535) {
-    throw Error("the PGM maxval is " + std::to_string(maxval) + "; from 1 to 65535 is right");
+    throw Error("the PGM maxval is " + std::to_string(maxval) + "; it must be from 1 to 65535");
   }
   image.bit_depth = static_cast<int>(std::bit_width(maxval));
   stream.get();  // the one white space between maxval and samples
@@ -67,7 +67,7 @@ PgmImage read_header(InputFile& file, std::uint64_t position) {
   const std::uint64_t available = file.size() - image.first_byte;
   if (image.width > available || image.height > available || image.size() > available) {
     throw Error("the PGM file is truncated: " + std::to_string(image.width) + " x " +
-                std::to_string(image.height) + " pixels are promised, and only " +
+                std::to_string(image.height) + " pixels are announced, but only " +
                 std::to_string(available) + " bytes follow");
   }
   return image;
@@ -91,7 +91,7 @@ class PgmReader : public FrameReader {
     std::vector<std::uint8_t> bytes(image.size());
     file_.seek(image.first_byte);
     if (file_.read(bytes.data(), bytes.size()) != bytes.size()) {
-      throw Error("the PGM file cannot be read to its end");
+      throw Error("the PGM file cannot be read to its end; copy it again from its source");
     }
     samples_from_bytes(bytes, image.bit_depth, ByteOrder::big, frame.samples);
     return frame;

@@ -1,4 +1,4 @@
-// Stands in for png_file.cpp in builds without libpng.
+// Takes the place of png_file.cpp in builds without libpng.
 #include "toolkit/error.h"
 #include "toolkit/image_files/png_file.h"
 
@@ -6,7 +6,7 @@ namespace kv {
 namespace {
 
 [[noreturn]] void refuse() {
-  throw Error("this build has no PNG support; PGM or headerless files would be right");
+  throw Error("this build has no PNG support; use PGM or headerless files");
 }
 
 }  // namespace

@@ -21,8 +21,8 @@ void keep_message_and_leave(png_structp png, png_const_charp message) {
 
 void ignore_warning(png_structp, png_const_charp) {}
 
-/// Runs a step of libpng, which leaves by longjmp when it fails. As that skips destructors, a step
-/// holds no local that has one.
+/// Runs calls of libpng, which leaves them by longjmp when it fails. That skips destructors, so a
+/// step must have no local variable with one.
 template <class Step>
 bool succeeds(png_structp png, Step step) {
   if (setjmp(png_jmpbuf(png)) != 0) return false;
@@ -92,7 +92,7 @@ class Decoder {
 
   void require(bool success) const {
     if (!success) {
-      throw Error("the PNG is damaged or truncated (" + message_ + "); a whole one is needed");
+      throw Error("the PNG is damaged or truncated (" + message_ + "); an intact one is needed");
     }
   }
 
@@ -140,8 +140,8 @@ void encode(PendingFile& file, const Layout& layout, const std::uint8_t* bytes,
     png_set_IHDR(png, info, static_cast<png_uint_32>(layout.width),
                  static_cast<png_uint_32>(layout.height), layout.bits, layout.color_type,
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    // Noisy differences of neighbours hold no repeats but flat runs: looking for others costs half
-    // of the time again and makes the files no smaller.
+    // The differences of noisy neighbours repeat only in flat areas. A search for other repeats
+    // takes half as long again and makes the files no smaller.
     png_set_compression_level(png, 1);
     png_set_compression_strategy(png, Z_RLE);
     png_set_filter(png, PNG_FILTER_TYPE_DEFAULT, PNG_FILTER_SUB);

@@ -9,8 +9,8 @@
 
 namespace kv {
 
-/// Frames without any header, one after the other. Throws Error when the file is no whole number of
-/// frames.
+/// Frames without any header, one after the other. Throws Error when the file's size is not that of
+/// a whole number of frames.
 std::unique_ptr<FrameReader> open_raw(InputFile file, const RawShape& shape);
 
 void write_raw(PendingFile& file, const GreyImage& image);

@@ -5,7 +5,7 @@
 namespace kv {
 namespace {
 
-/// Places of the low and the high byte within a stored sample.
+/// Positions of the low and the high byte within a stored sample.
 struct BytePlaces {
   explicit BytePlaces(ByteOrder order) : low(order == ByteOrder::little ? 0 : 1), high(1 - low) {}
   std::size_t low;

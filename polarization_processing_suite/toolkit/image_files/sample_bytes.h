@@ -8,7 +8,7 @@ namespace kv {
 
 enum class ByteOrder { little, big };
 
-/// Fills samples from as many stored ones: of one byte up to 8 bits, else of two.
+/// Fills `samples` from stored ones, which take one byte each up to 8 bits, and two bytes above.
 void samples_from_bytes(std::span<const std::uint8_t> bytes, int bits, ByteOrder order,
                         std::span<std::uint16_t> samples);
 

@@ -1,4 +1,4 @@
-// Stands in for tiff_file.cpp in builds without libtiff.
+// Takes the place of tiff_file.cpp in builds without libtiff.
 #include "toolkit/error.h"
 #include "toolkit/image_files/tiff_file.h"
 
@@ -6,7 +6,7 @@ namespace kv {
 namespace {
 
 [[noreturn]] void refuse() {
-  throw Error("this build has no TIFF support; PGM or headerless files would be right");
+  throw Error("this build has no TIFF support; use PGM or headerless files");
 }
 
 }  // namespace

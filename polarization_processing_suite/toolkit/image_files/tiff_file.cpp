@@ -12,12 +12,9 @@
 namespace kv {
 namespace {
 
-// Photometric interpretation of sensor mosaics (TIFF/EP), which libtiff names only in part.
-constexpr std::uint16_t kPhotometricColourFilterArray = 32803;
-
 [[noreturn]] void fail_as_damaged() {
   throw Error("the TIFF is damaged or truncated (" + last_tiff_message() +
-              "); a whole one is needed");
+              "); an intact one is needed");
 }
 
 std::uint16_t field(TIFF* tiff, ttag_t tag) {
@@ -44,12 +41,12 @@ void check_is_raw_frame(TIFF* tiff) {
   if (bits != 8 && bits != 16) {
     throw Error("the TIFF page has " + std::to_string(bits) + " bits a sample" + wanted);
   }
-  if (photometric != PHOTOMETRIC_MINISBLACK && photometric != kPhotometricColourFilterArray) {
-    throw Error("the TIFF page is no plain grey image" + wanted);
+  if (photometric != PHOTOMETRIC_MINISBLACK && photometric != PHOTOMETRIC_CFA) {
+    throw Error("the TIFF page is not a plain grey image" + wanted);
   }
 }
 
-/// The depth that the maximum sample value tells, where it fits the stored size.
+/// The bits that the maximum sample value needs, but no more than are stored.
 int bit_depth_of(TIFF* tiff) {
   const int bits = field(tiff, TIFFTAG_BITSPERSAMPLE);
   std::uint16_t maximum = 0;
@@ -142,7 +139,7 @@ struct Layout {
   int sample_format;
 };
 
-/// Sets what every page needs. Files stay uncompressed: they are made to be read by programs.
+/// Sets the fields that every page needs. Files stay uncompressed, as programs are to read them.
 void set_fields(TIFF* tiff, const Layout& layout) {
   TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, layout.width);
   TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, layout.height);
@@ -155,12 +152,12 @@ void set_fields(TIFF* tiff, const Layout& layout) {
   TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
 }
 
-/// Writes the rows in the machine's own byte order, which the file's header tells.
+/// Writes the rows in the machine's own byte order, which the file's header records.
 void write_rows(PendingFile& file, TiffPointer tiff, int height, const void* pixels,
                 std::size_t row_size) {
   const auto* row = static_cast<const std::uint8_t*>(pixels);
   for (int index = 0; index < height; ++index, row += row_size) {
-    // libtiff wants a mutable row, and changes it only to swap bytes.
+    // libtiff asks for a mutable row, but changes it only to swap bytes.
     if (TIFFWriteScanline(tiff.get(), const_cast<std::uint8_t*>(row),
                           static_cast<std::uint32_t>(index)) != 1) {
       file.fail();

@@ -13,8 +13,8 @@ namespace kv {
 /// Whether this build has libtiff. Without it every other function here throws Error.
 bool tiff_available();
 
-/// Grey TIFF of 8 or 16 bits; every page is a frame. A page's maximum sample value, where it has
-/// one, tells its bit depth.
+/// Grey TIFF of 8 or 16 bits; every page is a frame. The bit depth is that of the page's maximum
+/// sample value, if it has one.
 std::unique_ptr<FrameReader> open_tiff(InputFile file);
 
 void write_tiff(PendingFile& file, const GreyImage& image);

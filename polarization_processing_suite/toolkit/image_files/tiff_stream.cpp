@@ -1,5 +1,5 @@
-// Lets libtiff read and write through the project's own files, so that paths, sizes and failures
-// are treated alike in all formats.
+// Lets libtiff read and write through InputFile and PendingFile, so that paths, sizes and failures
+// are treated the same way in all formats.
 #include "toolkit/image_files/tiff_stream.h"
 
 #include <array>
@@ -76,7 +76,7 @@ int leave_open(thandle_t) { return 0; }
 TiffPointer open_tiff_stream(InputFile& file) {
   route_messages();
   clear_tiff_message();
-  // m: a file mapped into memory would crash the process when it is cut short meanwhile.
+  // m: no memory mapping, as the process would crash when someone shortens a mapped file.
   return TiffPointer(TIFFClientOpen("frame", "rm", &file, read_input, refuse_write, seek_input,
                                     leave_open, size_of_input, nullptr, nullptr));
 }

@@ -15,11 +15,11 @@ struct CloseTiff {
 };
 using TiffPointer = std::unique_ptr<TIFF, CloseTiff>;
 
-/// Null when libtiff can't make sense of the file; last_tiff_message() tells why.
+/// Null when libtiff cannot open the file; last_tiff_message() gives the reason.
 TiffPointer open_tiff_stream(InputFile& file);
 TiffPointer open_tiff_stream(PendingFile& file);
 
-/// What libtiff complained about last on this thread since clear_tiff_message(); empty if nothing.
+/// libtiff's first complaint on this thread since clear_tiff_message(); empty if there was none.
 const std::string& last_tiff_message();
 void clear_tiff_message();
 

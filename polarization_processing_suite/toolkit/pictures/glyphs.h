@@ -15,8 +15,8 @@ constexpr int text_width(std::string_view text, int scale) {
   return scale * (kGlyphAdvance * static_cast<int>(text.size()) - 1);
 }
 
-/// Writes a text with its middle at that place. It has the signs of legends: digits, the point, the
-/// minus, the letters of DoLP, and ' for degrees; others stay blank.
+/// Writes a text centred on that pixel. There are glyphs for what legends need: digits, point,
+/// minus, the letters of DoLP, and a degree sign for '; any other sign leaves a blank.
 void draw_text(Picture& picture, std::string_view text, int centre_column, int centre_row,
                int scale, const Colour& colour);
 

@@ -6,7 +6,7 @@
 namespace kv {
 
 std::array<float, 3> hue_of_angle(double degrees) {
-  // Once round the six edges of the colour hexagon in 180 degrees.
+  // 180 degrees lead once round the six edges of the colour hexagon.
   const double turn = degrees / 180.0 - std::floor(degrees / 180.0);
   const auto channel = [turn](double peak) {
     const double distance = std::abs(turn * 6.0 - peak);

@@ -4,8 +4,8 @@
 
 namespace kv {
 
-/// Red, green and blue from 0 to 1 of the full colour that stands for an angle of linear
-/// polarization in degrees, of any range.
+/// Red, green and blue, from 0 to 1, of the pure colour that stands for an angle of linear
+/// polarization. Angles in degrees that differ by 180 have the same colour.
 std::array<float, 3> hue_of_angle(double degrees);
 
 }  // namespace kv

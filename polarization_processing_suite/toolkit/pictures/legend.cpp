@@ -15,7 +15,7 @@ namespace {
 constexpr Colour kPanelColour = {32, 32, 32};
 constexpr Colour kTextColour = {230, 230, 230};
 
-/// Letters of one dot a pixel need a wheel of this panel width to stand around.
+/// Below this width the labels around the wheel, of one pixel a dot, would overlap.
 constexpr int kLeastPanelWidth = 96;
 
 constexpr int text_scale(int panel_width) { return panel_width / kLeastPanelWidth; }
@@ -52,7 +52,7 @@ void draw_wheel(Picture& picture, const Wheel& wheel) {
 void draw_angle_label(Picture& picture, const Wheel& wheel, int degrees, int scale) {
   const std::string text = std::to_string(degrees) + "'";
   const double angle = degrees * std::numbers::pi / 180.0;
-  // Far enough out for the half diagonal of the text in the direction at hand.
+  // Half the text's extent in this direction keeps the text clear of the rim.
   const double reach = wheel.radius + 3.0 * scale +
                        std::abs(std::cos(angle)) * text_width(text, scale) / 2.0 +
                        std::abs(std::sin(angle)) * kGlyphHeight * scale / 2.0;

@@ -14,7 +14,7 @@ std::uint8_t to_byte(double zero_to_one) {
   return static_cast<std::uint8_t>(std::lround(255.0 * std::clamp(zero_to_one, 0.0, 1.0)));
 }
 
-/// IEC 61966-2-1.
+/// Encodes linear light from 0 to 1 as IEC 61966-2-1 defines it.
 double srgb_encoded(double linear) {
   return linear <= 0.0031308 ? 12.92 * linear : 1.055 * std::pow(linear, 1.0 / 2.4) - 0.055;
 }
@@ -70,7 +70,8 @@ Picture grey_picture(int width, int height, const std::vector<std::uint16_t>& va
   return picture;
 }
 
-/// The full colour of every value of the azimuth plane, 0 to output_max being -90 to +90 degrees.
+/// The pure colour of every value of the azimuth plane, whose 0 to output_max are -90 to +90
+/// degrees.
 std::vector<Colour> colour_table(std::uint16_t output_max) {
   std::vector<Colour> table(std::size_t{output_max} + 1);
   for (std::size_t i = 0; i < table.size(); ++i) {

@@ -81,7 +81,7 @@ Light DielectricSurface::reflect(const Light& light) const {
 }
 
 Light DielectricSurface::emit(double radiance) const {
-  // By reciprocity a surface lets out as much as it would let in along the same path.
+  // By reciprocity a surface lets as much light out as it would let in along the same path.
   const Vector3 p_leaving = cross(-1 * incoming_, across_);
   return Light::from_components(across_, p_leaving,
                                 radiance / 2 * (1 - reflection_s_ * reflection_s_), 0,

@@ -15,8 +15,8 @@ struct Stokes {
 };
 
 /// Linearly and partially polarized light as the coherency tensor of its electric field in space,
-/// <E E^T>, a symmetric matrix whose trace is the radiance. It needs no frame of reference that
-/// would have to be turned at every surface (Born and Wolf, Principles of Optics, 10.8).
+/// <E E^T>, a symmetric matrix whose trace is the radiance (Born and Wolf, Principles of Optics,
+/// 10.8). Stokes values would need a frame of reference that turns at every surface.
 class Light {
  public:
   static Light unpolarized(double radiance, Vector3 direction);
@@ -31,7 +31,7 @@ class Light {
   /// a^T <E E^T> b
   double component(Vector3 a, Vector3 b) const;
 
-  /// As a camera sees it whose rows run along `right` and whose columns run against `up`.
+  /// As a camera sees it whose rows run to the `right` and whose columns run down, against `up`.
   Stokes stokes(Vector3 right, Vector3 up) const;
 
   Light& operator+=(const Light& other);
@@ -40,19 +40,19 @@ class Light {
   double xx_ = 0, xy_ = 0, xz_ = 0, yy_ = 0, yz_ = 0, zz_ = 0;
 };
 
-/// A smooth dielectric surface as a ray from outside meets it.
+/// A smooth dielectric surface at the point where a ray from outside meets it.
 class DielectricSurface {
  public:
   /// `incoming` is the ray's direction; the unit normal points outwards.
   DielectricSurface(Vector3 incoming, Vector3 normal, double refractive_index);
 
-  /// Where a ray that leaves towards the camera, against `incoming`, came from.
+  /// The direction towards the source of light that the surface reflects to the camera.
   Vector3 mirrored() const { return mirrored_; }
 
   /// Light that travels against mirrored() and is reflected towards the camera.
   Light reflect(const Light& light) const;
 
-  /// Unpolarized light from within, which gets its polarization where it leaves the surface.
+  /// Unpolarized light from within, which becomes polarized as it leaves through the surface.
   Light emit(double radiance) const;
 
  private:

@@ -11,8 +11,8 @@ namespace {
 constexpr double kFullWellElectrons = 10500;
 constexpr double kReadNoiseElectrons = 2.5;
 
-/// The finalizer of splitmix64 (Steele, Lea and Flood, 2014): a random word for every counter. In
-/// place of the standard distributions, which differ between standard libraries.
+/// The finalizer of splitmix64 (Steele, Lea and Flood, 2014): a random word for every counter. The
+/// standard distributions would give other frames with other standard libraries.
 std::uint64_t random_word(std::uint64_t counter) {
   std::uint64_t word = counter * 0x9E3779B97F4A7C15;
   word = (word ^ (word >> 30)) * 0xBF58476D1CE4E5B9;
@@ -20,8 +20,8 @@ std::uint64_t random_word(std::uint64_t counter) {
   return word ^ (word >> 31);
 }
 
-/// A number of mean 0 and variance 1, close to normal: the sum of eight evenly distributed 16-bit
-/// numbers, which reaches 4.9 standard deviations.
+/// A number of mean 0 and variance 1, close to normally distributed: the sum of eight uniform
+/// 16-bit numbers, which is within 4.9 standard deviations.
 double random_normal(std::uint64_t seed, std::uint64_t index) {
   const std::uint64_t start = random_word(seed) + 2 * index;
   std::int64_t sum = 0;
@@ -31,7 +31,7 @@ double random_normal(std::uint64_t seed, std::uint64_t index) {
     }
   }
   constexpr double mean = 8 * 65535 / 2.0;
-  // Eight times the variance of a whole number from 0 to 65535, (65536^2 - 1) / 12.
+  // A uniform whole number from 0 to 65535 has the variance (65536^2 - 1) / 12.
   constexpr double variance = 8 * (65536.0 * 65536.0 - 1) / 12;
   static const double deviation = std::sqrt(variance);
   return (static_cast<double>(sum) - mean) / deviation;

@@ -16,7 +16,7 @@ struct CameraSettings {
   std::uint64_t seed = 1;  ///< the same seed makes the same frame
 };
 
-/// Angles in degrees of the polarizers of a cell: top left, top right, bottom left, bottom right.
+/// Angles in degrees of a cell's polarizers: top left, top right, bottom left, bottom right.
 std::array<int, 4> polarizer_angles(PolarPhase phase);
 
 /// The raw mosaic frame that a polarization camera takes of a scene.

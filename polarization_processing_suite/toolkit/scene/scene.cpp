@@ -15,19 +15,19 @@ constexpr Vector3 kSphereCentre = {0, 0.62, -0.9};
 constexpr double kSphereRadius = 1.25;
 constexpr Vector3 kCamera = {0, 2.6, 6.2};
 constexpr double kCameraPitchDegrees = -17;
-constexpr double kHalfFieldOfView = 0.37;  // tangent, over the picture's height
+constexpr double kHalfFieldOfView = 0.37;  // tangent of half the vertical field of view
 
-// From the left and a little from behind, so that the sky ahead is the strongly polarized band at
-// a right angle to the sun.
+// To the left and a little behind the camera, so that the sky ahead is the strongly polarized band
+// at a right angle to the sun.
 const Vector3 kToSun = unit({-0.6, 0.6, 0.3});
 
-// Radiance of discs before their lamp, sky, light from within the water, and the sphere's surface.
+// Radiance of the lamp-lit discs, the sky, the light from within the water, and the sunlit sphere.
 constexpr double kDiscRadiance = 0.7;
 constexpr double kSkyRadiance = 0.62;
 constexpr double kWaterRadiance = 0.04;
 constexpr double kSphereRadiance = 0.05;
 
-/// Reflections between sphere and water fade fast; a fourth one is lost in noise.
+/// Reflections between sphere and water fade fast: a fourth one would be lost in the noise.
 constexpr int kMostReflections = 3;
 
 struct Ray {
@@ -36,7 +36,7 @@ struct Ray {
 };
 
 /// Light of a clear sky by single scattering (Rayleigh): polarized across the plane through the
-/// sun, most at a right angle to it, where real skies reach 0.75.
+/// sun, most strongly at a right angle to it, where real skies reach a DoLP of 0.75.
 Light sky_light(Vector3 direction) {
   const double cos_sun = dot(direction, kToSun);
   const double sin2 = 1 - cos_sun * cos_sun;
@@ -48,7 +48,7 @@ Light sky_light(Vector3 direction) {
   return Light::polarized(radiance, dolp, -1 * direction, unit(cross(direction, kToSun)));
 }
 
-/// Distance along the ray to the sphere, if it meets it.
+/// Distance along the ray to the sphere; none where they do not meet.
 std::optional<double> distance_to_sphere(const Ray& ray) {
   const Vector3 offset = ray.origin - kSphereCentre;
   const double half_b = dot(offset, ray.direction);
@@ -67,7 +67,7 @@ std::optional<double> distance_to_water(const Ray& ray) {
   return distance;
 }
 
-/// Three trains of small waves, flattened far away, where pixels could not resolve them.
+/// Three trains of small waves, which flatten far away, where pixels could not resolve them.
 Vector3 water_normal(Vector3 place) {
   const double far = place.z < kCamera.z ? (kCamera.z - place.z) / 9 : 0;
   const double slope = 0.022 / (1 + far * far * far);
@@ -96,7 +96,7 @@ Light light_along(const Ray& ray, int reflections_left) {
   if (to_sphere && (!to_water || *to_sphere < *to_water)) {
     const Vector3 place = ray.origin + *to_sphere * ray.direction;
     const Vector3 normal = unit(place - kSphereCentre);
-    // Sunlight by Lambert's law, and a part from all around.
+    // A fifth of the light comes from all around, the rest from the sun by Lambert's law.
     const double within = kSphereRadiance * (0.2 + 0.8 * std::max(0.0, dot(normal, kToSun)));
     return light_of_surface(ray, *to_sphere, normal, kSphereIndex, within, reflections_left);
   }
@@ -110,8 +110,8 @@ Light light_along(const Ray& ray, int reflections_left) {
   return sky_light(ray.direction);
 }
 
-/// A film between lamp and camera passes T1 along its axis and T2 across, by Malus' law for each,
-/// which makes a DoLP of (T1 - T2) / (T1 + T2) of the lamp's unpolarized light.
+/// A film that passes the fraction T1 of the light along its axis and T2 across turns the lamp's
+/// unpolarized light into light of DoLP (T1 - T2) / (T1 + T2).
 Stokes disc_light(const FilmDisc& disc) {
   const double twice_angle = disc.angle_degrees * std::numbers::pi / 90.0;
   const double length = kDiscRadiance * disc.dolp;
@@ -147,7 +147,7 @@ Stokes Scene::at(double column, double row) const {
   const double scale = 2 * kHalfFieldOfView / height_;
   const Vector3 direction = unit(ahead + scale * (column + 0.5 - width_ / 2) * camera_right -
                                  scale * (row + 0.5 - height_ / 2) * camera_up);
-  // The field of a slanted ray as the lens passes it on: across the ray, rows staying rows.
+  // The field is across the ray: the camera's axes are tilted with it, `right` staying along rows.
   const Vector3 right = unit(cross(direction, camera_up));
   const Vector3 up = cross(right, direction);
   return light_along({kCamera, direction}, kMostReflections).stokes(right, up);

@@ -6,7 +6,7 @@
 
 namespace kv {
 
-/// A round polarizing film before a lamp, in pixels of the picture.
+/// A round polarizing film in front of a lamp; lengths are in pixels of the picture.
 struct FilmDisc {
   double column;
   double row;
@@ -16,13 +16,13 @@ struct FilmDisc {
 };
 
 /// A world whose polarization is known at every point: a glossy sphere that floats on rippled water
-/// under a clear sky, and before it four film discs that tell a right mosaic layout from a wrong
-/// one.
+/// under a clear sky, and in front of it four film discs, which show whether a mosaic layout is
+/// right.
 class Scene {
  public:
   Scene(int width, int height);
 
-  /// Light that reaches a place of the picture, in units of the camera's full scale.
+  /// Light that reaches a point of the picture, in units of the camera's full scale.
   Stokes at(double column, double row) const;
 
   const std::array<FilmDisc, 4>& discs() const { return discs_; }
