@@ -1,83 +1,250 @@
-#include "foreign_images.h"
-
+// PNG and TIFF files of kinds that the toolkit never writes, and what libpng and libtiff find in
+// those that it writes.
 #include <gtest/gtest.h>
 #include <png.h>
 #include <tiffio.h>
+#include <zlib.h>
 
+#include <algorithm>
+#include <map>
 #include <numeric>
 
+#include "error_of.h"
 #include "temporary_folder.h"
-#include "toolkit/error.h"
 #include "toolkit/image_files/frame_reader.h"
 #include "toolkit/image_files/image_writer.h"
 
 namespace {
 
-std::vector<std::uint16_t> counting_from(int first) {
-  std::vector<std::uint16_t> samples(48);
-  std::iota(samples.begin(), samples.end(), static_cast<std::uint16_t>(first));
-  return samples;
+using Samples = std::vector<std::uint16_t>;
+
+struct PngKind {
+  int width = 2, height = 2, bits = 8, color = PNG_COLOR_TYPE_GRAY, interlace = 0;
+  std::string rows = {0, 'a', 'b', 0, 'c', 'd'};  ///< each after the number of its filter
+};
+
+/// A PNG put together by hand.
+std::string png_file(const PngKind& kind) {
+  const auto number = [](auto value) {
+    return std::string{static_cast<char>(value >> 24), static_cast<char>(value >> 16),
+                       static_cast<char>(value >> 8), static_cast<char>(value)};
+  };
+  const auto chunk = [&](const std::string& content) {  // begins with the chunk's name
+    const auto size = static_cast<uInt>(content.size());
+    return number(size - 4) + content +
+           number(crc32(0, reinterpret_cast<const Bytef*>(content.data()), size));
+  };
+  std::string data(100, '\0');
+  uLongf size = data.size();
+  compress(reinterpret_cast<Bytef*>(data.data()), &size,
+           reinterpret_cast<const Bytef*>(kind.rows.data()), kind.rows.size());
+  const std::string kinds = {static_cast<char>(kind.bits), static_cast<char>(kind.color), 0, 0,
+                             static_cast<char>(kind.interlace)};
+  return "\x89PNG\r\n\x1A\n" + chunk("IHDR" + number(kind.width) + number(kind.height) + kinds) +
+         (kind.color == PNG_COLOR_TYPE_PALETTE ? chunk("PLTEabcdef") : "") +
+         chunk("IDAT" + data.substr(0, size)) + chunk("IEND");
 }
 
-TEST(ForeignImages, TiffIsReadHoweverItIsStored) {
-  const TemporaryFolder folder;
-  const auto path = folder / "frame.tif";
-  const TiffKind kinds[] = {
-      {},
-      {.big_endian = true},
-      {.compression = COMPRESSION_LZW},
-      {.compression = COMPRESSION_ADOBE_DEFLATE},
-      {.tiled = true},
-      {.photometric = 32803},  // colour filter array
+/// Values of a TIFF page's fields, by their tags.
+using TiffPage = std::map<std::uint16_t, std::vector<std::uint32_t>>;
+
+/// A page of 4 x 2 samples in one strip, with other fields in place of the plain ones.
+TiffPage tiff_page(int bits, TiffPage fields = {}) {
+  fields.merge(TiffPage{{TIFFTAG_IMAGEWIDTH, {4}},
+                        {TIFFTAG_IMAGELENGTH, {2}},
+                        {TIFFTAG_BITSPERSAMPLE, {static_cast<std::uint32_t>(bits)}},
+                        {TIFFTAG_PHOTOMETRIC, {PHOTOMETRIC_MINISBLACK}},
+                        {TIFFTAG_STRIPOFFSETS, {0}},
+                        {TIFFTAG_STRIPBYTECOUNTS, {static_cast<std::uint32_t>(bits)}}});
+  return fields;
+}
+
+/// A TIFF put together by hand: the pages' directories, and behind them the samples, from whose
+/// start offsets of strips and tiles count.
+std::string tiff_file(const std::vector<TiffPage>& pages, const std::string& samples,
+                      bool big_endian = false) {
+  const auto number = [big_endian](std::size_t size, std::size_t value) {
+    std::string bytes;
+    for (std::size_t i = 0; i < size; ++i) bytes += static_cast<char>(value >> 8 * i);
+    if (big_endian) std::reverse(bytes.begin(), bytes.end());
+    return bytes;
   };
-  for (const TiffKind& kind : kinds) {
-    write_tiff_pages(path, {kind});
-    EXPECT_EQ(kv::open_frames(path, std::nullopt)->read(0).samples, counting_from(0))
-        << "compression " << kind.compression << ", tiled " << kind.tiled << ", big endian "
-        << kind.big_endian;
+  std::size_t samples_start = 8;
+  for (const TiffPage& page : pages) {
+    samples_start += 6 + 12 * page.size();
+    for (const auto& field : page) samples_start += field.second.size() * 4;
+  }
+  std::string file = (big_endian ? "MM" : "II") + number(2, 42) + number(4, 8);
+  for (const TiffPage& page : pages) {
+    const std::size_t arrays_start = file.size() + 6 + 12 * page.size();
+    std::string fields;
+    std::string arrays;
+    for (const auto& [tag, values] : page) {
+      const bool are_offsets = tag == TIFFTAG_STRIPOFFSETS || tag == TIFFTAG_TILEOFFSETS;
+      const std::size_t array = arrays_start + arrays.size();
+      for (const auto value : values)
+        arrays += number(4, value + (are_offsets ? samples_start : 0));
+      fields += number(2, tag) + number(2, TIFF_LONG) + number(4, values.size()) +
+                (values.size() > 1 ? number(4, array) : arrays.substr(arrays.size() - 4));
+    }
+    const std::size_t next = &page == &pages.back() ? 0 : arrays_start + arrays.size();
+    file += number(2, page.size()) + fields + number(4, next) + arrays;
+  }
+  return file + samples;
+}
+
+class ForeignImages : public testing::Test {
+ protected:
+  kv::Frame read(const std::string& content) const {
+    write_content(path_, content);
+    return kv::open_frames(path_, std::nullopt)->read(0);
+  }
+  std::string refusal_of(const std::string& content) const {
+    return error_of([&] { read(content); });
+  }
+
+  TemporaryFolder folder_;
+  std::filesystem::path path_ = folder_ / "frame";
+};
+
+TEST_F(ForeignImages, AreReadHoweverTheyAreStored) {
+  EXPECT_EQ(read(png_file({})).samples, (Samples{'a', 'b', 'c', 'd'}));
+  EXPECT_EQ(read(png_file({.height = 1, .bits = 16, .rows = {0, 1, 2, 3, 4}})).samples,
+            (Samples{0x0102, 0x0304}));
+  EXPECT_EQ(read(png_file({.height = 1, .interlace = 1, .rows = {0, 'a', 0, 'b'}})).samples,
+            (Samples{'a', 'b'}));
+  const std::string bytes = "abcdefghijklmnop";
+  for (const int photometric : {PHOTOMETRIC_MINISBLACK, int{PHOTOMETRIC_CFA}}) {
+    const auto kind = static_cast<std::uint32_t>(photometric);
+    EXPECT_EQ(read(tiff_file({tiff_page(8, {{TIFFTAG_PHOTOMETRIC, {kind}}})}, bytes)).samples,
+              (Samples{'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h'}));
+  }
+  for (const bool big_endian : {false, true}) {
+    const Samples samples = read(tiff_file({tiff_page(16)}, bytes, big_endian)).samples;
+    EXPECT_EQ(samples[0], big_endian ? 'a' * 256 + 'b' : 'a' + 'b' * 256);
+    EXPECT_EQ(samples[7], big_endian ? 'o' * 256 + 'p' : 'o' + 'p' * 256);
   }
 }
 
-TEST(ForeignImages, EveryTiffPageIsAFrame) {
-  const TemporaryFolder folder;
-  const auto path = folder / "stack.tif";
-  write_tiff_pages(path, {{}, {.channels = 3, .photometric = PHOTOMETRIC_RGB}, {}});
-  const auto reader = kv::open_frames(path, std::nullopt);
-  ASSERT_EQ(reader->count(), 3u);
-  EXPECT_EQ(reader->read(2).samples, counting_from(512));
-  EXPECT_THROW(reader->read(1), kv::Error);
-  EXPECT_EQ(reader->read(0).samples, counting_from(0));
+// 20 x 18 pixels in tiles of 16 x 16, each filled with a letter but for its first column and row.
+TEST_F(ForeignImages, TilesArePutTogether) {
+  for (const std::uint32_t bytes : {1u, 2u}) {
+    std::string samples;
+    for (const char letter : {'a', 'b', 'c', 'd'}) {
+      for (int i = 0; i < 256; ++i) {
+        const char sample = i < 16 ? 'T' : i % 16 == 0 ? 'L' : letter;
+        samples += std::string(bytes, sample);
+      }
+    }
+    TiffPage page = tiff_page(static_cast<int>(8 * bytes),
+                              {{TIFFTAG_IMAGEWIDTH, {20}},
+                               {TIFFTAG_IMAGELENGTH, {18}},
+                               {TIFFTAG_TILEWIDTH, {16}},
+                               {TIFFTAG_TILELENGTH, {16}},
+                               {TIFFTAG_TILEOFFSETS, {0, 256 * bytes, 512 * bytes, 768 * bytes}},
+                               {TIFFTAG_TILEBYTECOUNTS, std::vector(4, 256 * bytes)}});
+    page.erase(TIFFTAG_STRIPOFFSETS);
+    page.erase(TIFFTAG_STRIPBYTECOUNTS);
+    const std::string file = tiff_file({page}, samples);
+    std::string found;
+    for (const std::uint16_t sample : read(file).samples) found += static_cast<char>(sample);
+    std::string expected = std::string(20, 'T');
+    for (int row = 1; row < 16; ++row) expected += "L" + std::string(15, 'a') + "Lbbb";
+    expected += std::string(20, 'T') + "L" + std::string(15, 'c') + "Lddd";
+    EXPECT_EQ(found, expected);
+    EXPECT_PRED2(contains, refusal_of(file.substr(0, file.size() - 1)), "damaged or truncated");
+  }
 }
 
-TEST(ForeignImages, InterlacedPngIsRead) {
-  const TemporaryFolder folder;
-  const auto path = folder / "frame.png";
-  write_png_of_kind(path, PNG_COLOR_TYPE_GRAY, 8, true);
-  EXPECT_EQ(kv::open_frames(path, std::nullopt)->read(0).samples, counting_from(0));
+TEST_F(ForeignImages, EveryTiffPageIsAFrame) {
+  write_content(
+      path_,
+      tiff_file({tiff_page(8), tiff_page(8, {{TIFFTAG_SAMPLESPERPIXEL, {3}}}),
+                 tiff_page(16, {{TIFFTAG_MAXSAMPLEVALUE, {1023}}}),
+                 tiff_page(8, {{TIFFTAG_STRIPOFFSETS, {8}}, {TIFFTAG_MAXSAMPLEVALUE, {4095}}})},
+                "abcdefghijklmnop"));
+  const auto reader = kv::open_frames(path_, std::nullopt);
+  ASSERT_EQ(reader->count(), 4u);
+  EXPECT_EQ(reader->read(2).bit_depth, 10);
+  EXPECT_EQ(reader->read(3).bit_depth, 8);
+  EXPECT_EQ(reader->read(3).samples[7], 'p');
+  EXPECT_PRED2(contains, error_of([&] { reader->read(1); }), "3 channels");
+  EXPECT_EQ(reader->read(0).samples[7], 'h');
 }
 
-TEST(ForeignImages, NormalizedStokesIsAnOrdinaryFloatTiff) {
-  const TemporaryFolder folder;
-  const auto path = folder / "pairs.tiff";
+TEST_F(ForeignImages, OfOtherKindsAreRefusedWithTheirKind) {
+  const std::pair<PngKind, const char*> pngs[] = {
+      {{.color = PNG_COLOR_TYPE_RGB}, "RGB colour of 8"},
+      {{.bits = 16, .color = PNG_COLOR_TYPE_RGBA}, "RGB colour of 16"},
+      {{.color = PNG_COLOR_TYPE_PALETTE}, "palette"},
+      {{.color = PNG_COLOR_TYPE_GRAY_ALPHA}, "alpha"},
+      {{.bits = 4}, "grey of 4 bits"},
+      // In 32 bits the product of the sides would pass for the size of a frame.
+      {{.width = 65536, .height = 65537}, "65536 x 65537 is out of range"},
+  };
+  for (const auto& [kind, part] : pngs) EXPECT_PRED2(contains, refusal_of(png_file(kind)), part);
+  const std::pair<TiffPage, const char*> tiffs[] = {
+      {tiff_page(8, {{TIFFTAG_PHOTOMETRIC, {PHOTOMETRIC_PALETTE}},
+                     {TIFFTAG_COLORMAP, std::vector<std::uint32_t>(768)}}),
+       "palette"},
+      {tiff_page(4), "4 bits"},
+      {tiff_page(32, {{TIFFTAG_SAMPLEFORMAT, {SAMPLEFORMAT_IEEEFP}}}), "float"},
+      {tiff_page(16, {{TIFFTAG_SAMPLEFORMAT, {SAMPLEFORMAT_INT}}}), "signed"},
+      {tiff_page(8, {{TIFFTAG_PHOTOMETRIC, {PHOTOMETRIC_MINISWHITE}}}), "plain grey"},
+      {tiff_page(8, {{TIFFTAG_IMAGEWIDTH, {65537}}, {TIFFTAG_IMAGELENGTH, {65536}}}),
+       "65537 x 65536 is out of range"},
+  };
+  for (const auto& [page, part] : tiffs) {
+    EXPECT_PRED2(contains, refusal_of(tiff_file({page}, std::string(32, 'x'))), part);
+  }
+}
+
+TEST_F(ForeignImages, CutAnywhereAreRefused) {
+  const std::string tiff = tiff_file({tiff_page(8)}, "abcdefgh");
+  for (const std::string& whole : {png_file({}), tiff}) {
+    for (std::size_t size = 8; size < whole.size(); ++size) {
+      EXPECT_PRED2(contains, refusal_of(whole.substr(0, size)), "damaged or truncated") << size;
+    }
+  }
+  std::string lost_page = tiff;
+  lost_page[8 + 2 + 6 * 12] = '\x7F';  // a second page is announced, beyond the end of the file
+  EXPECT_PRED2(contains, refusal_of(lost_page), "damaged or truncated");
+}
+
+TEST_F(ForeignImages, NormalizedStokesIsAnOrdinaryFloatTiff) {
   const std::vector<float> pairs = {0.5f, -0.25f, -1, 1, 0, 0.125f, 0.75f, -0.5f};
-  kv::PendingFile file(path);
-  kv::write_float_pairs(file, 2, 2, pairs);
-  file.close();
-  file.publish();
-
-  TIFF* tiff = TIFFOpen(path.string().c_str(), "r");
+  EXPECT_EQ(kv::float_pairs_extension(), ".tiff");
+  written(path_, [&](auto& file) { kv::write_float_pairs(file, 2, 2, pairs); });
+  TIFF* tiff = TIFFOpen(path_.string().c_str(), "r");
   ASSERT_NE(tiff, nullptr);
-  std::uint16_t channels = 0;
-  std::uint16_t format = 0;
-  TIFFGetField(tiff, TIFFTAG_SAMPLESPERPIXEL, &channels);
-  TIFFGetField(tiff, TIFFTAG_SAMPLEFORMAT, &format);
-  EXPECT_EQ(channels, 2);
-  EXPECT_EQ(format, SAMPLEFORMAT_IEEEFP);
+  for (const auto& [tag, value] :
+       {std::pair{TIFFTAG_SAMPLESPERPIXEL, 2}, {TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP}}) {
+    std::uint16_t found = 0;
+    TIFFGetField(tiff, static_cast<ttag_t>(tag), &found);
+    EXPECT_EQ(found, value);
+  }
   std::vector<float> back(8);
   TIFFReadScanline(tiff, back.data(), 0, 0);
   TIFFReadScanline(tiff, back.data() + 4, 1, 0);
   TIFFClose(tiff);
   EXPECT_EQ(back, pairs);
+}
+
+TEST_F(ForeignImages, PicturesAreOrdinaryPngs) {
+  EXPECT_EQ(kv::picture_extension(), ".png");
+  for (const int channels : {1, 3}) {
+    kv::Picture picture(3, 2, channels);
+    std::iota(picture.bytes.begin(), picture.bytes.end(), std::uint8_t{7});
+    written(path_, [&](auto& file) { kv::write_picture(file, picture); });
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    ASSERT_NE(png_image_begin_read_from_file(&image, path_.string().c_str()), 0);
+    EXPECT_EQ(image.format, channels == 1 ? PNG_FORMAT_GRAY : PNG_FORMAT_RGB);
+    EXPECT_EQ(image.width, 3u);
+    std::vector<std::uint8_t> back(picture.bytes.size());
+    png_image_finish_read(&image, nullptr, back.data(), 0, nullptr);
+    EXPECT_EQ(back, picture.bytes);
+  }
 }
 
 }  // namespace

@@ -2,25 +2,32 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "toolkit/pictures/legend.h"
 
 namespace {
 
-/// Uniform planes with that angle and degree of polarization.
-kv::Planes uniform_planes(double degrees, double dolp, std::uint16_t output_max, int side = 8) {
+/// Planes of one angle and DoLP, but for the last pixel, which is unpolarized.
+kv::Planes uniform_planes(double degrees, double dolp, int output_max, int width = 8,
+                          int height = 6) {
   kv::Planes planes;
-  planes.width = side;
-  planes.height = side;
+  planes.width = width;
+  planes.height = height;
   planes.levels(kv::Plane::azimuth)
-      .assign(kv::pixel_count(side, side),
+      .assign(kv::pixel_count(width, height),
               static_cast<std::uint16_t>((degrees + 90) / 180 * output_max + 0.5));
   planes.levels(kv::Plane::dolp)
-      .assign(kv::pixel_count(side, side), static_cast<std::uint16_t>(dolp * output_max + 0.5));
+      .assign(kv::pixel_count(width, height), static_cast<std::uint16_t>(dolp * output_max + 0.5));
+  planes.levels(kv::Plane::dolp).back() = 0;
   return planes;
 }
 
-void expect_colour(const std::uint8_t* pixel, const kv::Colour& expected, const std::string& what) {
-  for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(pixel[i], expected[i], 1) << what << ", " << i;
+void expect_colour(kv::Picture& picture, int column, int row, const kv::Colour& expected) {
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_NEAR(picture.pixel(column, row)[i], expected[i], 1)
+        << "column " << column << ", row " << row << ", channel " << i;
+  }
 }
 
 TEST(AnglePicture, GoesOnceRoundTheHuesIn180Degrees) {
@@ -30,61 +37,90 @@ TEST(AnglePicture, GoesOnceRoundTheHuesIn180Degrees) {
   };
   for (const std::uint16_t output_max : {std::uint16_t{65535}, std::uint16_t{4095}}) {
     for (const auto& [degrees, colour] : cases) {
+      SCOPED_TRACE(std::to_string(degrees) + " degrees");
       auto picture = kv::angle_picture(uniform_planes(degrees, 1, output_max), output_max, 1);
-      expect_colour(picture.pixel(3, 5), colour, std::to_string(degrees) + " degrees");
+      expect_colour(picture, 3, 5, colour);
+      expect_colour(picture, 7, 5, {0, 0, 0});
     }
   }
 }
 
-TEST(AnglePicture, ValueIsDolpUpToItsWhite) {
-  const auto red_at = [](double dolp, double white) {
-    return kv::angle_picture(uniform_planes(0, dolp, 65535), 65535, white).bytes[0];
+TEST(PicturesOfDolp, AreLinearUpToWhite) {
+  struct Case {
+    double dolp, white;
+    int level;
   };
-  EXPECT_EQ(red_at(0, 1), 0);
-  EXPECT_NEAR(red_at(0.4, 1), 102, 1);
-  EXPECT_NEAR(red_at(0.4, 0.5), 204, 1);
-  EXPECT_EQ(red_at(0.9, 0.5), 255);
-}
-
-TEST(AnglePicture, HasALegendWhoseColorsAreThoseOfThePicture) {
-  constexpr int side = 1000;
-  const auto planes = uniform_planes(45, 1, 65535, side);
-  auto picture = kv::angle_picture(planes, 65535, 1);
-  ASSERT_EQ(picture.width, side + kv::angle_legend_width(side));
-  ASSERT_GT(picture.width, side);
-  // The yellow-green of 45 degrees stands in the panel, right of and above the place of 225.
-  const kv::Colour colour = {picture.bytes[0], picture.bytes[1], picture.bytes[2]};
-  int rightmost = 0;
-  int leftmost = picture.width;
-  for (int row = 0; row < side; ++row) {
-    for (int column = side; column < picture.width; ++column) {
-      const std::uint8_t* pixel = picture.pixel(column, row);
-      if (std::abs(pixel[0] - colour[0]) < 8 && pixel[1] > 245 && pixel[2] < 8) {
-        rightmost = std::max(rightmost, column);
-        leftmost = std::min(leftmost, column);
-      }
+  for (const Case& c : {Case{0, 1, 0}, Case{0.4, 1, 102}, Case{0.4, 0.5, 204}, Case{1, 1, 255},
+                        Case{0.9, 0.5, 255}}) {
+    for (const std::uint16_t output_max : {std::uint16_t{65535}, std::uint16_t{1000}}) {
+      const auto planes = uniform_planes(0, c.dolp, output_max);
+      auto dolp = kv::dolp_picture(planes, output_max, c.white);
+      ASSERT_EQ(dolp.bytes.size(), 48u);
+      EXPECT_NEAR(dolp.pixel(7, 4)[0], c.level, 1) << c.dolp << " of " << c.white;
+      EXPECT_EQ(dolp.pixel(7, 5)[0], 0);
+      auto angle = kv::angle_picture(planes, output_max, c.white);
+      expect_colour(angle, 7, 4, {static_cast<std::uint8_t>(c.level), 0, 0});
     }
   }
-  EXPECT_GT(rightmost - leftmost, 100) << "no wheel";
-  EXPECT_EQ(kv::angle_legend_width(100), 0);
+}
+
+/// Pixels of the text's colour within a box of that many pixels to each side.
+int bright_pixels(kv::Picture& picture, int column, int row, int reach) {
+  int count = 0;
+  for (int r = row - reach; r <= row + reach; ++r) {
+    for (int c = column - reach; c <= column + reach; ++c) {
+      if (picture.pixel(c, r)[0] == 230 && picture.pixel(c, r)[2] == 230) ++count;
+    }
+  }
+  return count;
+}
+
+// A picture of 1000 rows has a panel of 250 columns: its wheel has the centre (125, 813) and the
+// radius 78, its letters have dots of 2 x 2 pixels.
+TEST(AngleLegend, HasTheHuesAndTheLabelsAtTheirAngles) {
+  auto picture = kv::angle_picture(uniform_planes(45, 1, 65535, 100, 1000), 65535, 0.5);
+  ASSERT_EQ(picture.width, 350);
+  constexpr int column = 100 + 125;
+  constexpr int row = 1000 - 187;
+  expect_colour(picture, column, row, {0, 0, 0});
+  expect_colour(picture, column + 39, row, {128, 0, 0});
+  expect_colour(picture, column - 39, row, {128, 0, 0});
+  expect_colour(picture, column, row - 39, {0, 128, 128});
+  expect_colour(picture, column + 42, row - 42, {97, 194, 0});  // 59.4 of 78 from the centre
+  expect_colour(picture, column - 42, row - 42, {97, 0, 194});
+  expect_colour(picture, column, row + 80, {32, 32, 32});
+  // The label's middle is 6 pixels and half of its size from the rim; dots as drawn in glyphs.cpp.
+  EXPECT_EQ(bright_pixels(picture, column + 95, row, 12), 4 * (16 + 8)) << "0'";
+  EXPECT_EQ(bright_pixels(picture, column + 71, row - 71, 17), 4 * (14 + 17 + 8)) << "45'";
+  EXPECT_EQ(bright_pixels(picture, column, row - 91, 17), 4 * (16 + 16 + 8)) << "90'";
+  EXPECT_EQ(bright_pixels(picture, column - 74, row - 74, 23), 4 * (10 + 14 + 17 + 8)) << "135'";
+  EXPECT_EQ(bright_pixels(picture, column, 1000 - 62, 60), 4 * 110) << "DoLP 0-0.5";
+}
+
+TEST(AngleLegend, IsAQuarterOfTheHeightWhereItCanBeRead) {
+  for (const auto& [height, width] :
+       {std::pair{383, 0}, {384, 96}, {1000, 250}, {2400, 600}, {9000, 600}}) {
+    EXPECT_EQ(kv::angle_legend_width(height), width) << height;
+  }
 }
 
 TEST(IntensityPicture, IsFreeOfTheMosaicAndStretched) {
   // Fully polarized light in the left half, half as bright unpolarized light in the right one.
   kv::Frame frame = kv::make_frame(64, 32, 12);
   for (std::size_t i = 0; i < frame.samples.size(); ++i) {
-    const std::size_t row = i / 64;
-    const std::size_t column = i % 64;
-    const bool lit = row % 2 == 0 && column % 2 == 0;
-    frame.samples[i] = static_cast<std::uint16_t>(column < 32 ? (lit ? 4000 : 0) : 500);
+    const bool lit = i / 64 % 2 == 0 && i % 2 == 0;
+    frame.samples[i] = static_cast<std::uint16_t>(i % 64 < 32 ? (lit ? 4000 : 0) : 500);
   }
+  // A hot pixel is a part of four means, and four of these 2048 pixels may be brighter than white.
+  frame.samples[10 * 64 + 50] = 65535;
   auto picture = kv::intensity_picture(frame);
-  ASSERT_EQ(picture.width, 64);
+  ASSERT_EQ(picture.bytes.size(), 64u * 32u);
   for (const int row : {0, 13, 31}) {
     for (const int column : {0, 7, 30}) EXPECT_EQ(picture.pixel(column, row)[0], 255);
     // Half of white in sRGB.
     for (const int column : {32, 41, 63}) EXPECT_NEAR(picture.pixel(column, row)[0], 188, 1);
   }
+  EXPECT_EQ(picture.pixel(49, 9)[0], 255);
 }
 
 }  // namespace

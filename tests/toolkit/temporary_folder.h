@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "toolkit/image_files/pending_file.h"
+
 /// An empty folder of its own, so that tests may run at the same time; removed with all it holds.
 class TemporaryFolder {
  public:
@@ -46,4 +48,14 @@ inline std::string content_of(const std::filesystem::path& path) {
 
 inline void write_content(const std::filesystem::path& path, const std::string& content) {
   std::ofstream(path, std::ios::binary) << content;
+}
+
+/// What a function that takes a PendingFile has written.
+template <class Write>
+std::string written(const std::filesystem::path& path, Write write) {
+  kv::PendingFile file(path);
+  write(file);
+  file.close();
+  file.publish();
+  return content_of(path);
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "toolkit/error.h"
+
+/// The message that the action fails with; empty if it succeeds.
+template <class Action>
+std::string error_of(Action action) {
+  try {
+    action();
+    return "";
+  } catch (const kv::Error& error) {
+    return error.what();
+  }
+}
+
+/// For EXPECT_PRED2, which shows both texts.
+inline bool contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
