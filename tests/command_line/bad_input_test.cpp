@@ -1,4 +1,4 @@
-// The built tool on input that it has to refuse.
+// The built tool on input that it has to refuse, and in trouble.
 #include <gtest/gtest.h>
 
 #include "tool.h"
@@ -6,101 +6,75 @@
 
 namespace {
 
-/// Each: one line with that part, that exit status, and nothing written.
-void expect_refusal(const Tool& tool, const ToolResult& result, int status, const std::string& part,
-                    const std::string& folder = "out") {
+const std::string kFrame = "P5 8 8 255\n" + std::string(64, 'x');
+
+/// One line with that part, that exit status, and nothing written.
+void expect_refusal(const Tool& tool, const ToolResult& result, int status,
+                    const std::string& part) {
   EXPECT_EQ(result.status, status) << result.error;
   EXPECT_EQ(result.complaints(), 1u) << result.error;
-  EXPECT_NE(result.error.find(part), std::string::npos) << result.error;
+  EXPECT_PRED2(contains, result.error, part);
   EXPECT_EQ(result.error.rfind("kv-polarize: ", 0), 0u) << result.error;
-  EXPECT_TRUE(tool.files_in(folder).empty());
+  EXPECT_EQ(tool.files_in("out"), Names());
 }
 
-struct BadFile {
-  const char* name;
-  std::string content;
-  const char* part_of_message;
-};
-
-TEST(BadInput, FilesThatAreNoFramesAreNamedWithTheirFault) {
-  const BadFile cases[] = {
-      {"text.png", "This is a letter, not a picture.\n", "neither PNG, TIFF nor PGM"},
-      {"empty.png", "", "empty"},
-      {"color.ppm", "P6 4 4 255\n" + std::string(48, 'x'), "P6"},
-      {"short.pgm", "P5 8 8 255\n" + std::string(63, 'x'), "truncated"},
-      {"narrow.pgm", "P5 3 8 255\n" + std::string(24, 'x'), "4 or more"},
-      {"narrow2.pgm", "P5 2 3 255\n" + std::string(6, 'x'), "4 or more"},
-      {"line.pgm", "P5 8 1 255\n" + std::string(8, 'x'), "2 or more"},
+TEST(BadInput, FilesAndFoldersThatCannotBeUsedAreNamedWithTheirFault) {
+  const Tool tool;
+  tool.write("frame.pgm", kFrame);
+  tool.write("letter.png", "This is a letter, not a picture.\n");
+  tool.write("narrow.pgm", "P5 3 8 255\n" + std::string(24, 'x'));
+  const std::pair<const char*, const char*> cases[] = {
+      {"transform letter.png -o out", "letter.png: the content is neither"},
+      {"transform narrow.pgm -o out", "narrow.pgm: a frame of 3 x 8 pixels"},
+      {"transform no.pgm -o out", "no.pgm: there is no such file"},
+      {"transform . -o out", "this is a folder"},
+      {"transform frame.pgm -o frame.pgm", "cannot be made"},
+      {"transform frame.pgm -o frame.pgm/below", "cannot be made"},
+      {"transform frame.pgm -o out --width 8 --height 9 --raw-bits 16", "multiple of 144"},
+      {"simulate -o no/frame.pgm", "cannot write"},
+      {"simulate -o frame.jpg", ".pgm"},
   };
-  const Tool tool;
-  for (const BadFile& bad : cases) {
-    SCOPED_TRACE(bad.name);
-    write_content(tool.path(bad.name), bad.content);
-    const ToolResult result = tool.run({"transform", tool.path(bad.name), "-o", tool.path("out")});
-    expect_refusal(tool, result, 1, bad.part_of_message);
-    EXPECT_NE(result.error.find(bad.name), std::string::npos) << result.error;
-  }
-}
-
-TEST(BadInput, PlacesThatCannotBeUsedAreNamedWithTheirFault) {
-  const Tool tool;
-  write_content(tool.path("frame.pgm"), "P5 8 8 255\n" + std::string(64, 'x'));
-  write_content(tool.path("file"), "keep me");
-  const std::string frame = tool.path("frame.pgm");
-  expect_refusal(tool, tool.run({"transform", tool.path("no.pgm"), "-o", tool.path("out")}), 1,
-                 "no such file");
-  expect_refusal(tool, tool.run({"transform", tool.path(""), "-o", tool.path("out")}), 1, "folder");
-  expect_refusal(tool, tool.run({"transform", frame, "-o", tool.path("file")}), 1,
-                 "cannot be made");
-  expect_refusal(tool, tool.run({"transform", frame, "-o", tool.path("file/below")}), 1,
-                 "cannot be made");
-  expect_refusal(tool, tool.run({"simulate", "-o", tool.path("no/frame.pgm")}), 1, "cannot write");
-  expect_refusal(tool, tool.run({"simulate", "-o", tool.path("frame.jpg")}), 1, ".pgm");
-  EXPECT_EQ(content_of(tool.path("file")), "keep me");
-}
-
-TEST(BadInput, RawSizesThatDoNotFitAreExplained) {
-  const Tool tool;
-  write_content(tool.path("dump.raw"), std::string(100, 'x'));
-  expect_refusal(tool,
-                 tool.run({"transform", tool.path("dump.raw"), "-o", tool.path("out"), "--width",
-                           "8", "--height", "8", "--raw-bits", "8"}),
-                 1, "multiple of 64");
+  for (const auto& [arguments, part] : cases) expect_refusal(tool, tool.run(arguments), 1, part);
+  EXPECT_EQ(tool.content("frame.pgm"), kFrame);
 }
 
 TEST(BadInput, WrongCommandLinesDoNothing) {
   const Tool tool;
-  write_content(tool.path("frame.pgm"), "P5 8 8 255\n" + std::string(64, 'x'));
-  const std::vector<std::string> start = {"transform", tool.path("frame.pgm"), "-o",
-                                          tool.path("out")};
-  const std::pair<std::vector<std::string>, const char*> cases[] = {
-      {{"--phase", "30"}, "--phase"},
-      {{"--origin", "1"}, "--origin"},
-      {{"--origin", "1,-1"}, "--origin"},
-      {{"--origin", "1,1,1"}, "--origin"},
-      {{"--planes", "dolp,angle"}, "angle"},
-      {{"--planes", ""}, "--planes"},
-      {{"--bit-depth", "17"}, "--bit-depth"},
-      {{"--bit-depth", "0"}, "--bit-depth"},
-      {{"--output-max", "65536"}, "--output-max"},
-      {{"--output-max", "0"}, "--output-max"},
-      {{"--format", "jpg"}, "--format"},
-      {{"--width", "8", "--height", "8"}, "--raw-bits"},
-      {{"--width", "8", "--height", "8", "--raw-bits", "12"}, "--raw-bits"},
-      {{"--dolp-white", "0"}, "--dolp-white"},
-      {{"--log", "8"}, "--log"},
-      {{"--log", "debug"}, "--log"},
-      {{"--nonsense"}, "--nonsense"},
+  tool.write("frame.pgm", kFrame);
+  const std::pair<const char*, const char*> cases[] = {
+      {"--phase 30", "--phase"},
+      {"--origin 1", "--origin"},
+      {"--origin 1.1", "--origin"},
+      {"--origin -1,1", "--origin"},
+      {"--origin 1,-1", "--origin"},
+      {"--origin 1,1,1", "--origin"},
+      {"--planes dolp,angle", "'angle'; the planes are normalized_stokes, intensity"},
+      {"--planes \"\"", "--planes"},
+      {"--bit-depth 17", "--bit-depth"},
+      {"--bit-depth 0", "--bit-depth"},
+      {"--output-max 65536", "--output-max"},
+      {"--output-max 0", "--output-max"},
+      {"--format jpg", "--format"},
+      {"--width 8 --height 8", "--raw-bits"},
+      {"--raw-bits 8 --height 8", "--width"},
+      {"--raw-bits 8", "--width"},
+      {"--width 8 --raw-bits 8", "--height"},
+      {"--width 8 --height 8 --raw-bits 12", "--raw-bits"},
+      {"--width 1 --height 8 --raw-bits 8", "--width"},
+      {"--width 8 --height 1 --raw-bits 8", "--height"},
+      {"--dolp-white 0", "--dolp-white"},
+      {"--dolp-white 1.1", "--dolp-white"},
+      {"--log 8", "--log"},
+      {"--nonsense", "--nonsense"},
   };
   for (const auto& [options, part] : cases) {
-    SCOPED_TRACE(options[0] + " " + options.back());
-    std::vector<std::string> arguments = start;
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    expect_refusal(tool, tool.run(arguments), 2, part);
+    const auto result = tool.run("transform frame.pgm -o out " + std::string(options));
+    expect_refusal(tool, result, 2, part);
   }
-  expect_refusal(tool, tool.run({"transform", "-o", tool.path("out")}), 2, "FRAME");
-  expect_refusal(tool, tool.run({"transform", tool.path("frame.pgm")}), 2, "--output");
-  expect_refusal(tool, tool.run({}), 2, "--help");
+  expect_refusal(tool, tool.run("transform -o out"), 2, "FRAME");
+  expect_refusal(tool, tool.run("transform frame.pgm"), 2, "--output");
+  expect_refusal(tool, tool.run(""), 2, "--help");
+  expect_refusal(tool, tool.run("simulate -o out --bit-depth 17"), 2, "--bit-depth");
 }
 
 TEST(BadInput, LogLinesNeedTheLogger) {
@@ -109,80 +83,106 @@ TEST(BadInput, LogLinesNeedTheLogger) {
 #else
   const std::string forget_library_path = "unset LD_LIBRARY_PATH; ";
 #endif
-  const Tool files;
-  write_content(files.path("frame.pgm"), "P5 8 8 255\n" + std::string(64, 'x'));
+  const Tool place;
   for (const std::filesystem::path file : {KV_TOOL_PATH, KV_PROCESSOR_PATH}) {
-    std::filesystem::copy_file(file, files.path(file.filename().string()));
+    std::filesystem::copy_file(file, place.path(file.filename().string()));
   }
-  const Tool lone_tool(files.path(std::filesystem::path(KV_TOOL_PATH).filename().string()));
-  expect_refusal(files,
-                 lone_tool.run_after(forget_library_path, {"transform", files.path("frame.pgm"),
-                                                           "-o", files.path("out"), "--log", "7"}),
-                 1, "kevrinth_qrm_logger");
+  const Tool tool(place.path(std::filesystem::path(KV_TOOL_PATH).filename().string()).string());
+  tool.write("frame.pgm", kFrame);
+  expect_refusal(tool, tool.run("transform frame.pgm -o out --log 7", forget_library_path), 1,
+                 "kevrinth_qrm_logger");
+  EXPECT_EQ(tool.run("transform frame.pgm -o out", forget_library_path).status, 0);
 }
 
 TEST(BadInput, OneBadFrameDoesNotStopTheOthers) {
   const Tool tool;
-  for (const char* name : {"a.pgm", "c.pgm"}) {
-    write_content(tool.path(name), "P5 8 8 255\n" + std::string(64, 'x'));
-  }
-  write_content(tool.path("b.pgm"), "P5 8 8 255\n");
+  tool.write("a.pgm", kFrame + "P5 3 3 255\n123456789" + kFrame);
+  tool.write("b.pgm", "P5 8 8 255\n");
+  tool.write("c.pgm", kFrame);
   const ToolResult result =
-      tool.run({"transform", tool.path("a.pgm"), tool.path("b.pgm"), tool.path("c.pgm"), "-o",
-                tool.path("out"), "--planes", "dolp", "--no-pictures", "--format", "pgm"});
+      tool.run("transform a.pgm b.pgm c.pgm -o out --planes dolp --no-pictures --format pgm");
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.complaints(), 1u) << result.error;
-  EXPECT_NE(result.out.find("2 frames transformed, 1 failed"), std::string::npos) << result.out;
-  EXPECT_EQ(tool.files_in("out"), (std::vector<std::string>{"a_dolp.pgm", "c_dolp.pgm"}));
+  EXPECT_EQ(result.complaints(), 2u) << result.error;
+  EXPECT_PRED2(contains, result.error, "a.pgm, page 2: a frame of 3 x 3");
+  EXPECT_PRED2(contains, result.error, "b.pgm: the PGM file is truncated");
+  EXPECT_PRED2(contains, result.out, "3 frames transformed, 2 failed");
+  EXPECT_EQ(tool.files_in("out"), (Names{"a_1_dolp.pgm", "a_3_dolp.pgm", "c_dolp.pgm"}));
 }
 
 TEST(BadInput, NoResultReplacesAnotherOneOrAnInput) {
   const Tool tool;
-  const std::string frame = "P5 8 8 255\n" + std::string(64, 'x');
   std::filesystem::create_directory(tool.path("other"));
-  for (const char* name : {"a.pgm", "other/a.pgm", "a_dolp.pgm"})
-    write_content(tool.path(name), frame);
-  const std::vector<std::string> rest = {"--planes", "dolp", "--no-pictures", "--format", "pgm"};
-
-  std::vector<std::string> twins = {"transform", tool.path("a.pgm"), tool.path("other/a.pgm"), "-o",
-                                    tool.path("out")};
-  twins.insert(twins.end(), rest.begin(), rest.end());
-  const ToolResult clash = tool.run(twins);
-  EXPECT_EQ(clash.status, 1);
-  EXPECT_NE(clash.error.find("would replace those of"), std::string::npos) << clash.error;
+  for (const char* name : {"a.pgm", "other/a.pgm", "a_dolp.pgm"}) tool.write(name, kFrame);
+  for (const auto& [arguments, part] :
+       {std::pair{"a.pgm other/a.pgm -o out", "other/a.pgm: its results would replace those of a"},
+        {"a.pgm -o other/.. a_dolp.pgm", "would replace an input"}}) {
+    const ToolResult result =
+        tool.run("transform --planes dolp --no-pictures --format pgm " + std::string(arguments));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_PRED2(contains, result.error, part);
+    EXPECT_PRED2(contains, result.out, "1 frame transformed, 1 failed");
+  }
   EXPECT_EQ(tool.files_in("out").size(), 1u);
-
-  std::vector<std::string> onto_input = {"transform", tool.path("a.pgm"), tool.path("a_dolp.pgm"),
-                                         "-o", tool.path("")};
-  onto_input.insert(onto_input.end(), rest.begin(), rest.end());
-  const ToolResult kept = tool.run(onto_input);
-  EXPECT_EQ(kept.status, 1);
-  EXPECT_NE(kept.error.find("would replace an input"), std::string::npos) << kept.error;
-  EXPECT_EQ(content_of(tool.path("a_dolp.pgm")), frame);
+  EXPECT_EQ(tool.content("a_dolp.pgm"), kFrame);
 }
 
 #if !defined(_WIN32)
 // A limit on the size of files stands for a full disk: writes fail midway in the same manner.
 TEST(BadInput, FilesThatCannotBeWrittenToTheirEndVanish) {
   const Tool tool;
-  const std::string small_files = "ulimit -f 8; ";
-  std::vector<std::string> frame = {"simulate", "--width", "640", "--height", "512", "-o"};
-  std::vector<std::string> extensions = kv::plane_format_names();
-  extensions.emplace_back("raw");
-  for (const std::string& extension : extensions) {
-    frame.push_back(tool.path("frame." + extension));
-    expect_refusal(tool, tool.run_after(small_files, frame), 1, "cannot write", "");
-    frame.pop_back();
+  // Polarized at 0 degrees throughout, to very different degrees: in PNG a small plane of azimuth,
+  // and a large one of DoLP, which is then the only file that fails, likely on another thread.
+  std::string samples;
+  for (unsigned row = 0; row < 512; ++row) {
+    for (unsigned column = 0; column < 640; ++column) {
+      const unsigned noise = (row * 640 + column) * 2654435761u >> 24;
+      samples += static_cast<char>(row % 2 == column % 2 ? (row % 2 == 0 ? noise : 0) : 100);
+    }
   }
+  tool.write("frame.pgm", "P5 640 512 255\n" + samples);
+  std::filesystem::create_directory(tool.path("out"));
+  std::vector<std::string> runs = {"transform frame.pgm -o out --planes normalized_stokes",
+                                   "transform frame.pgm -o out --planes azimuth,dolp --no-pictures",
+                                   "simulate -o out/frame.raw"};
+  for (const std::string& format : kv::plane_format_names()) {
+    runs.push_back("simulate -o out/frame." + format);
+  }
+  for (const std::string& arguments : runs) {
+    expect_refusal(tool, tool.run(arguments, "ulimit -f 8; "), 1, "File too large");
+  }
+}
 
-  frame.push_back(tool.path("frame.pgm"));
-  ASSERT_EQ(tool.run(frame).status, 0);
-  for (const char* plane : {"normalized_stokes", "dolp"}) {
-    expect_refusal(tool,
-                   tool.run_after(small_files, {"transform", tool.path("frame.pgm"), "-o",
-                                                tool.path("out"), "--planes", plane}),
-                   1, "cannot write");
+TEST(BadInput, FramesLargerThanTheMemoryAreReported) {
+  const Tool tool;
+  const std::string limit = "ulimit -v 500000; ";
+  if (tool.run("--version", limit).status != 0) {
+    GTEST_SKIP() << "a sanitizer reserves more memory than the limit";
   }
+  tool.write("large.pgm", "P5 16384 16000 255\n");
+  std::filesystem::resize_file(tool.path("large.pgm"), 19 + 16384 * 16000);
+  expect_refusal(tool, tool.run("transform large.pgm -o out", limit), 1,
+                 "large.pgm: there is not enough memory");
+  expect_refusal(tool, tool.run("simulate -o x.pgm --width 16384 --height 16384", limit), 1,
+                 "kv-polarize: there is not enough memory");
+}
+
+// The first frame's results show that the tool is at work, and 400 frames last for seconds. The
+// file that is missing would be reported if it were looked at.
+TEST(Interrupt, FinishesTheFrameAtHandAndLeavesTheRest) {
+  const Tool tool;
+  tool.write("stack.raw", std::string(std::size_t{400} * 64 * 48, 'x'));
+  const ToolResult result = tool.run(
+      "transform stack.raw missing.raw -o out --width 64 --height 48 --raw-bits 8", "",
+      " & for i in $(seq 1000); do ls out/stack_001_* && break; sleep 0.01; done >log 2>&1;"
+      " kill -INT $!; wait $!");
+  EXPECT_EQ(result.status, 130);
+  EXPECT_EQ(result.error, "");
+  EXPECT_PRED2(contains, result.out, "transformed");
+  const Names names = tool.files_in("out");
+  EXPECT_GE(names.size(), 9u);
+  EXPECT_LT(names.size(), 9u * 400);
+  EXPECT_EQ(names.size() % 9, 0u) << "half of a frame's files";
+  for (const std::string& name : names) EXPECT_FALSE(contains(name, "partial")) << name;
 }
 #endif
 

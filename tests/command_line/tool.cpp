@@ -9,40 +9,23 @@
 
 namespace {
 
-int exit_status_of(int result) {
-#if defined(_WIN32)
-  return result;
-#else
-  return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
-#endif
-}
-
-std::string quoted(const std::string& text) { return "\"" + text + "\""; }
-
-/// As one argument of the tool. To a Windows program a backslash before a quote makes the quote a
-/// part of the argument, and two of them are one backslash.
-std::string argument(const std::string& text) {
-#if defined(_WIN32)
-  if (text.ends_with('\\')) return quoted(text + "\\");
-#endif
-  return quoted(text);
-}
+std::string in_quotes(const std::filesystem::path& path) { return "\"" + path.string() + "\""; }
 
 /// What a stream of text holds, its lines ended as C++ ends them.
 std::string text_of(const std::filesystem::path& path) {
   std::string text = content_of(path);
-#if defined(_WIN32)
-  for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos;) text.erase(at, 1);
-#endif
+  std::erase(text, '\r');
   return text;
 }
 
-/// cmd.exe takes the outermost quotes of a command away.
-std::string for_shell(const std::string& command) {
+/// Exit status of a command that the system's shell runs in that folder.
+int run_in_shell(const std::filesystem::path& folder, const std::string& command) {
 #if defined(_WIN32)
-  return quoted(command);
+  // cmd.exe takes the outermost quotes of a command away.
+  return std::system(("\"cd /d " + in_quotes(folder) + " && " + command + "\"").c_str());
 #else
-  return command;
+  const int result = std::system(("cd " + in_quotes(folder) + "; " + command).c_str());
+  return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
 #endif
 }
 
@@ -52,17 +35,12 @@ std::size_t ToolResult::complaints() const {
   return static_cast<std::size_t>(std::count(error.begin(), error.end(), '\n'));
 }
 
-ToolResult Tool::run(const std::vector<std::string>& arguments) const {
-  return run_after("", arguments);
-}
-
-ToolResult Tool::run_after(const std::string& shell_command,
-                           const std::vector<std::string>& arguments) const {
+ToolResult Tool::run(const std::string& arguments, const std::string& before,
+                     const std::string& behind) const {
   const auto out = streams_ / "out";
   const auto error = streams_ / "error";
-  std::string command = shell_command + quoted(program_);
-  for (const std::string& text : arguments) command += " " + argument(text);
-  command += " >" + quoted(out.string()) + " 2>" + quoted(error.string());
-  const int result = std::system(for_shell(command).c_str());
-  return {exit_status_of(result), text_of(out), text_of(error)};
+  const std::string streams = " >" + in_quotes(out) + " 2>" + in_quotes(error);
+  const int status =
+      run_in_shell(path(""), before + in_quotes(program_) + " " + arguments + streams + behind);
+  return {status, text_of(out), text_of(error)};
 }

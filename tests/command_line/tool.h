@@ -4,7 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "toolkit/error_of.h"
 #include "toolkit/temporary_folder.h"
+
+using Names = std::vector<std::string>;
 
 struct ToolResult {
   int status;
@@ -15,22 +18,24 @@ struct ToolResult {
   std::size_t complaints() const;
 };
 
-/// A folder to work in and the built tool.
+/// The built tool and a folder that it works in.
 class Tool {
  public:
   explicit Tool(std::string program = KV_TOOL_PATH) : program_(std::move(program)) {}
 
-  /// Runs kv-polarize with these arguments.
-  ToolResult run(const std::vector<std::string>& arguments) const;
+  /// Runs kv-polarize with these arguments of a command line; a POSIX shell can run commands before
+  /// and behind it.
+  ToolResult run(const std::string& arguments, const std::string& before = "",
+                 const std::string& behind = "") const;
 
-  /// The same after another command of the POSIX shell, in one shell.
-  ToolResult run_after(const std::string& shell_command,
-                       const std::vector<std::string>& arguments) const;
-
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  std::filesystem::path path(const std::string& name) const { return folder_ / name; }
+  void write(const std::string& name, const std::string& content) const {
+    write_content(path(name), content);
+  }
+  std::string content(const std::string& name) const { return content_of(path(name)); }
 
   /// Names of the files in that folder, sorted; none if there is no such folder.
-  std::vector<std::string> files_in(const std::string& name) const { return names_in(path(name)); }
+  Names files_in(const std::string& name) const { return names_in(path(name)); }
 
  private:
   std::string program_;
