@@ -56,7 +56,7 @@
  *     frame, call for strips of three rows (2p to 2p + 2, from top to bottom, the last one reaching
  *     the frame's end) with pointers into the same planes.
  *
- *   The last pixel of a frame with just one odd side is weighed as if its column and row were even:
+ *   The last pixel of a frame with just one odd side takes the weights of an even row and column:
  *   its S1 and S2 are exchanged, and with an odd height negated as well.
  *
  * Life and threads

@@ -6,7 +6,7 @@
 
 #include "polarization_processor/vector/wide_blocks.h"
 
-// AVX2, eight blocks at a time. In an unnamed namespace for the reason told in float4.h.
+// AVX2, eight blocks at a time.
 //
 // Instructions work within halves of 128 bits, so that the blocks stand in the lanes in the order
 // 0 1 4 5 | 2 3 6 7; the unpack instructions of the stores undo it.
@@ -35,7 +35,7 @@ inline Float8 maximum(Float8 value, Float8 bound) {
   return {_mm256_max_ps(value.lanes, bound.lanes)};
 }
 
-/// By the operator for the reason told in float4.h.
+/// By the operator, as in float4.h.
 inline Float8 less(Float8 a, Float8 b) {
 #if defined(_MSC_VER)
   return {_mm256_cmp_ps(a.lanes, b.lanes, _CMP_LT_OS)};

@@ -6,8 +6,7 @@
 
 #include "polarization_processor/vector/wide_blocks.h"
 
-// AVX-512F, DQ and BW, sixteen blocks at a time. In an unnamed namespace for the reason told in
-// float4.h.
+// AVX-512F, DQ and BW, sixteen blocks at a time.
 //
 // Instructions work within quarters of 128 bits, so that the blocks stand in the lanes in the order
 // 0 1 8 9 | 2 3 10 11 | 4 5 12 13 | 6 7 14 15; the unpack instructions of the stores undo it.

@@ -26,7 +26,7 @@ struct TransformRequest {
 };
 static_assert(sizeof(TransformRequest) == 96);
 
-/// The 16-bit planes of a request by their place in the list of planes; normalized_stokes is none.
+/// The 16-bit planes of a request by their place in the list of planes; null for normalized_stokes.
 inline constexpr std::array<std::uint16_t * TransformRequest::*, kPlanes.size()> kLevelPlanes{
     nullptr,
     &TransformRequest::intensity,

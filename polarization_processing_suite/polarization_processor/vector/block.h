@@ -14,8 +14,6 @@ namespace kv {
 ///   RowSamples<Vector> load(const std::uint16_t* samples)     from samples[0] to samples[7]
 ///   void store(std::uint16_t* plane, Vector bounded)          rounded to four elements
 ///   void store_pairs(float* pairs, Vector first, Vector second)   interleaved
-///
-/// It lives in an unnamed namespace of its file, and so does all that is made of it here.
 template <class Lanes, BlockAxes axes>
 class Block {
  public:

@@ -26,8 +26,7 @@ constexpr std::array<RunBlocks, kPhaseCount> blocks_by_phase() {
   }
 }
 
-/// The wanted blocks of a form, of which `Form::run<axes>` is a RunBlocks. A form lives in an
-/// unnamed namespace of its file, and so does all that is made of it.
+/// The wanted blocks of a form, of which `Form::run<axes>` is a RunBlocks.
 template <class Form, Wanted wanted>
 constexpr BlockEntries block_entries() {
   return []<std::size_t... index>(std::index_sequence<index...>) {

@@ -27,7 +27,6 @@ struct BlockPosition {
   bool lower_pairs_stay;
 };
 
-// Code that files of different instruction sets share is their own copy; see float4.h.
 namespace {
 
 inline void advance(BlockPosition& position, std::uint64_t blocks) {

@@ -4,9 +4,10 @@
 
 #include <cstdint>
 
-// Included by files that are compiled for different instruction sets. The unnamed namespace keeps
-// each file's code its own: merged by the linker, the code of the higher set could end up in the
-// plain processor's path. Templates over these types are kept apart in the same way.
+// Files that are compiled for different instruction sets share what stands in this folder's
+// headers. The linker would merge their copies, and the plain processor could get the code of a
+// higher set. So the types of vectors and what is no template stand in unnamed namespaces, which
+// keep each file's copy its own, and that of every template made with these types.
 namespace kv {
 namespace {
 

@@ -13,8 +13,7 @@
 #include "polarization_processor/vector/weighted_frame.h"
 
 // The four pixels of a mosaic cell at a time, in lanes TL, TR, BL, BR: lane by lane what
-// pixel_function computes, to the same bits and with any weights. In an unnamed namespace: see
-// float4.h.
+// pixel_function computes, to the same bits and with any weights.
 namespace kv {
 namespace {
 

@@ -4,9 +4,8 @@
 #include <intrin.h>
 #endif
 
-// In an unnamed namespace for the reason told in float4.h. The instructions themselves, and not the
-// compiler's intrinsics: g++ takes a function of nothing but prefetches for one without effect, and
-// leaves its calls out.
+// The instructions themselves, and not the compiler's intrinsics: g++ takes a function of nothing
+// but prefetches for one without effect, and leaves its calls out.
 namespace kv {
 namespace {
 

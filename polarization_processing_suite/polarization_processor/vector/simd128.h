@@ -7,7 +7,7 @@
 #include "polarization_processor/vector/float4.h"
 #include "polarization_processor/vector/wide_blocks.h"
 
-// SSE4.1. In an unnamed namespace for the reason told in float4.h.
+// SSE4.1, four blocks at a time.
 namespace kv {
 namespace {
 

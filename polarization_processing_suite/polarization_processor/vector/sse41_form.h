@@ -4,7 +4,6 @@
 #include "polarization_processor/vector/flatten.h"
 #include "polarization_processor/vector/simd128.h"
 
-// In an unnamed namespace for the reason told in float4.h.
 namespace kv {
 namespace {
 

@@ -47,8 +47,6 @@ enum class Prefetch {
 ///   store_from_0(plane, Columns<Int>)       negative numbers as 0; none is above 65535
 ///   store_pairs(pairs, Columns<Float> first, Columns<Float> second)
 ///   load_words, even_words, odd_words, store_words
-///
-/// It lives in an unnamed namespace of its file, and so does all that is made of it here.
 template <class Simd, BlockAxes axes>
 class WideBlocks {
  public:
