@@ -5,45 +5,34 @@
 #include <atomic>
 #include <cstdlib>
 #include <functional>
-#include <limits>
 #include <new>
 
-#include "core/public_call.h"
 #include "fake_platform.h"
 #include "polarization_processor/module_state.h"
 
-namespace kv::test {
 namespace {
 
-constexpr long kNever = std::numeric_limits<long>::max();
+constexpr long kAll = 1'000'000;
 
-std::atomic<long> until_failure = kNever;
-std::atomic<bool> memory_stays_short = false;
+std::atomic<long> attempts = 0;
+std::atomic<long> first_failure = 0;
+std::atomic<long> failures_end = 0;
 std::atomic<long> alive = 0;  ///< Allocations less those given back.
 
-/// Lets the allocation after `successes` further ones fail, that one alone or all from there on,
-/// for the length of a scope.
-class ShortMemory {
- public:
-  ShortMemory(long successes, bool stays_short) {
-    memory_stays_short = stays_short;
-    until_failure = successes;
-  }
-  ~ShortMemory() { end(); }
-  ShortMemory(const ShortMemory&) = delete;
-
-  static void end() { until_failure = kNever; }
-};
-
-bool refused() {
-  if (until_failure == kNever || until_failure-- > 0) return false;
-  until_failure = memory_stays_short ? 0 : kNever;
-  return true;
+/// Of the attempts to come the first `successes` succeed, and the next `failures` fail.
+void let_memory_run_out(long successes, long failures) {
+  first_failure = attempts + successes;
+  failures_end = first_failure + failures;
 }
 
-void* allocate(std::size_t size) {
+}  // namespace
+
+// All forms of new and delete end in these.
+void* operator new(std::size_t size) {
   while (true) {
-    if (void* const memory = refused() ? nullptr : std::malloc(size)) {
+    const long attempt = attempts++;
+    const bool fails = first_failure <= attempt && attempt < failures_end;
+    if (void* const memory = fails ? nullptr : std::malloc(size)) {
       ++alive;
       return memory;
     }
@@ -52,128 +41,81 @@ void* allocate(std::size_t size) {
     handler();
   }
 }
-
-void release(void* memory) {
+void operator delete(void* memory) noexcept {
   if (memory != nullptr) --alive;
   std::free(memory);
 }
-
-}  // namespace
-}  // namespace kv::test
-
-// All forms of new and delete end in these.
-void* operator new(std::size_t size) { return kv::test::allocate(size); }
-void operator delete(void* memory) noexcept { kv::test::release(memory); }
-void operator delete(void* memory, std::size_t) noexcept { kv::test::release(memory); }
+void operator delete(void* memory, std::size_t) noexcept { operator delete(memory); }
 
 namespace kv::test {
 namespace {
 
-/// What has been loaded is unloaded, and what has been initialised is terminated.
-void expect_companions_released(const Events& events) {
-  const auto count = [&](const std::string& event) { return std::ranges::count(events, event); };
-  for (const std::string companion : {"logger", "avx512", "avx2"}) {
-    EXPECT_EQ(count("load " + companion), count("unload " + companion));
-    EXPECT_EQ(count("initialize " + companion), count("terminate " + companion));
-  }
-}
-
-/// Calls with ever more allocations that succeed, until all do. After each failed call nothing is
-/// to be left of it, and `expect_failed` looks at the events of it.
-void fail_at_each_allocation(const FakePlatform& platform, bool stays_short,
-                             const std::function<bool()>& call,
-                             const std::function<void(const Events&)>& expect_failed) {
-  for (long successes = 0; successes < 100; ++successes) {
-    SCOPED_TRACE("after " + std::to_string(successes) + " allocations");
-    const long before = alive;
-    bool succeeded;
-    {
-      const ShortMemory short_memory(successes, stays_short);
+/// Calls with ever more allocations that succeed, until all do and the call undoes what it did.
+/// Nothing is left of a failed call but `line`, unless memory stays short: the line needs some too.
+void fail_at_each_allocation(const std::function<bool()>& call, const Events& line) {
+  for (const long failures : {1L, kAll}) {
+    bool succeeded = false;
+    for (long successes = 0; !succeeded; ++successes) {
+      SCOPED_TRACE(testing::Message() << failures << " failures after " << successes);
+      ASSERT_LT(successes, 100) << "the call does not succeed";
+      const long before = alive;
+      let_memory_run_out(successes, failures);
       succeeded = call();
+      let_memory_run_out(0, 0);
+      EXPECT_EQ(alive, before);
+      EXPECT_TRUE(!succeeded || successes >= 3) << "there are a record and names";
+      Events events = take_events();
+      const auto erase = [&](const char* act) {
+        return std::erase_if(events, [&](auto& event) { return event.starts_with(act); });
+      };
+      EXPECT_EQ(erase("load "), erase("unload "));
+      EXPECT_EQ(erase("initialize "), erase("terminate "));
+      EXPECT_EQ(erase("qrm_get_log "), erase("qrm_free_log "));
+      EXPECT_EQ(events, succeeded || failures == kAll ? Events{} : line);
     }
-    if (succeeded) {
-      EXPECT_GE(successes, 3) << "a record and names";
-      return;
-    }
-    EXPECT_EQ(alive, before);
-    const Events events = platform.take_events();
-    expect_companions_released(events);
-    expect_failed(events);
   }
-  FAIL() << "the call does not succeed";
 }
 
 TEST(AllocationFailure, InCreate) {
-  for (const bool stays_short : {false, true}) {
-    const OpenModule module;
-    PolarizationProcessor* handle = no_handle();
-    ProcessorStatus status;
-    const auto call = [&] { return (status = create(handle)) == kv_status_ok; };
-    fail_at_each_allocation(module, stays_short, call, [&](const Events& events) {
-      EXPECT_EQ(status, kv_status_out_of_memory);
-      EXPECT_EQ(handle, no_handle());
-      // The line needs memory too.
-      EXPECT_EQ(!events.empty() && events.back() == kNoMemoryToCreate[0], !stays_short);
-    });
-    EXPECT_EQ(destroy(handle), kv_status_ok);
-  }
+  const OpenModule module;
+  const auto call = [] {
+    PolarizationProcessor* handle = kNoHandle;
+    const ProcessorStatus status = create(handle);
+    if (status == kv_status_ok) return destroy(handle) == kv_status_ok;
+    EXPECT_EQ(status, kv_status_out_of_memory);
+    EXPECT_EQ(handle, kNoHandle);
+    return false;
+  };
+  fail_at_each_allocation(
+      call, error_line("create_polarization_processor",
+                       "Memory allocation failure when trying to create a polar processor "
+                       "instance!"));
 }
 
 TEST(AllocationFailure, InInitialize) {
-  for (const bool stays_short : {false, true}) {
-    const FakePlatform platform;
-    const auto call = [] {
-      try {
-        return initialize() == kv_status_ok;
-      } catch (const std::bad_alloc&) {
-        module_mutex().unlock();  // A failed initialize leaves it taken.
-        return false;
-      }
-    };
-    fail_at_each_allocation(platform, stays_short, call, [](const Events&) {});
-    EXPECT_EQ(terminate(), kv_status_ok);
-  }
+  const FakePlatform platform;
+  const auto call = [] {
+    try {
+      return initialize() == kv_status_ok && terminate() == kv_status_ok;
+    } catch (const std::bad_alloc&) {
+      module_mutex().unlock();  // A failed initialize leaves it taken.
+      return false;
+    }
+  };
+  fail_at_each_allocation(call, {});
 }
 
 int handler_calls = 0;
 
-/// At its third call there is memory again, and that call decides what becomes of the allocation.
-template <class LastAct>
-void count_to_three(LastAct last_act) {
-  if (++handler_calls < 3) return;
-  ShortMemory::end();
-  last_act();
-}
-
-struct Handling {
-  std::new_handler handler;
-  ProcessorStatus status;
-  Events logged;
-};
-
-TEST(NewHandler, IsAskedUntilItGivesUp) {
+TEST(NewHandler, IsAskedUntilThereIsMemory) {
   const OpenModule module({{"avx512", Fault::missing}, {"avx2", Fault::missing}});
-  for (const Handling& handling : std::vector<Handling>{
-           {[] { count_to_three([] { throw std::bad_alloc(); }); }, kv_status_out_of_memory,
-            kNoMemoryToCreate},
-           {[] { count_to_three([] { throw 5; }); }, kv_status_general_failure,
-            kUnknownErrorToCreate},
-           {[] { count_to_three([] {}); }, kv_status_ok, {}},
-       }) {
-    handler_calls = 0;
-    PolarizationProcessor* handle = nullptr;
-    ProcessorStatus status;
-    const std::new_handler before = std::set_new_handler(handling.handler);
-    {
-      const ShortMemory short_memory(0, true);
-      status = create(handle);
-    }
-    std::set_new_handler(before);
-    EXPECT_EQ(status, handling.status);
-    EXPECT_EQ(handler_calls, 3);
-    EXPECT_EQ(module.take_events(), handling.logged);
-    delete handle;
-  }
+  PolarizationProcessor* handle = nullptr;
+  const std::new_handler before = std::set_new_handler([] { ++handler_calls; });
+  let_memory_run_out(0, 3);
+  EXPECT_EQ(create(handle), kv_status_ok);
+  std::set_new_handler(before);
+  EXPECT_EQ(handler_calls, 3);
+  EXPECT_EQ(destroy(handle), kv_status_ok);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <thread>
 
-#include "core/public_call.h"
 #include "fake_platform.h"
 
 namespace kv::test {
@@ -38,7 +37,7 @@ TEST(Threads, ShareAProcessorAndLiveLivesOfTheirOwn) {
   for (int i = 0; i < 4; ++i) threads.emplace_back(live);
   for (std::thread& thread : threads) thread.join();
 
-  Events events = shared.take_events();
+  Events events = take_events();
   EXPECT_EQ(std::ranges::count(events, "terminate avx512"), 80);
   EXPECT_EQ(std::erase_if(events, [](const auto& event) { return event.starts_with("qrm_log 7"); }),
             160);

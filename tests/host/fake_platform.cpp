@@ -4,34 +4,25 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdarg>
 #include <cstdio>
-#include <mutex>
-#include <new>
 
-#include "core/public_call.h"
 #include "platform/optional_library.h"
 #include "platform/performance_counter.h"
 
 namespace kv::test {
 namespace {
 
-std::mutex mutex;
 std::array<std::array<char, 256>, 1000> events;
-std::size_t event_count = 0;
-ModuleCall module_call;
+std::atomic<std::size_t> event_count = 0;
 Faults faults;
 Counter counter;
 std::atomic<unsigned> counter_reads = 0;
 
 /// Records an event, in printf syntax, and gives it back.
-const char* record(const char* format, ...) {
-  const std::lock_guard lock(mutex);
-  std::va_list arguments;
-  va_start(arguments, format);
+template <class... Arguments>
+const char* record(const char* format, Arguments... arguments) {
   auto& event = events.at(event_count++);
-  std::vsnprintf(event.data(), event.size(), format, arguments);
-  va_end(arguments);
+  std::snprintf(event.data(), event.size(), format, arguments...);
   return event.data();
 }
 
@@ -39,7 +30,6 @@ const char* record(const char* format, ...) {
 bool succeeds(std::string_view function) {
   const auto fault = faults.find(function);
   if (fault == faults.end()) return true;
-  if (fault->second == Fault::throws_bad_alloc) throw std::bad_alloc();
   if (fault->second == Fault::throws) throw Thrown();
   return false;
 }
@@ -53,9 +43,8 @@ void* get_log(const char* module_name, const char* group_name, const char* confi
 
 std::int32_t log(void* to, std::int32_t severity, const char* file, std::int32_t line,
                  const char* function, const char* message) {
-  record("qrm_log %d %s %s | %s", static_cast<int>(severity), file, function, message);
-  if (to != &the_log) record("this log is not the one given");
-  if (line <= 0) record("the line has no number");
+  record("qrm_log %d %s %s | %s%s", static_cast<int>(severity), file, function, message,
+         to == &the_log && line > 0 ? "" : ", to a wrong log or without a line number");
   return succeeds("qrm_log") ? 0 : 5;
 }
 
@@ -77,8 +66,7 @@ template <const char* instruction_set>
 void transform_by_module(const TransformRequest* request, const PhaseView* view,
                          bool sse41_available, const PolarizationProcessor* instance) {
   record("transform %s", instruction_set);
-  const std::lock_guard lock(mutex);
-  module_call = {*request, *view, sse41_available, instance};
+  last_module_call = {*request, *view, sse41_available, instance};
 }
 
 template <const char* instruction_set>
@@ -93,30 +81,25 @@ struct Companion {
   void* function = nullptr;
 };
 
-template <class Function>
-void* address(Function* function) {
-  return reinterpret_cast<void*>(function);
-}
-
 Companion companions[]{
     {"kevrinth_qrm_logger.fake", "logger"},
-    {"qrm_get_log", "qrm_get_log", address(get_log)},
-    {"qrm_log", "qrm_log", address(log)},
-    {"qrm_free_log", "qrm_free_log", address(free_log)},
+    {"qrm_get_log", "qrm_get_log", reinterpret_cast<void*>(&get_log)},
+    {"qrm_log", "qrm_log", reinterpret_cast<void*>(&log)},
+    {"qrm_free_log", "qrm_free_log", reinterpret_cast<void*>(&free_log)},
     {"kevrinth_qrm_polarization_processor_vector_avx512.fake", "avx512"},
     {"kv_polarization_processor_vector_avx512_module_initialize", "initialize avx512",
-     address(initialize_module<kAvx512>)},
+     reinterpret_cast<void*>(&initialize_module<kAvx512>)},
     {"kv_polarization_processor_transform_vector_avx512", "transform avx512",
-     address(transform_by_module<kAvx512>)},
+     reinterpret_cast<void*>(&transform_by_module<kAvx512>)},
     {"kv_polarization_processor_vector_avx512_module_terminate", "terminate avx512",
-     address(terminate_module<kAvx512>)},
+     reinterpret_cast<void*>(&terminate_module<kAvx512>)},
     {"kevrinth_qrm_polarization_processor_vector_avx2.fake", "avx2"},
     {"kv_polarization_processor_vector_avx2_module_initialize", "initialize avx2",
-     address(initialize_module<kAvx2>)},
+     reinterpret_cast<void*>(&initialize_module<kAvx2>)},
     {"kv_polarization_processor_transform_vector_avx2", "transform avx2",
-     address(transform_by_module<kAvx2>)},
+     reinterpret_cast<void*>(&transform_by_module<kAvx2>)},
     {"kv_polarization_processor_vector_avx2_module_terminate", "terminate avx2",
-     address(terminate_module<kAvx2>)},
+     reinterpret_cast<void*>(&terminate_module<kAvx2>)},
 };
 
 /// Null where it is unknown or missing.
@@ -127,69 +110,31 @@ Companion* find(const char* exported_name) {
   return fault != faults.end() && fault->second == Fault::missing ? nullptr : found;
 }
 
-bool tell(const std::optional<std::int64_t>& value, std::int64_t& to) {
-  to = value.value_or(to);
-  return value.has_value();
-}
-
 }  // namespace
 
 FakePlatform::FakePlatform(const Faults& of_companions, const Counter& of_platform) {
   event_count = 0;
-  module_call = {};
+  counter_reads = 0;
   faults = of_companions;
   counter = of_platform;
-  counter_reads = 0;
 }
 
 FakePlatform::~FakePlatform() {
   EXPECT_EQ(destroy(nullptr), kv_status_not_initialized) << "the module is left initialised";
 }
 
-Events FakePlatform::take_events() const {
-  const std::lock_guard lock(mutex);
+Events take_events() {
   Events taken;
   for (std::size_t i = 0; i < event_count; ++i) taken.emplace_back(events[i].data());
   event_count = 0;
   return taken;
 }
 
-ModuleCall FakePlatform::last_module_call() const { return module_call; }
-
-OpenModule::OpenModule(const Faults& of_companions, const Counter& of_platform)
-    : FakePlatform(of_companions, of_platform) {
-  EXPECT_EQ(initialize(), kv_status_ok);
-  take_events();
-}
-
-OpenModule::~OpenModule() { EXPECT_EQ(terminate(), kv_status_ok); }
-
-ProcessorOfTier::ProcessorOfTier(CpuTier tier, const Faults& of_companions)
-    : OpenModule(of_companions), processor(tier) {
-  take_events();
-}
-
-Events operator+(Events first, const Events& second) {
-  first.insert(first.end(), second.begin(), second.end());
-  return first;
-}
-
-Events timing_line(const std::string& microseconds) {
-  return {
-      "qrm_log 7 polarization_processing_suite\\polarization_processor\\"
-      "kevrinth_qrm_polarization_processor.cpp kv_polarization_processor_transform | transform "
-      "takes " +
-      microseconds + " microseconds."};
-}
-
-Events error_line(const std::string& export_name, const std::string& message) {
-  return {"qrm_log 2 kevrinth_qrm_polarization_processor.cpp kv_polarization_processor_" +
-          export_name + " | " + message};
-}
-
-Events null_handle_to_transform() {
-  return error_line("transform", "ERROR:  The specified polarization processor handle is NULL!") +
-         timing_line();
+Transformed transform_small_frame(PolarizationProcessor* handle) {
+  const std::array<std::uint16_t, 4> frame{100, 200, 300, 400};
+  std::array<std::uint16_t, 4> intensity{7, 7, 7, 7};
+  const auto status = transform(handle, {.input = frame.data(), .intensity = intensity.data()});
+  return {status, intensity[0]};
 }
 
 }  // namespace kv::test
@@ -214,12 +159,13 @@ void unload_library(LibraryHandle library) {
 }
 
 bool read_counter_frequency(std::int64_t& frequency) {
-  return test::tell(test::counter.frequency, frequency);
+  frequency = test::counter.frequency;
+  return true;
 }
 
 bool read_counter(std::int64_t& count) {
-  return test::tell(test::counter_reads++ % 2 == 0 ? test::counter.start : test::counter.stop,
-                    count);
+  count = test::counter_reads++ % 2 == 0 ? test::counter.start : test::counter.stop;
+  return count >= 0;
 }
 
 }  // namespace kv::platform

@@ -20,14 +20,8 @@ bool loaded(const char* stem) {
 class LibraryFile : public testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_NE(library_, nullptr);
-    const auto find = [&](const char* name, auto& function) {
-      function =
-          reinterpret_cast<std::decay_t<decltype(function)>>(platform::find_export(library_, name));
-      ASSERT_NE(function, nullptr) << name;
-    };
-    find("kv_polarization_processor_module_initialize", initialize_);
-    find("kv_polarization_processor_create_polarization_processor", create_);
+    ASSERT_NE(initialize_, nullptr);
+    ASSERT_NE(create_, nullptr);
     EXPECT_FALSE(loaded("kevrinth_qrm_logger"));
   }
 
@@ -37,8 +31,12 @@ class LibraryFile : public testing::Test {
   }
 
   platform::LibraryHandle library_ = platform::load_library(PROCESSOR_LIBRARY);
-  decltype(&kv_polarization_processor_module_initialize) initialize_;
-  decltype(&kv_polarization_processor_create_polarization_processor) create_;
+  decltype(&kv_polarization_processor_module_initialize) initialize_ =
+      platform::find_function<decltype(initialize_)>(library_,
+                                                     "kv_polarization_processor_module_initialize");
+  decltype(&kv_polarization_processor_create_polarization_processor) create_ =
+      platform::find_function<decltype(create_)>(
+          library_, "kv_polarization_processor_create_polarization_processor");
 };
 
 TEST_F(LibraryFile, IsUnloadedWithoutATerminate) {
