@@ -1,11 +1,18 @@
 #pragma once
 
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "toolkit/error_of.h"
 #include "toolkit/temporary_folder.h"
+
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#endif
 
 using Names = std::vector<std::string>;
 
@@ -15,18 +22,40 @@ struct ToolResult {
   std::string error;
 
   /// Lines on the error stream.
-  std::size_t complaints() const;
+  auto complaints() const { return std::count(error.begin(), error.end(), '\n'); }
 };
 
 /// The built tool and a folder that it works in.
 class Tool {
  public:
-  explicit Tool(std::string program = KV_TOOL_PATH) : program_(std::move(program)) {}
+  explicit Tool(std::filesystem::path program = KV_TOOL_PATH) : program_(std::move(program)) {}
 
   /// Runs kv-polarize with these arguments of a command line; a POSIX shell can run commands before
   /// and behind it.
   ToolResult run(const std::string& arguments, const std::string& before = "",
-                 const std::string& behind = "") const;
+                 const std::string& behind = "") const {
+    const auto quoted = [](const std::filesystem::path& path) {
+      return "\"" + path.string() + "\"";
+    };
+    const auto text_of = [](const std::filesystem::path& path) {
+      std::string text = content_of(path);
+      std::erase(text, '\r');
+      return text;
+    };
+    const auto out = streams_ / "out";
+    const auto error = streams_ / "error";
+    const std::string place = quoted(path(""));
+    const std::string command = before + quoted(program_) + " " + arguments + " >" + quoted(out) +
+                                " 2>" + quoted(error) + behind;
+#if defined(_WIN32)
+    // cmd.exe takes the outermost quotes of a command away.
+    const int status = std::system(("\"cd /d " + place + " && " + command + "\"").c_str());
+#else
+    const int result = std::system(("cd " + place + "; " + command).c_str());
+    const int status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+#endif
+    return {status, text_of(out), text_of(error)};
+  }
 
   std::filesystem::path path(const std::string& name) const { return folder_ / name; }
   void write(const std::string& name, const std::string& content) const {
@@ -38,7 +67,7 @@ class Tool {
   Names files_in(const std::string& name) const { return names_in(path(name)); }
 
  private:
-  std::string program_;
+  std::filesystem::path program_;
   TemporaryFolder folder_;
   TemporaryFolder streams_;
 };

@@ -48,48 +48,44 @@ std::string png_file(const PngKind& kind) {
 /// Values of a TIFF page's fields, by their tags.
 using TiffPage = std::map<std::uint16_t, std::vector<std::uint32_t>>;
 
+/// Where a TIFF's samples begin, behind the largest of its pages' directories.
+constexpr std::uint32_t kSamples = 4096;
+
 /// A page of 4 x 2 samples in one strip, with other fields in place of the plain ones.
-TiffPage tiff_page(int bits, TiffPage fields = {}) {
+TiffPage tiff_page(std::uint32_t bits, TiffPage fields = {}) {
   fields.merge(TiffPage{{TIFFTAG_IMAGEWIDTH, {4}},
                         {TIFFTAG_IMAGELENGTH, {2}},
-                        {TIFFTAG_BITSPERSAMPLE, {static_cast<std::uint32_t>(bits)}},
+                        {TIFFTAG_BITSPERSAMPLE, {bits}},
                         {TIFFTAG_PHOTOMETRIC, {PHOTOMETRIC_MINISBLACK}},
-                        {TIFFTAG_STRIPOFFSETS, {0}},
-                        {TIFFTAG_STRIPBYTECOUNTS, {static_cast<std::uint32_t>(bits)}}});
+                        {TIFFTAG_STRIPOFFSETS, {kSamples}},
+                        {TIFFTAG_STRIPBYTECOUNTS, {bits}}});
   return fields;
 }
 
-/// A TIFF put together by hand: the pages' directories, and behind them the samples, from whose
-/// start offsets of strips and tiles count.
-std::string tiff_file(const std::vector<TiffPage>& pages, const std::string& samples,
-                      bool big_endian = false) {
+/// A TIFF put together by hand.
+std::string tiff_file(const std::vector<TiffPage>& pages,
+                      const std::string& samples = "abcdefghijklmnop", bool big_endian = false) {
   const auto number = [big_endian](std::size_t size, std::size_t value) {
     std::string bytes;
     for (std::size_t i = 0; i < size; ++i) bytes += static_cast<char>(value >> 8 * i);
     if (big_endian) std::reverse(bytes.begin(), bytes.end());
     return bytes;
   };
-  std::size_t samples_start = 8;
-  for (const TiffPage& page : pages) {
-    samples_start += 6 + 12 * page.size();
-    for (const auto& field : page) samples_start += field.second.size() * 4;
-  }
   std::string file = (big_endian ? "MM" : "II") + number(2, 42) + number(4, 8);
   for (const TiffPage& page : pages) {
     const std::size_t arrays_start = file.size() + 6 + 12 * page.size();
     std::string fields;
     std::string arrays;
     for (const auto& [tag, values] : page) {
-      const bool are_offsets = tag == TIFFTAG_STRIPOFFSETS || tag == TIFFTAG_TILEOFFSETS;
       const std::size_t array = arrays_start + arrays.size();
-      for (const auto value : values)
-        arrays += number(4, value + (are_offsets ? samples_start : 0));
+      for (const auto value : values) arrays += number(4, value);
       fields += number(2, tag) + number(2, TIFF_LONG) + number(4, values.size()) +
-                (values.size() > 1 ? number(4, array) : arrays.substr(arrays.size() - 4));
+                number(4, values.size() > 1 ? array : values[0]);
     }
     const std::size_t next = &page == &pages.back() ? 0 : arrays_start + arrays.size();
     file += number(2, page.size()) + fields + number(4, next) + arrays;
   }
+  file.resize(kSamples);
   return file + samples;
 }
 
@@ -99,8 +95,8 @@ class ForeignImages : public testing::Test {
     write_content(path_, content);
     return kv::open_frames(path_, std::nullopt)->read(0);
   }
-  std::string refusal_of(const std::string& content) const {
-    return error_of([&] { read(content); });
+  void expect_refusal(const std::string& content, const std::string& part) const {
+    EXPECT_PRED2(contains, error_of([&] { read(content); }), part) << content.size();
   }
 
   TemporaryFolder folder_;
@@ -108,61 +104,58 @@ class ForeignImages : public testing::Test {
 };
 
 TEST_F(ForeignImages, AreReadHoweverTheyAreStored) {
-  EXPECT_EQ(read(png_file({})).samples, (Samples{'a', 'b', 'c', 'd'}));
-  EXPECT_EQ(read(png_file({.height = 1, .bits = 16, .rows = {0, 1, 2, 3, 4}})).samples,
-            (Samples{0x0102, 0x0304}));
-  EXPECT_EQ(read(png_file({.height = 1, .interlace = 1, .rows = {0, 'a', 0, 'b'}})).samples,
-            (Samples{'a', 'b'}));
-  const std::string bytes = "abcdefghijklmnop";
-  for (const int photometric : {PHOTOMETRIC_MINISBLACK, int{PHOTOMETRIC_CFA}}) {
-    const auto kind = static_cast<std::uint32_t>(photometric);
-    EXPECT_EQ(read(tiff_file({tiff_page(8, {{TIFFTAG_PHOTOMETRIC, {kind}}})}, bytes)).samples,
-              (Samples{'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h'}));
-  }
-  for (const bool big_endian : {false, true}) {
-    const Samples samples = read(tiff_file({tiff_page(16)}, bytes, big_endian)).samples;
-    EXPECT_EQ(samples[0], big_endian ? 'a' * 256 + 'b' : 'a' + 'b' * 256);
-    EXPECT_EQ(samples[7], big_endian ? 'o' * 256 + 'p' : 'o' + 'p' * 256);
-  }
+  const std::string words("\1\2\3\4\5\6\7\10\11\12\13\14\15\16\17\20", 16);
+  const Samples letters = {'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h'};
+  const std::pair<std::string, Samples> cases[] = {
+      {png_file({}), {'a', 'b', 'c', 'd'}},
+      {png_file({.height = 1, .bits = 16, .rows = {0, 1, 2, 3, 4}}), {0x0102, 0x0304}},
+      {png_file({.height = 1, .interlace = 1, .rows = {0, 'a', 0, 'b'}}), {'a', 'b'}},
+      {tiff_file({tiff_page(8)}), letters},
+      {tiff_file({tiff_page(8, {{TIFFTAG_PHOTOMETRIC, {PHOTOMETRIC_CFA}}})}), letters},
+      {tiff_file({tiff_page(16)}, words),
+       {0x0201, 0x0403, 0x0605, 0x0807, 0x0A09, 0x0C0B, 0x0E0D, 0x100F}},
+      {tiff_file({tiff_page(16)}, words, true),
+       {0x0102, 0x0304, 0x0506, 0x0708, 0x090A, 0x0B0C, 0x0D0E, 0x0F10}},
+  };
+  for (const auto& [content, samples] : cases) EXPECT_EQ(read(content).samples, samples);
 }
 
-// 20 x 18 pixels in tiles of 16 x 16, each filled with a letter but for its first column and row.
+// 20 x 18 pixels in tiles of 16 x 16.
 TEST_F(ForeignImages, TilesArePutTogether) {
+  const auto byte_at = [](int row, int column) { return 7 * row + 3 * column; };
   for (const std::uint32_t bytes : {1u, 2u}) {
-    std::string samples;
-    for (const char letter : {'a', 'b', 'c', 'd'}) {
-      for (int i = 0; i < 256; ++i) {
-        const char sample = i < 16 ? 'T' : i % 16 == 0 ? 'L' : letter;
-        samples += std::string(bytes, sample);
-      }
+    std::string tiles;
+    for (int i = 0; i < 4 * 256; ++i) {
+      const int row = i / 512 * 16 + i / 16 % 16;
+      const int column = i / 256 % 2 * 16 + i % 16;
+      tiles += std::string(bytes, static_cast<char>(byte_at(row, column)));
     }
-    TiffPage page = tiff_page(static_cast<int>(8 * bytes),
-                              {{TIFFTAG_IMAGEWIDTH, {20}},
-                               {TIFFTAG_IMAGELENGTH, {18}},
-                               {TIFFTAG_TILEWIDTH, {16}},
-                               {TIFFTAG_TILELENGTH, {16}},
-                               {TIFFTAG_TILEOFFSETS, {0, 256 * bytes, 512 * bytes, 768 * bytes}},
-                               {TIFFTAG_TILEBYTECOUNTS, std::vector(4, 256 * bytes)}});
+    TiffPage page = tiff_page(8 * bytes, {{TIFFTAG_IMAGEWIDTH, {20}},
+                                          {TIFFTAG_IMAGELENGTH, {18}},
+                                          {TIFFTAG_TILEWIDTH, {16}},
+                                          {TIFFTAG_TILELENGTH, {16}},
+                                          {TIFFTAG_TILEBYTECOUNTS, std::vector(4, 256 * bytes)}});
+    for (std::uint32_t i = 0; i < 4; ++i) {
+      page[TIFFTAG_TILEOFFSETS].push_back(kSamples + i * 256 * bytes);
+    }
     page.erase(TIFFTAG_STRIPOFFSETS);
     page.erase(TIFFTAG_STRIPBYTECOUNTS);
-    const std::string file = tiff_file({page}, samples);
-    std::string found;
-    for (const std::uint16_t sample : read(file).samples) found += static_cast<char>(sample);
-    std::string expected = std::string(20, 'T');
-    for (int row = 1; row < 16; ++row) expected += "L" + std::string(15, 'a') + "Lbbb";
-    expected += std::string(20, 'T') + "L" + std::string(15, 'c') + "Lddd";
-    EXPECT_EQ(found, expected);
-    EXPECT_PRED2(contains, refusal_of(file.substr(0, file.size() - 1)), "damaged or truncated");
+    const std::string file = tiff_file({page}, tiles);
+    Samples expected;
+    for (int i = 0; i < 18 * 20; ++i) {
+      const int byte = byte_at(i / 20, i % 20);
+      expected.push_back(static_cast<std::uint16_t>(bytes == 1 ? byte : 257 * byte));
+    }
+    EXPECT_EQ(read(file).samples, expected);
+    expect_refusal(file.substr(0, file.size() - 1), "damaged or truncated");
   }
 }
 
 TEST_F(ForeignImages, EveryTiffPageIsAFrame) {
-  write_content(
-      path_,
-      tiff_file({tiff_page(8), tiff_page(8, {{TIFFTAG_SAMPLESPERPIXEL, {3}}}),
-                 tiff_page(16, {{TIFFTAG_MAXSAMPLEVALUE, {1023}}}),
-                 tiff_page(8, {{TIFFTAG_STRIPOFFSETS, {8}}, {TIFFTAG_MAXSAMPLEVALUE, {4095}}})},
-                "abcdefghijklmnop"));
+  write_content(path_, tiff_file({tiff_page(8), tiff_page(8, {{TIFFTAG_SAMPLESPERPIXEL, {3}}}),
+                                  tiff_page(16, {{TIFFTAG_MAXSAMPLEVALUE, {1023}}}),
+                                  tiff_page(8, {{TIFFTAG_STRIPOFFSETS, {kSamples + 8}},
+                                                {TIFFTAG_MAXSAMPLEVALUE, {4095}}})}));
   const auto reader = kv::open_frames(path_, std::nullopt);
   ASSERT_EQ(reader->count(), 4u);
   EXPECT_EQ(reader->read(2).bit_depth, 10);
@@ -173,16 +166,16 @@ TEST_F(ForeignImages, EveryTiffPageIsAFrame) {
 }
 
 TEST_F(ForeignImages, OfOtherKindsAreRefusedWithTheirKind) {
+  // In 32 bits the products of the large sides would pass for the size of a frame.
   const std::pair<PngKind, const char*> pngs[] = {
       {{.color = PNG_COLOR_TYPE_RGB}, "RGB colour of 8"},
       {{.bits = 16, .color = PNG_COLOR_TYPE_RGBA}, "RGB colour of 16"},
       {{.color = PNG_COLOR_TYPE_PALETTE}, "palette"},
       {{.color = PNG_COLOR_TYPE_GRAY_ALPHA}, "alpha"},
       {{.bits = 4}, "grey of 4 bits"},
-      // In 32 bits the product of the sides would pass for the size of a frame.
       {{.width = 65536, .height = 65537}, "65536 x 65537 is out of range"},
   };
-  for (const auto& [kind, part] : pngs) EXPECT_PRED2(contains, refusal_of(png_file(kind)), part);
+  for (const auto& [kind, part] : pngs) expect_refusal(png_file(kind), part);
   const std::pair<TiffPage, const char*> tiffs[] = {
       {tiff_page(8, {{TIFFTAG_PHOTOMETRIC, {PHOTOMETRIC_PALETTE}},
                      {TIFFTAG_COLORMAP, std::vector<std::uint32_t>(768)}}),
@@ -194,21 +187,19 @@ TEST_F(ForeignImages, OfOtherKindsAreRefusedWithTheirKind) {
       {tiff_page(8, {{TIFFTAG_IMAGEWIDTH, {65537}}, {TIFFTAG_IMAGELENGTH, {65536}}}),
        "65537 x 65536 is out of range"},
   };
-  for (const auto& [page, part] : tiffs) {
-    EXPECT_PRED2(contains, refusal_of(tiff_file({page}, std::string(32, 'x'))), part);
-  }
+  for (const auto& [page, part] : tiffs) expect_refusal(tiff_file({page}), part);
 }
 
 TEST_F(ForeignImages, CutAnywhereAreRefused) {
   const std::string tiff = tiff_file({tiff_page(8)}, "abcdefgh");
   for (const std::string& whole : {png_file({}), tiff}) {
     for (std::size_t size = 8; size < whole.size(); ++size) {
-      EXPECT_PRED2(contains, refusal_of(whole.substr(0, size)), "damaged or truncated") << size;
+      expect_refusal(whole.substr(0, size), "damaged or truncated");
     }
   }
   std::string lost_page = tiff;
-  lost_page[8 + 2 + 6 * 12] = '\x7F';  // a second page is announced, beyond the end of the file
-  EXPECT_PRED2(contains, refusal_of(lost_page), "damaged or truncated");
+  lost_page[8 + 2 + 6 * 12 + 2] = '\x7F';  // a second page is announced, beyond the end
+  expect_refusal(lost_page, "damaged or truncated");
 }
 
 TEST_F(ForeignImages, NormalizedStokesIsAnOrdinaryFloatTiff) {
@@ -217,16 +208,15 @@ TEST_F(ForeignImages, NormalizedStokesIsAnOrdinaryFloatTiff) {
   written(path_, [&](auto& file) { kv::write_float_pairs(file, 2, 2, pairs); });
   TIFF* tiff = TIFFOpen(path_.string().c_str(), "r");
   ASSERT_NE(tiff, nullptr);
-  for (const auto& [tag, value] :
-       {std::pair{TIFFTAG_SAMPLESPERPIXEL, 2}, {TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP}}) {
-    std::uint16_t found = 0;
-    TIFFGetField(tiff, static_cast<ttag_t>(tag), &found);
-    EXPECT_EQ(found, value);
-  }
+  std::uint16_t channels = 0;
+  std::uint16_t format = 0;
+  TIFFGetField(tiff, TIFFTAG_SAMPLESPERPIXEL, &channels);
+  TIFFGetField(tiff, TIFFTAG_SAMPLEFORMAT, &format);
   std::vector<float> back(8);
-  TIFFReadScanline(tiff, back.data(), 0, 0);
-  TIFFReadScanline(tiff, back.data() + 4, 1, 0);
+  for (std::uint32_t row : {0u, 1u}) TIFFReadScanline(tiff, back.data() + 4 * row, row, 0);
   TIFFClose(tiff);
+  EXPECT_EQ(channels, 2);
+  EXPECT_EQ(format, SAMPLEFORMAT_IEEEFP);
   EXPECT_EQ(back, pairs);
 }
 

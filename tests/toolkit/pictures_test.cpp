@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
+#include <algorithm>
 
 #include "toolkit/pictures/legend.h"
 
@@ -12,13 +12,13 @@ namespace {
 kv::Planes uniform_planes(double degrees, double dolp, int output_max, int width = 8,
                           int height = 6) {
   kv::Planes planes;
-  planes.width = width;
-  planes.height = height;
-  planes.levels(kv::Plane::azimuth)
-      .assign(kv::pixel_count(width, height),
-              static_cast<std::uint16_t>((degrees + 90) / 180 * output_max + 0.5));
-  planes.levels(kv::Plane::dolp)
-      .assign(kv::pixel_count(width, height), static_cast<std::uint16_t>(dolp * output_max + 0.5));
+  planes.make_room(kv::make_frame(width, height, 16), kv::OutputSet::all());
+  for (auto& level : planes.levels(kv::Plane::azimuth)) {
+    level = static_cast<std::uint16_t>((degrees + 90) / 180 * output_max + 0.5);
+  }
+  for (auto& level : planes.levels(kv::Plane::dolp)) {
+    level = static_cast<std::uint16_t>(dolp * output_max + 0.5);
+  }
   planes.levels(kv::Plane::dolp).back() = 0;
   return planes;
 }
@@ -30,36 +30,29 @@ void expect_colour(kv::Picture& picture, int column, int row, const kv::Colour& 
   }
 }
 
-TEST(AnglePicture, GoesOnceRoundTheHuesIn180Degrees) {
-  const std::pair<double, kv::Colour> cases[] = {
-      {0, {255, 0, 0}},    {30, {255, 255, 0}},  {45, {128, 255, 0}},  {60, {0, 255, 0}},
-      {90, {0, 255, 255}}, {-90, {0, 255, 255}}, {-45, {128, 0, 255}}, {-60, {0, 0, 255}},
+// The hues go round once in 180 degrees. DoLP is the brightness of both pictures.
+TEST(Pictures, ShowTheAngleAsHueAndDolpUpToWhite) {
+  struct Case {
+    double degrees, dolp, white;
+    kv::Colour colour;
+  };
+  const Case cases[] = {
+      {0, 1, 1, {255, 0, 0}},     {30, 1, 1, {255, 255, 0}},   {45, 1, 1, {128, 255, 0}},
+      {60, 1, 1, {0, 255, 0}},    {90, 1, 1, {0, 255, 255}},   {-90, 1, 1, {0, 255, 255}},
+      {-45, 1, 1, {128, 0, 255}}, {-60, 1, 1, {0, 0, 255}},    {0, 0, 1, {0, 0, 0}},
+      {0, 0.4, 1, {102, 0, 0}},   {60, 0.4, 0.5, {0, 204, 0}}, {0, 0.9, 0.5, {255, 0, 0}},
   };
   for (const std::uint16_t output_max : {std::uint16_t{65535}, std::uint16_t{4095}}) {
-    for (const auto& [degrees, colour] : cases) {
-      SCOPED_TRACE(std::to_string(degrees) + " degrees");
-      auto picture = kv::angle_picture(uniform_planes(degrees, 1, output_max), output_max, 1);
-      expect_colour(picture, 3, 5, colour);
-      expect_colour(picture, 7, 5, {0, 0, 0});
-    }
-  }
-}
-
-TEST(PicturesOfDolp, AreLinearUpToWhite) {
-  struct Case {
-    double dolp, white;
-    int level;
-  };
-  for (const Case& c : {Case{0, 1, 0}, Case{0.4, 1, 102}, Case{0.4, 0.5, 204}, Case{1, 1, 255},
-                        Case{0.9, 0.5, 255}}) {
-    for (const std::uint16_t output_max : {std::uint16_t{65535}, std::uint16_t{1000}}) {
-      const auto planes = uniform_planes(0, c.dolp, output_max);
-      auto dolp = kv::dolp_picture(planes, output_max, c.white);
-      ASSERT_EQ(dolp.bytes.size(), 48u);
-      EXPECT_NEAR(dolp.pixel(7, 4)[0], c.level, 1) << c.dolp << " of " << c.white;
-      EXPECT_EQ(dolp.pixel(7, 5)[0], 0);
-      auto angle = kv::angle_picture(planes, output_max, c.white);
-      expect_colour(angle, 7, 4, {static_cast<std::uint8_t>(c.level), 0, 0});
+    for (const auto& [degrees, dolp, white, colour] : cases) {
+      SCOPED_TRACE(testing::Message() << degrees << " degrees, DoLP " << dolp << " of " << white);
+      const auto planes = uniform_planes(degrees, dolp, output_max);
+      auto angle_picture = kv::angle_picture(planes, output_max, white);
+      expect_colour(angle_picture, 7, 4, colour);
+      expect_colour(angle_picture, 7, 5, {0, 0, 0});
+      auto dolp_picture = kv::dolp_picture(planes, output_max, white);
+      ASSERT_EQ(dolp_picture.bytes.size(), 48u);
+      EXPECT_NEAR(dolp_picture.pixel(7, 4)[0], std::ranges::max(colour), 1);
+      EXPECT_EQ(dolp_picture.pixel(7, 5)[0], 0);
     }
   }
 }
@@ -98,8 +91,7 @@ TEST(AngleLegend, HasTheHuesAndTheLabelsAtTheirAngles) {
 }
 
 TEST(AngleLegend, IsAQuarterOfTheHeightWhereItCanBeRead) {
-  for (const auto& [height, width] :
-       {std::pair{383, 0}, {384, 96}, {1000, 250}, {2400, 600}, {9000, 600}}) {
+  for (const auto& [height, width] : {std::pair{383, 0}, {384, 96}, {9000, 600}}) {
     EXPECT_EQ(kv::angle_legend_width(height), width) << height;
   }
 }

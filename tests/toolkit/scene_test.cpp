@@ -32,54 +32,50 @@ TEST(Scene, AgreesWithMuellerCalculus) {
   const kv::Scene scene(400, 300);
   for (const auto& [column, row, light] : points) {
     const kv::Stokes seen = scene.at(column, row);
-    EXPECT_NEAR(seen.s0, light.s0, 1e-5) << column << ", " << row;
-    EXPECT_NEAR(seen.s1, light.s1, 1e-5) << column << ", " << row;
-    EXPECT_NEAR(seen.s2, light.s2, 1e-5) << column << ", " << row;
+    EXPECT_LT(std::hypot(seen.s0 - light.s0, seen.s1 - light.s1, seen.s2 - light.s2), 2e-5)
+        << column << ", " << row;
   }
 }
 
-// In the middle of the 0 and 45 degree discs the polarizers pass (s0 +- s1) / 2 and (s0 +- s2) / 2:
-// 0.665, 0.35 and 0.035, then 0.63, 0.35 and 0.07 of full scale.
+// In the middle of the 0 and 45 degree discs the polarizers pass (s0 +- s1) / 2 and (s0 +- s2) / 2.
 TEST(MosaicCamera, PutsThePolarizersBehindThePixelsOfThePhase) {
   struct Case {
     int phase, column;
-    int levels[4];  // top left, top right, bottom left, bottom right; 16 bits
+    double passed[4];  // top left, top right, bottom left, bottom right
   };
-  const Case cases[] = {{kv_polar_phase_0, 80, {43581, 22937, 22937, 2294}},
-                        {kv_polar_phase_0, 160, {22937, 4587, 41287, 22937}},
-                        {kv_polar_phase_45, 160, {41287, 22937, 22937, 4587}},
-                        {kv_polar_phase_90, 80, {2294, 22937, 22937, 43581}},
-                        {kv_polar_phase_135, 160, {4587, 22937, 22937, 41287}}};
+  const Case cases[] = {{kv_polar_phase_0, 80, {0.665, 0.35, 0.35, 0.035}},
+                        {kv_polar_phase_0, 160, {0.35, 0.07, 0.63, 0.35}},
+                        {kv_polar_phase_45, 160, {0.63, 0.35, 0.35, 0.07}},
+                        {kv_polar_phase_90, 80, {0.035, 0.35, 0.35, 0.665}},
+                        {kv_polar_phase_135, 160, {0.07, 0.35, 0.35, 0.63}}};
   const kv::Scene scene(400, 300);
-  for (const Case& c : cases) {
+  for (const auto& [phase, column, passed] : cases) {
     for (const int bit_depth : {16, 10}) {
-      const kv::Frame frame = kv::photograph(
-          scene, 400, 300, {.phase = c.phase, .bit_depth = bit_depth, .noise = false});
+      const kv::Frame frame =
+          kv::photograph(scene, 400, 300, {.phase = phase, .bit_depth = bit_depth, .noise = false});
       EXPECT_EQ(frame.bit_depth, bit_depth);
       for (int i = 0; i < 4; ++i) {
-        const auto index = static_cast<std::size_t>((264 + i / 2) * 400 + c.column + i % 2);
-        EXPECT_NEAR(frame.samples[index], c.levels[i] / 65535.0 * ((1 << bit_depth) - 1), 0.5)
-            << "phase " << c.phase << ", pixel " << i;
+        const auto index = static_cast<std::size_t>((264 + i / 2) * 400 + column + i % 2);
+        EXPECT_NEAR(frame.samples[index], passed[i] * ((1 << bit_depth) - 1), 0.5)
+            << "phase " << phase << ", pixel " << i;
       }
     }
   }
 }
 
-TEST(MosaicCamera, SameSeedSameFrameAndNoiseOfTheRightSize) {
+// In electrons the variance is the signal and the square of the read noise, 2.5. What the seed does
+// shows in the tool's frames.
+TEST(MosaicCamera, NoiseIsOfTheRightSizeAndIndependent) {
   const kv::Scene scene(200, 150);
-  const kv::Frame first = kv::photograph(scene, 200, 150, {});
-  EXPECT_EQ(kv::photograph(scene, 200, 150, {.seed = 1}).samples, first.samples);
-  EXPECT_NE(kv::photograph(scene, 200, 150, {.seed = 2}).samples, first.samples);
+  const kv::Frame noisy = kv::photograph(scene, 200, 150, {});
   const kv::Frame clean = kv::photograph(scene, 200, 150, {.noise = false});
-
-  // In electrons the variance is the signal and the square of the read noise, 2.5.
   double sum = 0;
   double squares = 0;
   double products_of_neighbours = 0;
   double previous = 0;
   for (std::size_t i = 0; i < clean.samples.size(); ++i) {
     const double electrons = clean.samples[i] * 10500.0 / 65535;
-    const double noise = (first.samples[i] - clean.samples[i]) * 10500.0 / 65535;
+    const double noise = noisy.samples[i] * 10500.0 / 65535 - electrons;
     const double in_deviations = noise / std::sqrt(electrons + 6.25);
     sum += in_deviations;
     squares += in_deviations * in_deviations;
