@@ -71,7 +71,7 @@ std::optional<std::string> known_tier() {
 TEST(CpuFeatures, OfThisProcessorDecideOnTheModuleOfItsFrames) {
   const auto known = known_tier();
   if (!known) GTEST_SKIP() << "this system does not tell what its processor has";
-  const FakePlatform platform({{"logger", Fault::missing}});
+  set_platform({{"logger", Fault::missing}});
   const Processor processor;
   take_events();
   transform_small_frame(processor.handle());

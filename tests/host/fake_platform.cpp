@@ -1,7 +1,5 @@
 #include "fake_platform.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
@@ -112,15 +110,11 @@ Companion* find(const char* exported_name) {
 
 }  // namespace
 
-FakePlatform::FakePlatform(const Faults& of_companions, const Counter& of_platform) {
+void set_platform(const Faults& of_companions, const Counter& of_platform) {
   event_count = 0;
   counter_reads = 0;
   faults = of_companions;
   counter = of_platform;
-}
-
-FakePlatform::~FakePlatform() {
-  EXPECT_EQ(destroy(nullptr), kv_status_not_initialized) << "the module is left initialised";
 }
 
 Events take_events() {

@@ -45,21 +45,18 @@ inline Events operator+(Events first, const Events& second) {
 /// What companions were loaded, asked and unloaded since the last look.
 Events take_events();
 
-/// The platform as it is for the length of a scope, at whose end the module has to be closed.
-struct FakePlatform {
-  explicit FakePlatform(const Faults& faults = {}, const Counter& counter = {});
-  ~FakePlatform();
-  FakePlatform(const FakePlatform&) = delete;
-};
+/// What the platform is from here on.
+void set_platform(const Faults& faults = {}, const Counter& counter = {});
 
-/// The same with the module initialised.
-struct OpenModule : FakePlatform {
-  explicit OpenModule(const Faults& faults = {}, const Counter& counter = {})
-      : FakePlatform(faults, counter) {
+/// A platform and the module initialised on it, for the length of a scope.
+struct OpenModule {
+  explicit OpenModule(const Faults& faults = {}, const Counter& counter = {}) {
+    set_platform(faults, counter);
     initialize();
     take_events();
   }
   ~OpenModule() { terminate(); }
+  OpenModule(const OpenModule&) = delete;
 };
 
 /// The same with a processor whose tier does not come from the machine.

@@ -1,8 +1,10 @@
 // The two levels of life, the module, which counts, and processors, which outlive it: the status of
-// each call, and what companions see of it.
+// each call, and what companions see of it. Then many lives at once.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
+#include <thread>
 
 #include "fake_platform.h"
 
@@ -61,8 +63,7 @@ const std::vector<std::vector<Step>> kStory{
 
 TEST(Lifecycle, StatusAndEventsOfEachStep) {
   // Modules that come and go, and get no frame whatever the processor.
-  const FakePlatform platform(
-      {{"initialize avx512", Fault::fails}, {"initialize avx2", Fault::fails}});
+  set_platform({{"initialize avx512", Fault::fails}, {"initialize avx2", Fault::fails}});
   PolarizationProcessor* handle = nullptr;
   for (std::size_t chapter = 0; chapter < kStory.size(); ++chapter) {
     for (std::size_t step = 0; step < kStory[chapter].size(); ++step) {
@@ -74,6 +75,33 @@ TEST(Lifecycle, StatusAndEventsOfEachStep) {
       EXPECT_TRUE(status == ok || handle == before);
     }
   }
+}
+
+// The thread sanitizer makes more of it.
+TEST(Threads, ShareAProcessorAndLiveLivesOfTheirOwn) {
+  ProcessorOfTier shared(CpuTier::baseline,
+                         {{"initialize avx512", Fault::fails}, {"avx2", Fault::missing}});
+  // An unpolarized frame becomes a plane of zeros.
+  const std::vector<std::uint16_t> samples(37 * 9, 1000), zeros(37 * 9, 0);
+  const auto live = [&] {
+    for (int i = 0; i < 20; ++i) {
+      const Processor own;
+      for (PolarizationProcessor* const handle : {own.handle(), &shared.processor}) {
+        std::vector<std::uint16_t> dolp(37 * 9, 7);
+        transform(handle, {.input = samples.data(), .width = 37, .height = 9, .dolp = dolp.data()});
+        EXPECT_EQ(dolp, zeros);
+      }
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) threads.emplace_back(live);
+  for (std::thread& thread : threads) thread.join();
+
+  Events events = take_events();
+  EXPECT_EQ(std::ranges::count(events, "terminate avx512"), 80);
+  EXPECT_EQ(std::erase_if(events, [](const auto& event) { return event.starts_with("qrm_log 7"); }),
+            160);
+  EXPECT_EQ(events.size(), 320u) << "no logger comes or goes";
 }
 
 }  // namespace

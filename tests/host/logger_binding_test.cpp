@@ -10,29 +10,29 @@ namespace kv::test {
 namespace {
 
 struct Situation {
-  Faults faults;
+  const char* faulty;
+  Fault fault;
   Events of_initialize;
   Events of_transform;
   Events of_terminate;
 };
 
 const std::vector<Situation> kSituations{
-    {{{"logger", Fault::missing}}, {}, {}, {}},
-    {{{"qrm_get_log", Fault::missing}}, {kLoggerComes[0]}, {}, kLoggerGoes},
-    {{{"qrm_get_log", Fault::fails}}, kLoggerComes, {}, kLoggerGoes},
-    {{{"qrm_log", Fault::missing}}, kLoggerComes, {}, kLoggerGoes},
-    {{{"qrm_log", Fault::fails}}, kLoggerComes, kNullHandleToTransform, kLoggerGoes},
-    {{{"qrm_log", Fault::throws}}, kLoggerComes, kNullHandleToTransform, kLoggerGoes},
-    {{{"qrm_free_log", Fault::missing}}, kLoggerComes, kNullHandleToTransform, {kLoggerGoes[1]}},
+    {"logger", Fault::missing, {}, {}, {}},
+    {"qrm_get_log", Fault::missing, {kLoggerComes[0]}, {}, kLoggerGoes},
+    {"qrm_get_log", Fault::fails, kLoggerComes, {}, kLoggerGoes},
+    {"qrm_log", Fault::missing, kLoggerComes, {}, kLoggerGoes},
+    {"qrm_log", Fault::fails, kLoggerComes, kNullHandleToTransform, kLoggerGoes},
+    {"qrm_log", Fault::throws, kLoggerComes, kNullHandleToTransform, kLoggerGoes},
+    {"qrm_free_log", Fault::missing, kLoggerComes, kNullHandleToTransform, {kLoggerGoes[1]}},
     // The library of a logger that throws stays loaded: its code may still be on the stack.
-    {{{"qrm_free_log", Fault::throws}}, kLoggerComes, kNullHandleToTransform, {kLoggerGoes[0]}},
+    {"qrm_free_log", Fault::throws, kLoggerComes, kNullHandleToTransform, {kLoggerGoes[0]}},
 };
 
 TEST(LoggerBinding, CallsFromInitializeToTerminate) {
   for (const Situation& situation : kSituations) {
-    const auto& [name, fault] = *situation.faults.begin();
-    SCOPED_TRACE(testing::Message() << name << ", fault " << static_cast<int>(fault));
-    const FakePlatform platform(situation.faults);
+    SCOPED_TRACE(testing::Message() << situation.faulty << static_cast<int>(situation.fault));
+    set_platform({{situation.faulty, situation.fault}});
     EXPECT_EQ(initialize(), kv_status_ok);
     EXPECT_EQ(take_events(), situation.of_initialize);
     EXPECT_EQ(transform(nullptr, {.polar_phase = 4}), kv_status_null_handle);
@@ -44,7 +44,7 @@ TEST(LoggerBinding, CallsFromInitializeToTerminate) {
 
 // The one fault of a logger that reaches the caller. The module stays closed, and its lock taken.
 TEST(LoggerBinding, AnExceptionOfGetLogPassesOutOfInitialize) {
-  const FakePlatform platform({{"qrm_get_log", Fault::throws}});
+  set_platform({{"qrm_get_log", Fault::throws}});
   EXPECT_THROW(initialize(), Thrown);
   EXPECT_EQ(take_events(), kLoggerComes);
   EXPECT_EQ(destroy(nullptr), kv_status_not_initialized);
