@@ -1,7 +1,6 @@
 // Memory that runs out at each allocation of create and initialize.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <functional>

@@ -20,8 +20,7 @@ bool loaded(const char* stem) {
 class LibraryFile : public testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_NE(initialize_, nullptr);
-    ASSERT_NE(create_, nullptr);
+    ASSERT_TRUE(initialize_ != nullptr && create_ != nullptr);
     EXPECT_FALSE(loaded("kevrinth_qrm_logger"));
   }
 
