@@ -48,8 +48,9 @@ std::string png_file(const PngKind& kind) {
 /// Values of a TIFF page's fields, by their tags.
 using TiffPage = std::map<std::uint16_t, std::vector<std::uint32_t>>;
 
-/// Where a TIFF's samples begin, behind the largest of its pages' directories.
-constexpr std::uint32_t kSamples = 4096;
+/// Where a TIFF's samples begin, behind the directories of its pages. Those of a palette need more,
+/// but are not read.
+constexpr std::uint32_t kSamples = 384;
 
 /// A page of 4 x 2 samples in one strip, with other fields in place of the plain ones.
 TiffPage tiff_page(std::uint32_t bits, TiffPage fields = {}) {
@@ -78,14 +79,15 @@ std::string tiff_file(const std::vector<TiffPage>& pages,
     std::string arrays;
     for (const auto& [tag, values] : page) {
       const std::size_t array = arrays_start + arrays.size();
-      for (const auto value : values) arrays += number(4, value);
+      const bool is_array = values.size() > 1;
       fields += number(2, tag) + number(2, TIFF_LONG) + number(4, values.size()) +
-                number(4, values.size() > 1 ? array : values[0]);
+                number(4, is_array ? array : values[0]);
+      for (std::size_t i = 0; is_array && i < values.size(); ++i) arrays += number(4, values[i]);
     }
     const std::size_t next = &page == &pages.back() ? 0 : arrays_start + arrays.size();
     file += number(2, page.size()) + fields + number(4, next) + arrays;
   }
-  file.resize(kSamples);
+  file.resize(std::max<std::size_t>(file.size(), kSamples));
   return file + samples;
 }
 

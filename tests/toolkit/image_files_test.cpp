@@ -94,7 +94,7 @@ TEST_F(ImageFiles, WhatIsNoFrameIsRefusedWithItsFault) {
       {"P5 2 2 255\nabc", "truncated"},
       {"P5 2 2 256\nabcdefg", "truncated"},
       {"P5 2 5 255\nabcd", "only 4 bytes"},
-      {"P5 4294967295 4294967295 65535\nabcdefg", "truncated"},
+      {"P5 2147549185 4294836226 65535\nabcd", "truncated"},  // 4 bytes and 2^64
       {"P5 4294967296 2 255\nabcd", "too large"},
       {"P5 2 2 65536\nabcdefgh", "maxval is 65536"},
       {"P5 2 2 0\nabcd", "maxval is 0"},
@@ -138,9 +138,9 @@ TEST_F(ImageFiles, UnknownEndingsAreRefusedForWriting) {
 
 TEST(Frame, IsOfASizeThatASensorCanHave) {
   constexpr std::uint64_t most = std::uint64_t{1} << 28;
-  // The last one wraps around to 0 pixels in 64 bits.
+  // The last two wrap around to 0 pixels in 64 bits.
   const std::pair<std::uint64_t, std::uint64_t> sizes[] = {
-      {0, 2}, {2, 0}, {most / 2 + 1, 2}, {2, most / 2 + 1}, {most * 16, most * 16}};
+      {0, 2}, {2, 0}, {most / 2 + 1, 2}, {2, most / 2 + 1}, {most << 34, 4}, {4, most << 34}};
   for (const auto& size : sizes) {
     EXPECT_PRED2(contains, error_of([&] { kv::make_frame(size.first, size.second, 8); }),
                  "out of range");
