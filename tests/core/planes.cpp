@@ -41,7 +41,8 @@ bool Planes::untouched() const { return difference(*this, Planes(0), 1, OutputSe
 
 std::string difference(const Planes& actual, const Planes& expected, std::size_t width,
                        OutputSet wanted) {
-  for (const auto& [plane, name, element, source] : kPlanes) {
+  for (const PlaneTraits& traits : kPlanes) {
+    const Plane plane = traits.plane;
     const std::vector<unsigned char>& found = actual.bytes(plane);
     const std::vector<unsigned char> untouched(wanted.has(plane) ? 0 : found.size(), Planes::kFill);
     const std::vector<unsigned char>& right = wanted.has(plane) ? expected.bytes(plane) : untouched;
@@ -53,14 +54,14 @@ std::string difference(const Planes& actual, const Planes& expected, std::size_t
     const std::size_t place = offset - Planes::kGuard;  // Wraps around in the guard before.
     const std::size_t pixel = place / pixel_size(plane);
     const auto element_of = [&](const std::vector<unsigned char>& bytes) {
-      return element == PlaneElement::level ? value_at<std::uint16_t>(bytes, offset)
-                                            : value_at<float>(bytes, offset);
+      return traits.element == PlaneElement::level ? value_at<std::uint16_t>(bytes, offset)
+                                                   : value_at<float>(bytes, offset);
     };
     std::ostringstream text;
-    text << std::setprecision(9) << name << (wanted.has(plane) ? "" : ", which is not requested")
-         << ", byte " << static_cast<std::ptrdiff_t>(place) << ", row " << pixel / width
-         << ", column " << pixel % width << ": expected " << element_of(right) << ", actual "
-         << element_of(found);
+    text << std::setprecision(9) << traits.name
+         << (wanted.has(plane) ? "" : ", which is not requested") << ", byte "
+         << static_cast<std::ptrdiff_t>(place) << ", row " << pixel / width << ", column "
+         << pixel % width << ": expected " << element_of(right) << ", actual " << element_of(found);
     return text.str();
   }
   return {};

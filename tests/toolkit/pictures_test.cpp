@@ -9,8 +9,8 @@
 namespace {
 
 /// Planes of one angle and DoLP, but for the last pixel, which is unpolarized.
-kv::Planes uniform_planes(double degrees, double dolp, int output_max, int width = 8,
-                          int height = 6) {
+kv::Planes uniform_planes(double degrees, double dolp, int output_max, unsigned width = 8,
+                          unsigned height = 6) {
   kv::Planes planes;
   planes.make_room(kv::make_frame(width, height, 16), kv::OutputSet::all());
   for (auto& level : planes.levels(kv::Plane::azimuth)) {

@@ -87,8 +87,8 @@ TEST(Processor, FillsEveryPixelOfEveryPlaneAskedFor) {
   const kv::Processor processor;
   kv::Planes all;
   kv::Planes some;
-  for (const unsigned width : {2, 3, 4, 5, 7, 8, 9, 12, 21, 22}) {
-    for (const unsigned height : {2, 3, 4, 5, 6, 7, 10, 11}) {
+  for (const unsigned width : {2u, 3u, 4u, 5u, 7u, 8u, 9u, 12u, 21u, 22u}) {
+    for (const unsigned height : {2u, 3u, 4u, 5u, 6u, 7u, 10u, 11u}) {
       if (width < 4 && height > 2) continue;
       const kv::Frame frame = random_frame(width, height);
       for (int number = 1; number < 64; ++number) {
