@@ -127,7 +127,7 @@ Config parse_config(std::istream& lines, const std::string& name) {
 std::filesystem::path find_config(const std::filesystem::path& file_name) {
   std::filesystem::path path = file_name;
   if (path.is_relative()) {
-    const std::filesystem::path named = in_environment("KEVRINTH_QRM_LOGGER_CONFIG");
+    std::filesystem::path named = in_environment("KEVRINTH_QRM_LOGGER_CONFIG");
     if (!named.empty()) return named;
     const std::filesystem::path beside_library = platform::own_folder();
     // Of a library that was loaded by a relative path, nobody knows the folder any more.

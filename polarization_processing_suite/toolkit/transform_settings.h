@@ -20,9 +20,9 @@ struct TransformSettings {
 
 /// The phase whose first polarizer stands at 0, 45, 90 or 135 degrees; none for other angles.
 constexpr std::optional<PolarPhase> phase_at(int degrees) {
-  constexpr std::array<int, 4> kAngles = {0, 45, 90, 135};
+  constexpr std::array<int, 4> angles = {0, 45, 90, 135};
   for (PolarPhase phase = kv_polar_phase_0; phase <= kv_polar_phase_135; ++phase) {
-    if (kAngles[static_cast<std::size_t>(phase)] == degrees) return phase;
+    if (angles[static_cast<std::size_t>(phase)] == degrees) return phase;
   }
   return std::nullopt;
 }
