@@ -10,7 +10,7 @@ namespace kv {
 /// Where the neighbours of a pixel lie. The mosaic repeats every two samples, so the neighbour on
 /// the other side, taken at an edge of the frame, lies behind the same polarizer.
 enum class BoundaryShape {
-  interior,     ///< Neighbours to the right and below.
+  interior,     ///< Neighbours to the right and below. Kernels take these pixels as mosaic cells.
   right_edge,   ///< To the left and below.
   bottom_edge,  ///< To the right and above.
   corner        ///< To the left and above.

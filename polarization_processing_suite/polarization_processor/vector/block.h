@@ -13,7 +13,6 @@ namespace kv {
 ///   Vector                                                    four floats
 ///   RowSamples<Vector> load(const std::uint16_t* samples)     from samples[0] to samples[7]
 ///   void store(std::uint16_t* plane, Vector bounded)          rounded to four elements
-///   void store_pairs(float* pairs, Vector first, Vector second)   interleaved
 template <class Lanes, BlockAxes axes>
 class Block {
  public:
@@ -45,8 +44,8 @@ class Block {
 
     void store_ratios(const Stokes<Vector>& stokes) const {
       if (!pairs_stay) return;
-      Lanes::store_pairs(block.request_.normalized_stokes + pair_cursor, stokes.s1 / stokes.s0,
-                         stokes.s2 / stokes.s0);
+      store_pairs(block.request_.normalized_stokes + pair_cursor, stokes.s1 / stokes.s0,
+                  stokes.s2 / stokes.s0);
     }
     template <Plane plane>
     void store(Vector value) const {

@@ -59,5 +59,11 @@ inline __m128i rounded_words(Float4 bounded) {
   return _mm_xor_si128(_mm_packs_epi32(moved_down, moved_down), _mm_set1_epi16(-0x8000));
 }
 
+/// The lanes of both in turn: four pairs.
+inline void store_pairs(float* pairs, Float4 first, Float4 second) {
+  _mm_storeu_ps(pairs, _mm_unpacklo_ps(first.lanes, second.lanes));
+  _mm_storeu_ps(pairs + 4, _mm_unpackhi_ps(first.lanes, second.lanes));
+}
+
 }  // namespace
 }  // namespace kv

@@ -20,11 +20,6 @@ struct Sse2Lanes {
   static void store(std::uint16_t* plane, Float4 bounded) {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(plane), rounded_words(bounded));
   }
-
-  static void store_pairs(float* pairs, Float4 first, Float4 second) {
-    _mm_storeu_ps(pairs, _mm_unpacklo_ps(first.lanes, second.lanes));
-    _mm_storeu_ps(pairs + 4, _mm_unpackhi_ps(first.lanes, second.lanes));
-  }
 };
 
 struct Sse2Form {

@@ -24,11 +24,6 @@ struct Sse41Lanes {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(plane),
                      _mm_packus_epi32(values, _mm_setzero_si128()));
   }
-
-  static void store_pairs(float* pairs, Float4 first, Float4 second) {
-    _mm_storeu_ps(pairs, _mm_unpacklo_ps(first.lanes, second.lanes));
-    _mm_storeu_ps(pairs + 4, _mm_unpackhi_ps(first.lanes, second.lanes));
-  }
 };
 
 /// Four blocks at a time; fewer than that one by one.
