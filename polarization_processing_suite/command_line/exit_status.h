@@ -1,6 +1,6 @@
 #pragma once
 
-namespace kv {
+namespace kv::polarization {
 
 /// Exit status of the process, as the tool's help lists them.
 enum ExitStatus : int {
@@ -10,4 +10,4 @@ enum ExitStatus : int {
   exit_interrupted = 130,  ///< stopped by Ctrl-C, as shells count it
 };
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -6,7 +6,7 @@
 #include <thread>
 #include <utility>
 
-namespace kv {
+namespace kv::polarization {
 
 void FrameOutput::add(const std::filesystem::path& path, std::function<void(PendingFile&)> work) {
   files_.emplace_back(path);
@@ -33,4 +33,4 @@ void FrameOutput::write() {
   for (PendingFile& file : files_) file.publish();
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

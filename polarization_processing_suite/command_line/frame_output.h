@@ -7,7 +7,7 @@
 
 #include "toolkit/image_files/pending_file.h"
 
-namespace kv {
+namespace kv::polarization {
 
 /// The files of one frame. None appears before all of them are written.
 class FrameOutput {
@@ -24,4 +24,4 @@ class FrameOutput {
   std::vector<std::function<void(PendingFile&)>> work_;
 };
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -6,8 +6,10 @@
 #include "command_line/exit_status.h"
 #include "command_line/simulate_command.h"
 #include "command_line/transform_command.h"
+#include "kv/polarization/fault.h"
 #include "platform/process.h"
-#include "toolkit/error.h"
+
+using namespace kv::polarization;
 
 namespace {
 
@@ -59,17 +61,17 @@ std::vector<std::string> split_list(const std::string& list) {
 /// The names of all planes, as a sentence lists them.
 std::string plane_names() {
   std::string names;
-  for (const kv::PlaneTraits& traits : kv::kPlanes) {
+  for (const PlaneTraits& traits : kPlanes) {
     if (!names.empty()) names += ", ";
     names += traits.name;
   }
   return names;
 }
 
-kv::OutputSet parse_planes(const std::string& list) {
-  kv::OutputSet planes;
+OutputSet parse_planes(const std::string& list) {
+  OutputSet planes;
   for (const std::string& name : split_list(list)) {
-    const auto plane = kv::plane_named(name);
+    const auto plane = plane_named(name);
     if (!plane) {
       throw CLI::ValidationError(
           "--planes", "there is no plane '" + name + "'; the planes are " + plane_names());
@@ -80,12 +82,12 @@ kv::OutputSet parse_planes(const std::string& list) {
   return planes;
 }
 
-void parse_origin(const std::string& text, kv::TransformSettings& settings) {
+void parse_origin(const std::string& text, Mosaic& mosaic) {
   std::istringstream stream(text);
   char comma = 0;
-  stream >> settings.x_origin >> comma >> settings.y_origin;
+  stream >> mosaic.x_origin >> comma >> mosaic.y_origin;
   if (!stream || comma != ',' || stream.peek() != std::istringstream::traits_type::eof() ||
-      settings.x_origin < 0 || settings.y_origin < 0) {
+      mosaic.x_origin < 0 || mosaic.y_origin < 0) {
     throw CLI::ValidationError(
         "--origin", "'" + text + "' is not a column and a row from 0 up; write, for example, 0,1");
   }
@@ -125,7 +127,7 @@ class TransformCommand {
     add_phase(command_, phase_degrees_);
     command_
         .add_option_function<std::string>(
-            "--origin", [this](const std::string& text) { parse_origin(text, options_.settings); },
+            "--origin", [this](const std::string& text) { parse_origin(text, options_.mosaic); },
             "Column and row of the frame's first pixel on the sensor (default 0,0)")
         ->type_name("X,Y");
     command_
@@ -134,21 +136,19 @@ class TransformCommand {
                     "maximum sample value, else the 8 or 16 stored ones)")
         ->type_name("N")
         ->check(CLI::Range(1, 16));
-    command_
-        .add_option("--output-max", options_.settings.output_max, "Full scale of the 16-bit planes")
+    command_.add_option("--output-max", options_.output_max, "Full scale of the 16-bit planes")
         ->type_name("N")
         ->check(CLI::Range(1, 65535))
         ->capture_default_str();
     command_
         .add_option_function<std::string>(
-            "--planes",
-            [this](const std::string& list) { options_.settings.planes = parse_planes(list); },
+            "--planes", [this](const std::string& list) { options_.planes = parse_planes(list); },
             "Planes to write, of " + plane_names() + " (default: all)")
         ->type_name("LIST");
-    format_name_ = kv::plane_format_names().front();
+    format_name_ = plane_format_names().front();
     command_.add_option("--format", format_name_, "File format of the 16-bit planes")
         ->type_name("NAME")
-        ->check(CLI::IsMember(kv::plane_format_names()))
+        ->check(CLI::IsMember(plane_format_names()))
         ->capture_default_str();
     command_.add_flag("--no-pictures", no_pictures_, "Write no pictures");
     command_
@@ -165,11 +165,11 @@ class TransformCommand {
   bool chosen() const { return command_.parsed(); }
 
   int run() {
-    options_.settings.phase = kv::phase_at(phase_degrees_).value();
-    options_.format = kv::format_named(format_name_).value();
+    options_.mosaic.phase = phase_at(phase_degrees_).value();
+    options_.format = format_named(format_name_).value();
     options_.pictures = !no_pictures_;
     if (raw_.bits != 0) options_.raw_shape = raw_;
-    return kv::run_transform(options_);
+    return run_transform(options_);
   }
 
  private:
@@ -190,11 +190,11 @@ class TransformCommand {
   }
 
   CLI::App& command_;
-  kv::TransformOptions options_;
+  TransformOptions options_;
   int phase_degrees_ = 0;
   std::string format_name_;
   bool no_pictures_ = false;
-  kv::RawShape raw_{};
+  RawShape raw_{};
 };
 
 class SimulateCommand {
@@ -235,13 +235,13 @@ class SimulateCommand {
   bool chosen() const { return command_.parsed(); }
 
   int run() {
-    options_.camera.phase = kv::phase_at(options_.phase_degrees).value();
-    return kv::run_simulate(options_);
+    options_.camera.phase = phase_at(options_.phase_degrees).value();
+    return run_simulate(options_);
   }
 
  private:
   CLI::App& command_;
-  kv::SimulateOptions options_;
+  SimulateOptions options_;
 };
 
 int complain(const std::string& line, int status) {
@@ -265,13 +265,13 @@ int main(int argc, char** argv) {
       app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
       if (error.get_exit_code() == 0) return app.exit(error);
-      return complain(std::string(error.what()) + "; see kv-polarize --help", kv::exit_usage);
+      return complain(std::string(error.what()) + "; see kv-polarize --help", exit_usage);
     }
     return transform.chosen() ? transform.run() : simulate.run();
   } catch (const std::bad_alloc&) {
     return complain("there is not enough memory; close other programs or use a smaller frame",
-                    kv::exit_failure);
+                    exit_failure);
   } catch (const std::exception& error) {
-    return complain(error.what(), kv::exit_failure);
+    return complain(error.what(), exit_failure);
   }
 }

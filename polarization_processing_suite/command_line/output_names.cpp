@@ -3,9 +3,9 @@
 #include <system_error>
 #include <utility>
 
-#include "toolkit/error.h"
+#include "kv/polarization/fault.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 std::filesystem::path identity_of(const std::filesystem::path& path) {
@@ -34,8 +34,9 @@ std::string OutputNames::stem_for(const std::filesystem::path& input, std::size_
   std::string stem = input.stem().string() + page_suffix(page, pages);
   const auto [owner, is_new] = taken_.emplace(stem, input);
   if (!is_new) {
-    throw Error("its results would replace those of " + owner->second.string() +
-                ", which have the same names; transform it into another folder");
+    throw Fault(FaultKind::argument,
+                "its results would replace those of " + owner->second.string() +
+                    ", which have the same names; transform it into another folder");
   }
   return stem;
 }
@@ -43,10 +44,10 @@ std::string OutputNames::stem_for(const std::filesystem::path& input, std::size_
 std::filesystem::path OutputNames::path_for(const std::string& file_name) const {
   std::filesystem::path path = folder_ / file_name;
   if (inputs_.contains(identity_of(path))) {
-    throw Error("its result " + path.string() +
-                " would replace an input; choose another folder with -o");
+    throw Fault(FaultKind::argument, "its result " + path.string() +
+                                         " would replace an input; choose another folder with -o");
   }
   return path;
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

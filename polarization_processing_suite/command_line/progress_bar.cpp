@@ -5,7 +5,7 @@
 
 #include "platform/process.h"
 
-namespace kv {
+namespace kv::polarization {
 
 ProgressBar::ProgressBar(std::size_t files)
     : files_(files), enabled_(files > 1 && platform::error_stream_is_terminal()) {}
@@ -27,4 +27,4 @@ void ProgressBar::hide() {
   visible_ = false;
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace kv {
+namespace kv::polarization {
 
 /// One line on the error stream that shows how many files are done, and vanishes in the end. There
 /// is one only on a terminal and for more than one file.
@@ -25,4 +25,4 @@ class ProgressBar {
   bool visible_ = false;
 };
 
-}  // namespace kv
+}  // namespace kv::polarization

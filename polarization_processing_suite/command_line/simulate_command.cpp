@@ -6,7 +6,7 @@
 #include "command_line/exit_status.h"
 #include "toolkit/image_files/image_writer.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 /// The arguments that make transform read the frame: what the file itself does not record.
@@ -41,4 +41,4 @@ int run_simulate(const SimulateOptions& options) {
   return exit_success;
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -2,9 +2,9 @@
 
 #include <filesystem>
 
-#include "toolkit/scene/mosaic_camera.h"
+#include "toolkit/simulation/mosaic_camera.h"
 
-namespace kv {
+namespace kv::polarization {
 
 struct SimulateOptions {
   std::filesystem::path file;
@@ -17,4 +17,4 @@ struct SimulateOptions {
 /// Writes a frame of the synthetic scene. Returns an exit status.
 int run_simulate(const SimulateOptions& options);
 
-}  // namespace kv
+}  // namespace kv::polarization

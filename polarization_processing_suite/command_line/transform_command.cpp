@@ -11,12 +11,12 @@
 #include "command_line/frame_output.h"
 #include "command_line/output_names.h"
 #include "command_line/progress_bar.h"
+#include "kv/polarization/fault.h"
 #include "platform/optional_library.h"
 #include "platform/process.h"
-#include "toolkit/error.h"
 #include "toolkit/pictures/pictures.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 constexpr const char* kLoggerLibrary = "kevrinth_qrm_logger";
@@ -25,17 +25,18 @@ class TransformRun {
  public:
   explicit TransformRun(const TransformOptions& options)
       : options_(options),
-        computed_(options.settings),
+        computed_(options.planes),
         names_(options.folder, options.files),
         progress_(options.files.size()) {
     if (options.pictures) {
-      computed_.planes.add(Plane::azimuth);
-      computed_.planes.add(Plane::dolp);
+      computed_.add(Plane::azimuth);
+      computed_.add(Plane::dolp);
     }
     if (options.log_level &&
         !platform::is_loaded((std::string(kLoggerLibrary) + platform::kLibrarySuffix).c_str())) {
-      throw Error("--log needs the library " + std::string(kLoggerLibrary) +
-                  ", which was not found; put it beside kevrinth_qrm_polarization_processor");
+      throw Fault(FaultKind::argument,
+                  "--log needs the library " + std::string(kLoggerLibrary) +
+                      ", which was not found; put it beside kevrinth_qrm_polarization_processor");
     }
   }
 
@@ -69,7 +70,7 @@ class TransformRun {
     try {
       work();
       return true;
-    } catch (const Error& error) {
+    } catch (const Fault& error) {
       report(name + ": " + error.what());
     } catch (const std::bad_alloc&) {
       report(
@@ -87,10 +88,10 @@ class TransformRun {
     warn_of_excess(frame, name);
     const std::string stem = names_.stem_for(file, page, reader.count());
 
-    planes_.make_room(frame, computed_.planes);
+    planes_.reshape(frame.width, frame.height, computed_, options_.output_max);
     if (options_.log_level) progress_.hide();
     const auto start = std::chrono::steady_clock::now();
-    processor_.transform(frame, computed_, planes_);
+    processor_.transform(frame, options_.mosaic, planes_.views());
     seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     pixels_ += static_cast<double>(frame.samples.size());
 
@@ -111,17 +112,17 @@ class TransformRun {
 
   void add_planes(const std::string& stem, FrameOutput& output) {
     for (const PlaneTraits& traits : kPlanes) {
-      if (!options_.settings.planes.has(traits.plane)) continue;
+      if (!options_.planes.has(traits.plane)) continue;
       const std::string name = stem + "_" + std::string(traits.name);
       if (traits.element == PlaneElement::float_pair) {
         output.add(names_.path_for(name + float_pairs_extension()), [this](PendingFile& file) {
-          write_float_pairs(file, planes_.width, planes_.height, planes_.normalized_stokes);
+          write_float_pairs(file, planes_.width(), planes_.height(), planes_.normalized_stokes());
         });
       } else {
         output.add(names_.path_for(name + extension_of(options_.format)),
                    [this, plane = traits.plane](PendingFile& file) {
                      write_grey(file, options_.format,
-                                {planes_.width, planes_.height, 16, planes_.levels(plane)});
+                                {planes_.width(), planes_.height(), 16, planes_.levels(plane)});
                    });
       }
     }
@@ -132,11 +133,10 @@ class TransformRun {
       output.add(names_.path_for(stem + "_" + subject + "_picture" + picture_extension()),
                  [draw](PendingFile& file) { write_picture(file, draw()); });
     };
-    const std::uint16_t output_max = options_.settings.output_max;
     const double white = options_.dolp_white;
     add("intensity", [&frame] { return intensity_picture(frame); });
-    add("dolp", [=, this] { return dolp_picture(planes_, output_max, white); });
-    add("angle", [=, this] { return angle_picture(planes_, output_max, white); });
+    add("dolp", [=, this] { return dolp_picture(planes_, white); });
+    add("angle", [=, this] { return angle_picture(planes_, white); });
   }
 
   void report(const std::string& line) {
@@ -157,7 +157,7 @@ class TransformRun {
   }
 
   const TransformOptions& options_;
-  TransformSettings computed_;  // with the planes to write, and those that pictures need
+  OutputSet computed_;  // with the planes to write, and those that pictures need
   OutputNames names_;
   ProgressBar progress_;
   Processor processor_;
@@ -173,8 +173,8 @@ void make_folder(const std::filesystem::path& folder) {
   std::filesystem::create_directories(folder, failure);
   if (!std::filesystem::is_directory(folder)) {
     const std::string why = failure ? failure.message() : "a file has this name";
-    throw Error("the output folder " + folder.string() + " cannot be made: " + why +
-                "; choose another one with -o");
+    throw Fault(FaultKind::argument, "the output folder " + folder.string() + " cannot be made: " +
+                                         why + "; choose another one with -o");
   }
 }
 
@@ -190,4 +190,4 @@ int run_transform(const TransformOptions& options) {
   return run.run();
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

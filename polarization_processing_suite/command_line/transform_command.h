@@ -1,19 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <vector>
 
+#include "kv/polarization/processor.h"
 #include "toolkit/image_files/frame_reader.h"
 #include "toolkit/image_files/image_writer.h"
-#include "toolkit/processor.h"
 
-namespace kv {
+namespace kv::polarization {
 
 struct TransformOptions {
   std::vector<std::filesystem::path> files;
   std::filesystem::path folder;
-  TransformSettings settings;    ///< with the planes to write
+  Mosaic mosaic;
+  OutputSet planes = OutputSet::all();  ///< to write
+  std::uint16_t output_max = 65535;
   std::optional<int> bit_depth;  ///< instead of the files' own
   std::optional<RawShape> raw_shape;
   ImageFormat format = ImageFormat::pgm;
@@ -25,4 +28,4 @@ struct TransformOptions {
 /// Transforms all files and reports on the standard streams. Returns an exit status.
 int run_transform(const TransformOptions& options);
 
-}  // namespace kv
+}  // namespace kv::polarization

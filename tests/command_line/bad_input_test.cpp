@@ -4,6 +4,8 @@
 #include "tool.h"
 #include "toolkit/image_files/image_writer.h"
 
+using namespace kv::polarization;
+
 namespace {
 
 const std::string kFrame = "P5 8 8 255\n" + std::string(64, 'x');
@@ -143,7 +145,7 @@ TEST(BadInput, FilesThatCannotBeWrittenToTheirEndVanish) {
   std::vector<std::string> runs = {"transform frame.pgm -o out --planes normalized_stokes",
                                    "transform frame.pgm -o out --planes azimuth,dolp --no-pictures",
                                    "simulate -o out/frame.raw"};
-  for (const std::string& format : kv::plane_format_names()) {
+  for (const std::string& format : plane_format_names()) {
     runs.push_back("simulate -o out/frame." + format);
   }
   for (const std::string& arguments : runs) {
@@ -160,9 +162,9 @@ TEST(BadInput, FramesLargerThanTheMemoryAreReported) {
   tool.write("large.pgm", "P5 16384 16000 255\n");
   std::filesystem::resize_file(tool.path("large.pgm"), 19 + 16384 * 16000);
   expect_refusal(tool, tool.run("transform large.pgm -o out", limit), 1,
-                 "large.pgm: there is not enough memory");
+                 "large.pgm: there is no memory for");
   expect_refusal(tool, tool.run("simulate -o x.pgm --width 16384 --height 16384", limit), 1,
-                 "kv-polarize: there is not enough memory");
+                 "kv-polarize: there is no memory for");
 }
 
 // The first frame's results show that the tool is at work, and 400 frames last for seconds. The

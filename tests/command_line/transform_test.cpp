@@ -3,25 +3,27 @@
 
 #include <cmath>
 
+#include "kv/polarization/processor.h"
 #include "tool.h"
 #include "toolkit/image_files/frame_reader.h"
 #include "toolkit/image_files/image_writer.h"
 #include "toolkit/pictures/pictures.h"
-#include "toolkit/processor.h"
+
+using namespace kv::polarization;
 
 namespace {
 
-const std::string kPreferred = kv::plane_format_names().front();
+const std::string kPreferred = plane_format_names().front();
 
-kv::Frame read_frame(const std::filesystem::path& path) {
-  return kv::open_frames(path, std::nullopt)->read(0);
+Frame read_frame(const std::filesystem::path& path) {
+  return open_frames(path, std::nullopt)->read(0);
 }
 
 // The scene has four film discs in a row: 0, 45, 90 and 135 degrees with DoLP 0.9 to 0.6. A frame
 // of 300 x 240 pixels has them at column 60, 120, 180 and 240 of row 211.
 TEST(Simulate, TellsTheCommandThatRecoversTheDiscs) {
   const Tool tool;
-  auto formats = kv::plane_format_names();
+  auto formats = plane_format_names();
   formats.emplace_back("raw");
   for (const std::string& format : formats) {
     for (const std::string options : {"--bit-depth 16", "--phase 90 --bit-depth 8",
@@ -35,9 +37,9 @@ TEST(Simulate, TellsTheCommandThatRecoversTheDiscs) {
       std::string command = simulated.out.substr(simulated.out.find(program) + program.size());
       command.pop_back();  // the end of the line
       EXPECT_EQ(tool.run(command).error, "");
-      const kv::Frame dolp = read_frame(tool.path("planes/frame_dolp." + kPreferred));
-      const kv::Frame intensity = read_frame(tool.path("planes/frame_intensity." + kPreferred));
-      const kv::Frame azimuth = read_frame(tool.path("planes/frame_azimuth." + kPreferred));
+      const Frame dolp = read_frame(tool.path("planes/frame_dolp." + kPreferred));
+      const Frame intensity = read_frame(tool.path("planes/frame_intensity." + kPreferred));
+      const Frame azimuth = read_frame(tool.path("planes/frame_azimuth." + kPreferred));
       for (int disc = 0; disc < 4; ++disc) {
         const auto pixel = static_cast<std::size_t>(211 * 300 + 60 + 60 * disc);
         EXPECT_NEAR(dolp.samples[pixel] / 65535.0, 0.9 - 0.1 * disc, 0.06) << disc;
@@ -64,38 +66,39 @@ class Transform : public testing::Test {
 
 TEST_F(Transform, WritesWhatTheToolkitComputes) {
   const auto expect_results = [this](const std::string& options, const std::string& format,
-                                     int bit_depth, const kv::TransformSettings& settings,
+                                     int bit_depth, const Mosaic& mosaic, std::uint16_t output_max,
                                      double white) {
     run("a.pgm -o out " + options);
-    kv::Frame frame = read_frame(tool_.path("a.pgm"));
+    Frame frame = read_frame(tool_.path("a.pgm"));
     frame.bit_depth = bit_depth;
-    kv::Planes planes;
-    kv::Processor().transform(frame, settings, planes);
+    Planes planes;
+    planes.reshape(frame.width, frame.height, OutputSet::all(), output_max);
+    Processor().transform(frame, mosaic, planes.views());
     const auto expect_file = [this](const std::string& name, auto write) {
       const std::string expected = written(tool_.path("expected"), write);
       EXPECT_TRUE(tool_.content("out/a_" + name) == expected) << name;
     };
-    expect_file("normalized_stokes" + kv::float_pairs_extension(), [&](auto& file) {
-      kv::write_float_pairs(file, planes.width, planes.height, planes.normalized_stokes);
+    expect_file("normalized_stokes" + float_pairs_extension(), [&](auto& file) {
+      write_float_pairs(file, planes.width(), planes.height(), planes.normalized_stokes());
     });
-    for (std::size_t i = 1; i < kv::kPlanes.size(); ++i) {
-      expect_file(std::string(kv::kPlanes[i].name) + "." + format, [&](auto& file) {
-        kv::write_grey(file, kv::format_named(format).value(),
-                       {planes.width, planes.height, 16, planes.levels(kv::kPlanes[i].plane)});
+    for (std::size_t i = 1; i < kPlanes.size(); ++i) {
+      expect_file(std::string(kPlanes[i].name) + "." + format, [&](auto& file) {
+        write_grey(file, format_named(format).value(),
+                   {planes.width(), planes.height(), 16, planes.levels(kPlanes[i].plane)});
       });
     }
-    const auto expect_picture = [&](const std::string& name, const kv::Picture& picture) {
-      expect_file(name + "_picture" + kv::picture_extension(),
-                  [&](auto& file) { kv::write_picture(file, picture); });
+    const auto expect_picture = [&](const std::string& name, const Picture& picture) {
+      expect_file(name + "_picture" + picture_extension(),
+                  [&](auto& file) { write_picture(file, picture); });
     };
-    expect_picture("intensity", kv::intensity_picture(frame));
-    expect_picture("dolp", kv::dolp_picture(planes, settings.output_max, white));
-    expect_picture("angle", kv::angle_picture(planes, settings.output_max, white));
+    expect_picture("intensity", intensity_picture(frame));
+    expect_picture("dolp", dolp_picture(planes, white));
+    expect_picture("angle", angle_picture(planes, white));
   };
-  expect_results("--origin 0,7", kPreferred, 16, {.y_origin = 7}, 1);
+  expect_results("--origin 0,7", kPreferred, 16, {.y_origin = 7}, 65535, 1);
   expect_results(
       "--phase 45 --origin 1,0 --bit-depth 15 --output-max 4095 --format pgm --dolp-white 0.5",
-      "pgm", 15, {kv_polar_phase_45, 1, 0, 4095}, 0.5);
+      "pgm", 15, {kv_polar_phase_45, 1, 0}, 4095, 0.5);
 }
 
 TEST_F(Transform, SaysWhatItDidAndWhere) {

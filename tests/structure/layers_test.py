@@ -26,10 +26,19 @@ def check_circles(arrows):
         yield "layers.ini: a circle: " + " <- ".join(error.args[1])
 
 
+def folder_of(file):
+    """The folder of a file in the suite; installed headers, in an include/, are of the folder that has it."""
+    path = pathlib.PurePath(file)
+    parts = path.parts
+    return "/".join(parts[: parts.index("include")]) if "include" in parts else str(path.parent)
+
+
 def target_of(suite, quote, name):
     """The word of the table that allows an include; None for the C++ standard library."""
     if (suite / name).is_file():
-        return str(pathlib.PurePath(name).parent)
+        return folder_of(name)
+    if installed := sorted(suite.glob(f"toolkit/*/include/{name}")):
+        return folder_of(installed[0].relative_to(suite))
     if quote == '"':
         return name
     if "/" in name:
@@ -39,7 +48,7 @@ def target_of(suite, quote, name):
 
 def check_file(suite, path, arrows, systems):
     file = path.relative_to(suite)
-    folder = str(file.parent)
+    folder = folder_of(file)
     if folder not in arrows:
         yield f"{file}: layers.ini does not know the folder"
         return

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "toolkit/error.h"
+#include "kv/polarization/fault.h"
 
 /// The message that the action fails with; empty if it succeeds.
 template <class Action>
@@ -10,7 +10,7 @@ std::string error_of(Action action) {
   try {
     action();
     return "";
-  } catch (const kv::Error& error) {
+  } catch (const kv::polarization::Fault& error) {
     return error.what();
   }
 }

@@ -14,9 +14,11 @@
 #include "toolkit/image_files/frame_reader.h"
 #include "toolkit/image_files/image_writer.h"
 
+using namespace kv::polarization;
+
 namespace {
 
-using Samples = std::vector<std::uint16_t>;
+using Samples = Buffer<std::uint16_t>;
 
 struct PngKind {
   int width = 2, height = 2, bits = 8, color = PNG_COLOR_TYPE_GRAY, interlace = 0;
@@ -93,9 +95,9 @@ std::string tiff_file(const std::vector<TiffPage>& pages,
 
 class ForeignImages : public testing::Test {
  protected:
-  kv::Frame read(const std::string& content) const {
+  Frame read(const std::string& content) const {
     write_content(path_, content);
-    return kv::open_frames(path_, std::nullopt)->read(0);
+    return open_frames(path_, std::nullopt)->read(0);
   }
   void expect_refusal(const std::string& content, const std::string& part) const {
     EXPECT_PRED2(contains, error_of([&] { read(content); }), part) << content.size();
@@ -143,10 +145,10 @@ TEST_F(ForeignImages, TilesArePutTogether) {
     page.erase(TIFFTAG_STRIPOFFSETS);
     page.erase(TIFFTAG_STRIPBYTECOUNTS);
     const std::string file = tiff_file({page}, tiles);
-    Samples expected;
-    for (int i = 0; i < 18 * 20; ++i) {
-      const int byte = byte_at(i / 20, i % 20);
-      expected.push_back(static_cast<std::uint16_t>(bytes == 1 ? byte : 257 * byte));
+    Samples expected(18 * 20);
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+      const int byte = byte_at(static_cast<int>(i / 20), static_cast<int>(i % 20));
+      expected[i] = static_cast<std::uint16_t>(bytes == 1 ? byte : 257 * byte);
     }
     EXPECT_EQ(read(file).samples, expected);
     expect_refusal(file.substr(0, file.size() - 1), "damaged or truncated");
@@ -158,7 +160,7 @@ TEST_F(ForeignImages, EveryTiffPageIsAFrame) {
                                   tiff_page(16, {{TIFFTAG_MAXSAMPLEVALUE, {1023}}}),
                                   tiff_page(8, {{TIFFTAG_STRIPOFFSETS, {kSamples + 8}},
                                                 {TIFFTAG_MAXSAMPLEVALUE, {4095}}})}));
-  const auto reader = kv::open_frames(path_, std::nullopt);
+  const auto reader = open_frames(path_, std::nullopt);
   ASSERT_EQ(reader->count(), 4u);
   EXPECT_EQ(reader->read(2).bit_depth, 10);
   EXPECT_EQ(reader->read(3).bit_depth, 8);
@@ -175,7 +177,7 @@ TEST_F(ForeignImages, OfOtherKindsAreRefusedWithTheirKind) {
       {{.color = PNG_COLOR_TYPE_PALETTE}, "palette"},
       {{.color = PNG_COLOR_TYPE_GRAY_ALPHA}, "alpha"},
       {{.bits = 4}, "grey of 4 bits"},
-      {{.width = 65536, .height = 65537}, "65536 x 65537 is out of range"},
+      {{.width = 65536, .height = 65537}, "65536 x 65537 pixels is larger than any sensor"},
   };
   for (const auto& [kind, part] : pngs) expect_refusal(png_file(kind), part);
   const std::pair<TiffPage, const char*> tiffs[] = {
@@ -187,7 +189,7 @@ TEST_F(ForeignImages, OfOtherKindsAreRefusedWithTheirKind) {
       {tiff_page(16, {{TIFFTAG_SAMPLEFORMAT, {SAMPLEFORMAT_INT}}}), "signed"},
       {tiff_page(8, {{TIFFTAG_PHOTOMETRIC, {PHOTOMETRIC_MINISWHITE}}}), "plain grey"},
       {tiff_page(8, {{TIFFTAG_IMAGEWIDTH, {65537}}, {TIFFTAG_IMAGELENGTH, {65536}}}),
-       "65537 x 65536 is out of range"},
+       "65537 x 65536 pixels is larger than any sensor"},
   };
   for (const auto& [page, part] : tiffs) expect_refusal(tiff_file({page}), part);
 }
@@ -206,8 +208,8 @@ TEST_F(ForeignImages, CutAnywhereAreRefused) {
 
 TEST_F(ForeignImages, NormalizedStokesIsAnOrdinaryFloatTiff) {
   const std::vector<float> pairs = {0.5f, -0.25f, -1, 1, 0, 0.125f, 0.75f, -0.5f};
-  EXPECT_EQ(kv::float_pairs_extension(), ".tiff");
-  written(path_, [&](auto& file) { kv::write_float_pairs(file, 2, 2, pairs); });
+  EXPECT_EQ(float_pairs_extension(), ".tiff");
+  written(path_, [&](auto& file) { write_float_pairs(file, 2, 2, pairs); });
   TIFF* tiff = TIFFOpen(path_.string().c_str(), "r");
   ASSERT_NE(tiff, nullptr);
   std::uint16_t channels = 0;
@@ -223,11 +225,11 @@ TEST_F(ForeignImages, NormalizedStokesIsAnOrdinaryFloatTiff) {
 }
 
 TEST_F(ForeignImages, PicturesAreOrdinaryPngs) {
-  EXPECT_EQ(kv::picture_extension(), ".png");
+  EXPECT_EQ(picture_extension(), ".png");
   for (const int channels : {1, 3}) {
-    kv::Picture picture(3, 2, channels);
+    Picture picture(3, 2, channels);
     std::iota(picture.bytes.begin(), picture.bytes.end(), std::uint8_t{7});
-    written(path_, [&](auto& file) { kv::write_picture(file, picture); });
+    written(path_, [&](auto& file) { write_picture(file, picture); });
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
     ASSERT_NE(png_image_begin_read_from_file(&image, path_.string().c_str()), 0);

@@ -13,18 +13,20 @@
 #include <sys/resource.h>
 
 #include "platform/process.h"
+
+using namespace kv::polarization;
 #endif
 
 namespace {
 
-using Samples = std::vector<std::uint16_t>;
+using Samples = Buffer<std::uint16_t>;
 
 class ImageFiles : public testing::Test {
  protected:
-  auto open(const std::optional<kv::RawShape>& shape = std::nullopt) const {
-    return kv::open_frames(path_, shape);
+  auto open(const std::optional<RawShape>& shape = std::nullopt) const {
+    return open_frames(path_, shape);
   }
-  std::string refusal(const std::optional<kv::RawShape>& shape = std::nullopt) const {
+  std::string refusal(const std::optional<RawShape>& shape = std::nullopt) const {
     return error_of([&] { open(shape)->read(0); });
   }
 
@@ -33,11 +35,11 @@ class ImageFiles : public testing::Test {
 };
 
 TEST_F(ImageFiles, BringSamplesBackInEveryFormat) {
-  auto formats = kv::plane_format_names();
+  auto formats = plane_format_names();
   formats.emplace_back("raw");
   for (const std::string& format : formats) {
     path_ = folder_ / ("frame." + format);
-    EXPECT_EQ(kv::extension_of(kv::format_for(path_)), "." + format);
+    EXPECT_EQ(extension_of(format_for(path_)), "." + format);
     for (const int bit_depth : {1, 8, 9, 12, 16}) {
       SCOPED_TRACE(format + " of " + std::to_string(bit_depth) + " bits");
       Samples samples(37 * 23);
@@ -45,13 +47,13 @@ TEST_F(ImageFiles, BringSamplesBackInEveryFormat) {
       for (std::size_t i = 0; i < samples.size(); ++i) {
         samples[i] = static_cast<std::uint16_t>(i * 40503 % (1u << bit_depth));
       }
-      written(path_, [&](kv::PendingFile& file) {
-        kv::write_grey(file, kv::format_for(path_), {37, 23, bit_depth, samples});
+      written(path_, [&](PendingFile& file) {
+        write_grey(file, format_for(path_), {37, 23, bit_depth, samples});
       });
       const int stored_bits = bit_depth > 8 ? 16 : 8;
-      const auto reader = format == "raw" ? open(kv::RawShape{37, 23, stored_bits}) : open();
+      const auto reader = format == "raw" ? open(RawShape{37, 23, stored_bits}) : open();
       ASSERT_EQ(reader->count(), 1u);
-      const kv::Frame back = reader->read(0);
+      const Frame back = reader->read(0);
       EXPECT_EQ(back.width, 37);
       EXPECT_EQ(back.height, 23);
       EXPECT_EQ(back.samples, samples);
@@ -63,9 +65,9 @@ TEST_F(ImageFiles, BringSamplesBackInEveryFormat) {
 
 TEST_F(ImageFiles, PgmIsAsNetpbmDefinesIt) {
   const auto picture = [this](int channels, const std::string& bytes) {
-    kv::Picture colour(1, 2, channels);
+    Picture colour(1, 2, channels);
     colour.bytes.assign(bytes.begin(), bytes.end());
-    return written(path_, [&](auto& file) { kv::write_netpbm(file, colour); });
+    return written(path_, [&](auto& file) { write_netpbm(file, colour); });
   };
   EXPECT_EQ(picture(3, "abcdef"), "P6\n1 2\n255\nabcdef");
   EXPECT_EQ(picture(1, "ab"), "P5\n1 2\n255\nab");
@@ -79,7 +81,7 @@ TEST_F(ImageFiles, PgmIsAsNetpbmDefinesIt) {
   const auto reader = open();
   ASSERT_EQ(reader->count(), 3u);
   for (std::size_t i = 0; i < 3; ++i) {
-    const kv::Frame frame = reader->read(i);
+    const Frame frame = reader->read(i);
     EXPECT_EQ(frame.bit_depth, frames[i].first);
     EXPECT_EQ(frame.samples, frames[i].second);
   }
@@ -113,27 +115,27 @@ TEST_F(ImageFiles, WhatIsNoFrameIsRefusedWithItsFault) {
 
 TEST_F(ImageFiles, SizesAndOffsetsMayNeedMoreThan32Bits) {
   constexpr std::uint64_t four_gigabytes = std::uint64_t{1} << 32;
-  EXPECT_EQ(kv::pixel_count(65536, 65536), four_gigabytes);
+  EXPECT_EQ(pixel_count(65536, 65536), four_gigabytes);
   const auto file_with_hole = [this](const std::string& start, const std::string& end) {
     write_content(path_, start);
     std::filesystem::resize_file(path_, start.size() + four_gigabytes);
     std::ofstream(path_, std::ios::binary | std::ios::app) << end;
   };
   file_with_hole("", "P5cd");  // a raw shape goes before what the content looks like
-  EXPECT_EQ(open(kv::RawShape{2, 1, 16})->read(1 << 30).samples,
+  EXPECT_EQ(open(RawShape{2, 1, 16})->read(1 << 30).samples,
             (Samples{'P' + 256 * '5', 'c' + 256 * 'd'}));
-  EXPECT_PRED2(contains, refusal(kv::RawShape{5, 3, 8}), "multiple of 15");
+  EXPECT_PRED2(contains, refusal(RawShape{5, 3, 8}), "multiple of 15");
   file_with_hole("P5 65536 65536 255\n", "P5 2 1 255\nab");
-  EXPECT_PRED2(contains, refusal(), "out of range");
+  EXPECT_PRED2(contains, refusal(), "larger than any sensor");
   EXPECT_EQ(open()->read(1).samples, (Samples{'a', 'b'}));
 }
 
 TEST_F(ImageFiles, UnknownEndingsAreRefusedForWriting) {
   for (const char* name : {"frame", "frame.jpg", "frame.", ".png"}) {
-    EXPECT_PRED2(contains, error_of([&] { kv::format_for(name); }), ".pgm, .raw") << name;
+    EXPECT_PRED2(contains, error_of([&] { format_for(name); }), ".pgm, .raw") << name;
   }
-  EXPECT_EQ(kv::format_for("a.b/FRAME.PGM"), kv::ImageFormat::pgm);
-  EXPECT_EQ(kv::format_named("tif"), kv::ImageFormat::tiff);
+  EXPECT_EQ(format_for("a.b/FRAME.PGM"), ImageFormat::pgm);
+  EXPECT_EQ(format_named("tif"), ImageFormat::tiff);
 }
 
 TEST(Frame, IsOfASizeThatASensorCanHave) {
@@ -142,16 +144,16 @@ TEST(Frame, IsOfASizeThatASensorCanHave) {
   const std::pair<std::uint64_t, std::uint64_t> sizes[] = {
       {0, 2}, {2, 0}, {most / 2 + 1, 2}, {2, most / 2 + 1}, {most << 34, 4}, {4, most << 34}};
   for (const auto& size : sizes) {
-    EXPECT_PRED2(contains, error_of([&] { kv::make_frame(size.first, size.second, 8); }),
-                 "out of range");
+    EXPECT_PRED2(contains, error_of([&] { make_frame(size.first, size.second, 8); }),
+                 size.first == 0 || size.second == 0 ? "is empty" : "larger than any sensor");
   }
-  EXPECT_EQ(kv::count_samples_above_full_scale({2, 2, 10, {1023, 1024, 0, 65535}}), 2u);
+  EXPECT_EQ(count_samples_above_full_scale({2, 2, 10, {1023, 1024, 0, 65535}}), 2u);
 }
 
 TEST_F(ImageFiles, OldFilesStayUntilNewOnesArePublished) {
   write_content(path_, "old");
   {
-    kv::PendingFile abandoned(path_);
+    PendingFile abandoned(path_);
     abandoned.write("new", 3);
     abandoned.close();
   }
@@ -173,7 +175,7 @@ void limit_file_size(rlim_t size) {
 TEST_F(ImageFiles, WritesThatFailAtAnyTimeAreReported) {
   kv::platform::ignore_file_size_signal();
   for (const std::size_t size : {std::size_t{1}, std::size_t{1} << 20}) {
-    kv::PendingFile file(path_);
+    PendingFile file(path_);
     limit_file_size(0);
     std::fwrite(std::string(size, 'x').data(), 1, size, file.stream());
     if (size > 1) limit_file_size(RLIM_INFINITY);

@@ -6,24 +6,28 @@
 
 #include "toolkit/pictures/legend.h"
 
+using namespace kv::polarization;
+
 namespace {
 
 /// Planes of one angle and DoLP, but for the last pixel, which is unpolarized.
-kv::Planes uniform_planes(double degrees, double dolp, int output_max, unsigned width = 8,
-                          unsigned height = 6) {
-  kv::Planes planes;
-  planes.make_room(kv::make_frame(width, height, 16), kv::OutputSet::all());
-  for (auto& level : planes.levels(kv::Plane::azimuth)) {
+Planes uniform_planes(double degrees, double dolp, int output_max, unsigned width = 8,
+                      unsigned height = 6) {
+  Planes planes;
+  planes.reshape(static_cast<int>(width), static_cast<int>(height), OutputSet::all(),
+                 static_cast<std::uint16_t>(output_max));
+  const PlaneViews views = planes.views();
+  for (auto& level : views.azimuth.levels) {
     level = static_cast<std::uint16_t>((degrees + 90) / 180 * output_max + 0.5);
   }
-  for (auto& level : planes.levels(kv::Plane::dolp)) {
+  for (auto& level : views.dolp.levels) {
     level = static_cast<std::uint16_t>(dolp * output_max + 0.5);
   }
-  planes.levels(kv::Plane::dolp).back() = 0;
+  views.dolp.levels.back() = 0;
   return planes;
 }
 
-void expect_colour(kv::Picture& picture, int column, int row, const kv::Colour& expected) {
+void expect_colour(Picture& picture, int column, int row, const Colour& expected) {
   for (std::size_t i = 0; i < 3; ++i) {
     EXPECT_NEAR(picture.pixel(column, row)[i], expected[i], 1)
         << "column " << column << ", row " << row << ", channel " << i;
@@ -34,7 +38,7 @@ void expect_colour(kv::Picture& picture, int column, int row, const kv::Colour& 
 TEST(Pictures, ShowTheAngleAsHueAndDolpUpToWhite) {
   struct Case {
     double degrees, dolp, white;
-    kv::Colour colour;
+    Colour colour;
   };
   const Case cases[] = {
       {0, 1, 1, {255, 0, 0}},     {30, 1, 1, {255, 255, 0}},   {45, 1, 1, {128, 255, 0}},
@@ -46,19 +50,19 @@ TEST(Pictures, ShowTheAngleAsHueAndDolpUpToWhite) {
     for (const auto& [degrees, dolp, white, colour] : cases) {
       SCOPED_TRACE(testing::Message() << degrees << " degrees, DoLP " << dolp << " of " << white);
       const auto planes = uniform_planes(degrees, dolp, output_max);
-      auto angle_picture = kv::angle_picture(planes, output_max, white);
-      expect_colour(angle_picture, 7, 4, colour);
-      expect_colour(angle_picture, 7, 5, {0, 0, 0});
-      auto dolp_picture = kv::dolp_picture(planes, output_max, white);
-      ASSERT_EQ(dolp_picture.bytes.size(), 48u);
-      EXPECT_NEAR(dolp_picture.pixel(7, 4)[0], std::ranges::max(colour), 1);
-      EXPECT_EQ(dolp_picture.pixel(7, 5)[0], 0);
+      auto angle = angle_picture(planes, white);
+      expect_colour(angle, 7, 4, colour);
+      expect_colour(angle, 7, 5, {0, 0, 0});
+      auto brightness = dolp_picture(planes, white);
+      ASSERT_EQ(brightness.bytes.size(), 48u);
+      EXPECT_NEAR(brightness.pixel(7, 4)[0], std::ranges::max(colour), 1);
+      EXPECT_EQ(brightness.pixel(7, 5)[0], 0);
     }
   }
 }
 
 /// Pixels of the text's colour within a box of that many pixels to each side.
-int bright_pixels(kv::Picture& picture, int column, int row, int reach) {
+int bright_pixels(Picture& picture, int column, int row, int reach) {
   int count = 0;
   for (int r = row - reach; r <= row + reach; ++r) {
     for (int c = column - reach; c <= column + reach; ++c) {
@@ -71,7 +75,7 @@ int bright_pixels(kv::Picture& picture, int column, int row, int reach) {
 // A picture of 1000 rows has a panel of 250 columns: its wheel has the centre (125, 813) and the
 // radius 78, its letters have dots of 2 x 2 pixels.
 TEST(AngleLegend, HasTheHuesAndTheLabelsAtTheirAngles) {
-  auto picture = kv::angle_picture(uniform_planes(45, 1, 65535, 100, 1000), 65535, 0.5);
+  auto picture = angle_picture(uniform_planes(45, 1, 65535, 100, 1000), 0.5);
   ASSERT_EQ(picture.width, 350);
   constexpr int column = 100 + 125;
   constexpr int row = 1000 - 187;
@@ -92,20 +96,20 @@ TEST(AngleLegend, HasTheHuesAndTheLabelsAtTheirAngles) {
 
 TEST(AngleLegend, IsAQuarterOfTheHeightWhereItCanBeRead) {
   for (const auto& [height, width] : {std::pair{383, 0}, {384, 96}, {9000, 600}}) {
-    EXPECT_EQ(kv::angle_legend_width(height), width) << height;
+    EXPECT_EQ(angle_legend_width(height), width) << height;
   }
 }
 
 TEST(IntensityPicture, IsFreeOfTheMosaicAndStretched) {
   // Fully polarized light in the left half, half as bright unpolarized light in the right one.
-  kv::Frame frame = kv::make_frame(64, 32, 12);
+  Frame frame = make_frame(64, 32, 12);
   for (std::size_t i = 0; i < frame.samples.size(); ++i) {
     const bool lit = i / 64 % 2 == 0 && i % 2 == 0;
     frame.samples[i] = static_cast<std::uint16_t>(i % 64 < 32 ? (lit ? 4000 : 0) : 500);
   }
   // A hot pixel is a part of four means, and four of these 2048 pixels may be brighter than white.
   frame.samples[10 * 64 + 50] = 65535;
-  auto picture = kv::intensity_picture(frame);
+  auto picture = intensity_picture(frame);
   ASSERT_EQ(picture.bytes.size(), 64u * 32u);
   for (const int row : {0, 13, 31}) {
     for (const int column : {0, 7, 30}) EXPECT_EQ(picture.pixel(column, row)[0], 255);

@@ -1,7 +1,8 @@
-#include "toolkit/processor.h"
+#include "kv/polarization/processor.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
@@ -9,6 +10,8 @@
 #include <utility>
 
 #include "error_of.h"
+
+using namespace kv::polarization;
 
 namespace {
 
@@ -18,8 +21,8 @@ constexpr int kMosaics[4][4] = {
 
 constexpr int kOutputMax = 4095;
 
-kv::Frame random_frame(unsigned width, unsigned height) {
-  kv::Frame frame = kv::make_frame(width, height, 12);
+Frame random_frame(unsigned width, unsigned height) {
+  Frame frame = make_frame(width, height, 12);
   std::mt19937 random(width * 1000 + height);
   for (auto& sample : frame.samples) sample = static_cast<std::uint16_t>(random() % 2047 + 1);
   return frame;
@@ -30,8 +33,7 @@ using PixelValues = std::array<double, 7>;
 
 /// From the samples that the pixel's 2x2 neighbourhood has behind each polarizer; mirrored at the
 /// right and bottom edges.
-PixelValues expected_at(const kv::Frame& frame, const kv::TransformSettings& settings, int row,
-                        int column) {
+PixelValues expected_at(const Frame& frame, const Mosaic& settings, int row, int column) {
   std::array<double, 136> behind{};  // by angle
   for (const int r : {row, row + 1 < frame.height ? row + 1 : row - 1}) {
     for (const int c : {column, column + 1 < frame.width ? column + 1 : column - 1}) {
@@ -51,11 +53,11 @@ PixelValues expected_at(const kv::Frame& frame, const kv::TransformSettings& set
 
 /// As far as the library approximates: S0 to 0.06 per cent with its reciprocal, angles to 0.15
 /// degree.
-bool is_close(const kv::Planes& planes, std::size_t index, const PixelValues& expected) {
+bool is_close(const Planes& planes, std::size_t index, const PixelValues& expected) {
   constexpr PixelValues kTolerances = {0.001, 0.001, 2, 0.5, 0.5, 5, 4};
   for (std::size_t i = 0; i < expected.size(); ++i) {
-    const double actual = i < 2 ? planes.normalized_stokes[2 * index + i]
-                                : planes.levels(kv::kPlanes[i - 1].plane)[index];
+    const double actual = i < 2 ? planes.normalized_stokes()[2 * index + i]
+                                : planes.levels(kPlanes[i - 1].plane)[index];
     // -90 and +90 degrees, the ends of the azimuth plane, are one orientation.
     const double error = std::remainder(actual - expected[i], i == 5 ? kOutputMax : 1e9);
     if (!(std::abs(error) <= kTolerances[i])) return false;
@@ -63,8 +65,7 @@ bool is_close(const kv::Planes& planes, std::size_t index, const PixelValues& ex
   return true;
 }
 
-void expect_planes(const kv::Planes& planes, const kv::Frame& frame,
-                   const kv::TransformSettings& settings) {
+void expect_planes(const Planes& planes, const Frame& frame, const Mosaic& settings) {
   const auto holds = [&](int row, int column, int source_column) {
     return is_close(planes, static_cast<std::size_t>(row * frame.width + column),
                     expected_at(frame, settings, row, source_column));
@@ -84,59 +85,94 @@ void expect_planes(const kv::Planes& planes, const kv::Frame& frame,
 // 2 is the least side, 4 the least width of taller frames, 8 the least width with a vector area, 5
 // the least height at which the library packs pairs; both parities of each.
 TEST(Processor, FillsEveryPixelOfEveryPlaneAskedFor) {
-  const kv::Processor processor;
-  kv::Planes all;
-  kv::Planes some;
+  Processor processor;
+  Planes all;
+  Planes some;
   for (const unsigned width : {2u, 3u, 4u, 5u, 7u, 8u, 9u, 12u, 21u, 22u}) {
     for (const unsigned height : {2u, 3u, 4u, 5u, 6u, 7u, 10u, 11u}) {
       if (width < 4 && height > 2) continue;
-      const kv::Frame frame = random_frame(width, height);
+      const Frame frame = random_frame(width, height);
       for (int number = 1; number < 64; ++number) {
         SCOPED_TRACE(testing::Message() << width << " x " << height << ", number " << number);
-        kv::TransformSettings settings{.phase = number % 4,
-                                       .x_origin = number / 4 % 2,
-                                       .y_origin = number / 8 % 2,
-                                       .output_max = kOutputMax};
-        processor.transform(frame, settings, all);
-        expect_planes(all, frame, settings);
-        settings.planes = kv::OutputSet::from_number(static_cast<std::size_t>(number));
-        processor.transform(frame, settings, some);
-        if (!settings.planes.has(kv::Plane::normalized_stokes)) all.normalized_stokes.clear();
-        EXPECT_EQ(some.normalized_stokes, all.normalized_stokes);
-        for (const kv::PlaneTraits& traits : kv::kPlanes) {
-          if (!settings.planes.has(traits.plane)) all.levels(traits.plane).clear();
-          EXPECT_EQ(some.levels(traits.plane), all.levels(traits.plane)) << traits.name;
+        const Mosaic mosaic{number % 4, number / 4 % 2, number / 8 % 2};
+        all.reshape(frame.width, frame.height, OutputSet::all(), kOutputMax);
+        processor.transform(frame, mosaic, all.views());
+        expect_planes(all, frame, mosaic);
+        const auto wanted = OutputSet::from_number(static_cast<std::size_t>(number));
+        some.reshape(frame.width, frame.height, wanted, kOutputMax);
+        processor.transform(frame, mosaic, some.views());
+        for (const PlaneTraits& traits : kPlanes) {
+          if (!wanted.has(traits.plane)) continue;
+          if (traits.element == PlaneElement::float_pair) {
+            EXPECT_TRUE(std::ranges::equal(some.normalized_stokes(), all.normalized_stokes()));
+          } else {
+            EXPECT_TRUE(std::ranges::equal(some.levels(traits.plane), all.levels(traits.plane)))
+                << traits.name;
+          }
         }
       }
     }
   }
 }
 
+struct Request {
+  Frame frame = random_frame(8, 6);
+  FrameView view = frame;
+  Mosaic mosaic{};
+  Buffer<float> pairs = Buffer<float>(96);
+  Buffer<std::uint16_t> levels = Buffer<std::uint16_t>(96);
+  PlaneViews planes{.normalized_stokes = pairs,
+                    .intensity = {std::span(levels).first(48)},
+                    .dolp = {std::span(levels).last(48)}};
+};
+
 TEST(Processor, RefusesWhatTheLibraryCannotDo) {
-  using Settings = kv::TransformSettings;
-  using Spoil = void (*)(kv::Frame&, Settings&);
+  using Spoil = void (*)(Request&);
   const std::pair<const char*, Spoil> refusals[] = {
-      {"1 x 6 pixels", [](auto& frame, auto&) { frame = random_frame(1, 6); }},
-      {"6 x 1 pixels", [](auto& frame, auto&) { frame = random_frame(6, 1); }},
-      {"4 or more", [](auto& frame, auto&) { frame = random_frame(3, 3); }},
-      {"48 samples, but has 47", [](auto& frame, auto&) { frame.samples.pop_back(); }},
-      {"depth of 17", [](auto& frame, auto&) { frame.bit_depth = 17; }},
-      {"depth of 0", [](auto& frame, auto&) { frame.bit_depth = 0; }},
-      {"output maximum", [](auto&, auto& settings) { settings.output_max = 0; }},
-      {"origin", [](auto&, auto& settings) { settings.x_origin = -1; }},
-      {"origin", [](auto&, auto& settings) { settings.y_origin = -1; }},
-      {"phase", [](auto&, auto& settings) { settings.phase = 4; }},
-      {"phase", [](auto&, auto& settings) { settings.phase = -1; }},
-      {"plane", [](auto&, auto& settings) { settings.planes = {}; }},
+      {"1 x 6 pixels", [](Request& all) { all.view.width = 1; }},
+      {"8 x 1 pixels", [](Request& all) { all.view.height = 1; }},
+      {"4 or more", [](Request& all) { all.view.width = 3; }},
+      {"larger than any sensor", [](Request& all) { all.view.height = 1 << 26; }},
+      {"cannot be", [](Request& all) { all.view.width = -8; }},
+      {"needs 96 bytes, but its memory has 95",
+       [](Request& all) { all.view.bytes = all.view.bytes.first(95); }},
+      {"needs 101 bytes", [](Request& all) { all.view.row_pitch = 17; }},
+      {"pitch of 15", [](Request& all) { all.view.row_pitch = 15; }},
+      {"pitch of -16", [](Request& all) { all.view.row_pitch = -16; }},
+      {"depth of 17", [](Request& all) { all.view.bit_depth = 17; }},
+      {"depth of 0", [](Request& all) { all.view.bit_depth = 0; }},
+      {"depth of 12 does not fit samples of 8 bits",
+       [](Request& all) { all.view.type = SampleType::uint8; }},
+      {"output maximum of dolp", [](Request& all) { all.planes.dolp.output_max = 0; }},
+      {"origin", [](Request& all) { all.mosaic.x_origin = -1; }},
+      {"origin", [](Request& all) { all.mosaic.y_origin = -1; }},
+      {"phase", [](Request& all) { all.mosaic.phase = 4; }},
+      {"phase", [](Request& all) { all.mosaic.phase = -1; }},
+      {"no plane", [](Request& all) { all.planes = {}; }},
+      {"normalized_stokes has room for 95 elements; this frame fills 96",
+       [](Request& all) { all.planes.normalized_stokes = std::span(all.pairs).first(95); }},
+      {"intensity has room for 47",
+       [](Request& all) {
+         all.planes.intensity.levels = {all.levels.data(), 47};
+       }},
+      {"dolp overlaps that of intensity",
+       [](Request& all) {
+         all.planes.dolp.levels = {all.levels.data() + 47, 48};
+       }},
+      {"azimuth overlaps that of the frame",
+       [](Request& all) {
+         all.planes.azimuth.levels = {all.frame.samples.data(), 48};
+       }},
   };
   for (const auto& [part_of_message, spoil] : refusals) {
-    kv::Frame frame = random_frame(8, 6);
-    Settings settings;
-    spoil(frame, settings);
-    kv::Planes planes;
-    EXPECT_PRED2(contains, error_of([&] { kv::Processor().transform(frame, settings, planes); }),
+    Request request;
+    std::fill(request.levels.begin(), request.levels.end(), std::uint16_t{7});
+    spoil(request);
+    EXPECT_PRED2(contains, error_of([&] {
+                   Processor().transform(request.view, request.mosaic, request.planes);
+                 }),
                  part_of_message);
-    EXPECT_EQ(planes.width, 0);
+    EXPECT_EQ(std::count(request.levels.begin(), request.levels.end(), 7), 96);
   }
 }
 

@@ -1,10 +1,12 @@
-#include "toolkit/scene/scene.h"
+#include "toolkit/simulation/scene.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "toolkit/scene/mosaic_camera.h"
+#include "toolkit/simulation/mosaic_camera.h"
+
+using namespace kv::polarization;
 
 namespace {
 
@@ -12,7 +14,7 @@ namespace {
 TEST(Scene, AgreesWithMuellerCalculus) {
   struct Point {
     int column, row;
-    kv::Stokes light;
+    Stokes light;
   };
   const Point points[] = {
       {200, 5, {0.60428, 0.00863, 0.37675}},      // sky
@@ -29,9 +31,9 @@ TEST(Scene, AgreesWithMuellerCalculus) {
       {320, 264 + 23, {0.01, 0, 0}},  // rim
       {320 - 24, 264, {0.01, 0, 0}},
   };
-  const kv::Scene scene(400, 300);
+  const Scene scene(400, 300);
   for (const auto& [column, row, light] : points) {
-    const kv::Stokes seen = scene.at(column, row);
+    const Stokes seen = scene.at(column, row);
     EXPECT_LT(std::hypot(seen.s0 - light.s0, seen.s1 - light.s1, seen.s2 - light.s2), 2e-5)
         << column << ", " << row;
   }
@@ -48,11 +50,11 @@ TEST(MosaicCamera, PutsThePolarizersBehindThePixelsOfThePhase) {
                         {kv_polar_phase_45, 160, {0.63, 0.35, 0.35, 0.07}},
                         {kv_polar_phase_90, 80, {0.035, 0.35, 0.35, 0.665}},
                         {kv_polar_phase_135, 160, {0.07, 0.35, 0.35, 0.63}}};
-  const kv::Scene scene(400, 300);
+  const Scene scene(400, 300);
   for (const auto& [phase, column, passed] : cases) {
     for (const int bit_depth : {16, 10}) {
-      const kv::Frame frame =
-          kv::photograph(scene, 400, 300, {.phase = phase, .bit_depth = bit_depth, .noise = false});
+      const Frame frame =
+          photograph(scene, 400, 300, {.phase = phase, .bit_depth = bit_depth, .noise = false});
       EXPECT_EQ(frame.bit_depth, bit_depth);
       for (int i = 0; i < 4; ++i) {
         const auto index = static_cast<std::size_t>((264 + i / 2) * 400 + column + i % 2);
@@ -66,9 +68,9 @@ TEST(MosaicCamera, PutsThePolarizersBehindThePixelsOfThePhase) {
 // In electrons the variance is the signal and the square of the read noise, 2.5. What the seed does
 // shows in the tool's frames.
 TEST(MosaicCamera, NoiseIsOfTheRightSizeAndIndependent) {
-  const kv::Scene scene(200, 150);
-  const kv::Frame noisy = kv::photograph(scene, 200, 150, {});
-  const kv::Frame clean = kv::photograph(scene, 200, 150, {.noise = false});
+  const Scene scene(200, 150);
+  const Frame noisy = photograph(scene, 200, 150, {});
+  const Frame clean = photograph(scene, 200, 150, {.noise = false});
   double sum = 0;
   double squares = 0;
   double products_of_neighbours = 0;

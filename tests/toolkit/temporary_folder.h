@@ -53,7 +53,7 @@ inline void write_content(const std::filesystem::path& path, const std::string& 
 /// What a function that takes a PendingFile has written.
 template <class Write>
 std::string written(const std::filesystem::path& path, Write write) {
-  kv::PendingFile file(path);
+  kv::polarization::PendingFile file(path);
   write(file);
   file.close();
   file.publish();

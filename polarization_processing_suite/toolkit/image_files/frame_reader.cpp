@@ -4,14 +4,14 @@
 #include <string>
 #include <string_view>
 
-#include "toolkit/error.h"
+#include "kv/polarization/fault.h"
 #include "toolkit/image_files/input_file.h"
 #include "toolkit/image_files/pgm_file.h"
 #include "toolkit/image_files/png_file.h"
 #include "toolkit/image_files/raw_file.h"
 #include "toolkit/image_files/tiff_file.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 std::string first_bytes(InputFile& file) {
@@ -45,12 +45,13 @@ std::unique_ptr<FrameReader> open_frames(const std::filesystem::path& path,
   if (starts_with_tiff_signature(bytes)) return open_tiff(std::move(file));
   if (bytes.starts_with("P5")) return open_pgm(std::move(file));
   if (is_other_netpbm(bytes)) {
-    throw Error("this is a netpbm image of kind " + bytes.substr(0, 2) +
-                "; a frame must be binary grey, P5");
+    throw Fault(FaultKind::file, "this is a netpbm image of kind " + bytes.substr(0, 2) +
+                                     "; a frame must be binary grey, P5");
   }
-  throw Error(
+  throw Fault(
+      FaultKind::file,
       "the content is neither PNG, TIFF nor PGM; a headerless file needs --width, --height and "
       "--raw-bits");
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

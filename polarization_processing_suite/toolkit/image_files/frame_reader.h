@@ -5,9 +5,9 @@
 #include <memory>
 #include <optional>
 
-#include "toolkit/frame.h"
+#include "kv/polarization/frame.h"
 
-namespace kv {
+namespace kv::polarization {
 
 /// The frames of one file. They are read one at a time, so that a long file needs the memory of one
 /// frame.
@@ -26,8 +26,8 @@ struct RawShape {
 };
 
 /// Opens a frame file, whose content decides on the format, not its name. With a raw shape the file
-/// is taken as headerless, whatever it holds. Throws Error; the message does not repeat the path.
+/// is taken as headerless, whatever it holds. Throws Fault; the message does not repeat the path.
 std::unique_ptr<FrameReader> open_frames(const std::filesystem::path& path,
                                          const std::optional<RawShape>& raw_shape);
 
-}  // namespace kv
+}  // namespace kv::polarization

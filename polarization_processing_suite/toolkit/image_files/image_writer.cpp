@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cctype>
 
-#include "toolkit/error.h"
+#include "kv/polarization/fault.h"
 #include "toolkit/image_files/pgm_file.h"
 #include "toolkit/image_files/png_file.h"
 #include "toolkit/image_files/raw_file.h"
 #include "toolkit/image_files/tiff_file.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 bool is_available(ImageFormat format) {
@@ -44,8 +44,9 @@ ImageFormat format_for(const std::filesystem::path& path) {
   if (!format || !is_available(*format)) {
     std::string known;
     for (const std::string& known_name : plane_format_names()) known += "." + known_name + ", ";
-    throw Error("the name " + path.filename().string() +
-                " does not say which format to write; it must end in one of " + known + ".raw");
+    throw Fault(FaultKind::file, "the name " + path.filename().string() +
+                                     " does not say which format to write; it must end in one of " +
+                                     known + ".raw");
   }
   return *format;
 }
@@ -97,4 +98,4 @@ void write_picture(PendingFile& file, const Picture& picture) {
 
 std::string picture_extension() { return png_available() ? ".png" : ".pnm"; }
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
+#include "kv/polarization/picture.h"
 #include "toolkit/image_files/pending_file.h"
-#include "toolkit/picture.h"
 
-namespace kv {
+namespace kv::polarization {
 
 enum class ImageFormat { png, tiff, pgm, raw };
 
@@ -20,7 +20,7 @@ std::vector<std::string> plane_format_names();
 
 std::optional<ImageFormat> format_named(std::string_view name);
 
-/// The format that a file name's extension stands for. Throws Error when there is none, or when
+/// The format that a file name's extension stands for. Throws Fault when there is none, or when
 /// this build cannot write it.
 ImageFormat format_for(const std::filesystem::path& path);
 
@@ -46,4 +46,4 @@ std::string float_pairs_extension();
 void write_picture(PendingFile& file, const Picture& picture);
 std::string picture_extension();
 
-}  // namespace kv
+}  // namespace kv::polarization

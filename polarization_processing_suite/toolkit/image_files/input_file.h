@@ -5,12 +5,12 @@
 #include <filesystem>
 #include <fstream>
 
-namespace kv {
+namespace kv::polarization {
 
 /// A file to read from, at any position.
 class InputFile {
  public:
-  /// Throws Error when there is no such file, or it cannot be read.
+  /// Throws Fault when there is no such file, or it cannot be read.
   explicit InputFile(const std::filesystem::path& path);
 
   std::uint64_t size() const { return size_; }
@@ -27,4 +27,4 @@ class InputFile {
   std::uint64_t size_ = 0;
 };
 
-}  // namespace kv
+}  // namespace kv::polarization

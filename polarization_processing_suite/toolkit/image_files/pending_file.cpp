@@ -7,10 +7,10 @@
 #include <system_error>
 #include <utility>
 
+#include "kv/polarization/fault.h"
 #include "platform/files.h"
-#include "toolkit/error.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 /// A name that no other process picks. It is in the target's folder, as a rename is atomic only
@@ -24,8 +24,8 @@ std::filesystem::path temporary_beside(const std::filesystem::path& target) {
 
 [[noreturn]] void fail_to_write(const std::filesystem::path& target, std::error_code reason) {
   const std::string why = reason ? reason.message() : "unknown reason";
-  throw Error("cannot write " + target.string() + ": " + why +
-              "; choose a folder that you may write to, on a disk with space");
+  throw Fault(FaultKind::file, "cannot write " + target.string() + ": " + why +
+                                   "; choose a folder that you may write to, on a disk with space");
 }
 
 }  // namespace
@@ -65,4 +65,4 @@ void PendingFile::publish() {
 
 void PendingFile::fail() const { fail_to_write(target_, {errno, std::generic_category()}); }
 
-}  // namespace kv
+}  // namespace kv::polarization

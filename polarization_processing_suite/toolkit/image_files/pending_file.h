@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <memory>
 
-namespace kv {
+namespace kv::polarization {
 
 /// A file that is being written, under a temporary name beside its target. The target is complete
 /// at any moment: the old file until publish(), the new one afterwards. A file that is never
@@ -24,13 +24,13 @@ class PendingFile {
 
   void write(const void* data, std::size_t size);
 
-  /// Hands what was written to the operating system. Throws Error when any write failed.
+  /// Hands what was written to the operating system. Throws Fault when any write failed.
   void close();
 
   /// Gives the closed file its name.
   void publish();
 
-  /// Throws the Error of a failed write, with the operating system's reason.
+  /// Throws the Fault of a failed write, with the operating system's reason.
   [[noreturn]] void fail() const;
 
  private:
@@ -43,4 +43,4 @@ class PendingFile {
   std::unique_ptr<std::FILE, Close> stream_;
 };
 
-}  // namespace kv
+}  // namespace kv::polarization

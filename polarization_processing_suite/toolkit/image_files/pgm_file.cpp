@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "toolkit/error.h"
+#include "kv/polarization/fault.h"
 #include "toolkit/image_files/sample_bytes.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 struct PgmImage {
@@ -30,13 +30,15 @@ std::uint64_t header_number(std::istream& stream) {
     next = stream.get();
   }
   if (!std::isdigit(next)) {
-    throw Error("the PGM header is damaged; P5, width, height and maxval are needed");
+    throw Fault(FaultKind::file,
+                "the PGM header is damaged; P5, width, height and maxval are needed");
   }
   std::uint64_t number = 0;
   for (; std::isdigit(next); next = stream.get()) {
     number = number * 10 + static_cast<std::uint64_t>(next - '0');
     if (number > std::numeric_limits<std::uint32_t>::max()) {
-      throw Error("a number in the PGM header is too large; the largest allowed is 4294967295");
+      throw Fault(FaultKind::file,
+                  "a number in the PGM header is too large; the largest allowed is 4294967295");
     }
   }
   stream.unget();
@@ -47,28 +49,33 @@ PgmImage read_header(InputFile& file, std::uint64_t position) {
   file.seek(position);
   std::istream& stream = file.stream();
   if (stream.get() != 'P' || stream.get() != '5') {
-    throw Error("other data follows a PGM image; only further P5 images may follow");
+    throw Fault(FaultKind::file,
+                "other data follows a PGM image; only further P5 images may follow");
   }
   PgmImage image;
   image.width = header_number(stream);
   image.height = header_number(stream);
   if (image.width == 0 || image.height == 0) {
-    throw Error("the PGM header gives a width or height of 0; both must be 1 or more");
+    throw Fault(FaultKind::file,
+                "the PGM header gives a width or height of 0; both must be 1 or more");
   }
   const std::uint64_t maxval = header_number(stream);
   if (maxval < 1 || maxval > 65535) {
-    throw Error("the PGM maxval is " + std::to_string(maxval) + "; it must be from 1 to 65535");
+    throw Fault(FaultKind::file,
+                "the PGM maxval is " + std::to_string(maxval) + "; it must be from 1 to 65535");
   }
   image.bit_depth = static_cast<int>(std::bit_width(maxval));
   stream.get();  // the one white space between maxval and samples
-  if (!stream) throw Error("the PGM file ends within its header; its samples are missing");
+  if (!stream)
+    throw Fault(FaultKind::file, "the PGM file ends within its header; its samples are missing");
   image.first_byte = static_cast<std::uint64_t>(stream.tellg());
 
   const std::uint64_t available = file.size() - image.first_byte;
   if (image.width > available || image.height > available || image.size() > available) {
-    throw Error("the PGM file is truncated: " + std::to_string(image.width) + " x " +
-                std::to_string(image.height) + " pixels are announced, but only " +
-                std::to_string(available) + " bytes follow");
+    throw Fault(FaultKind::file, "the PGM file is truncated: " + std::to_string(image.width) +
+                                     " x " + std::to_string(image.height) +
+                                     " pixels are announced, but only " +
+                                     std::to_string(available) + " bytes follow");
   }
   return image;
 }
@@ -91,7 +98,8 @@ class PgmReader : public FrameReader {
     std::vector<std::uint8_t> bytes(image.size());
     file_.seek(image.first_byte);
     if (file_.read(bytes.data(), bytes.size()) != bytes.size()) {
-      throw Error("the PGM file cannot be read to its end; copy it again from its source");
+      throw Fault(FaultKind::file,
+                  "the PGM file cannot be read to its end; copy it again from its source");
     }
     samples_from_bytes(bytes, image.bit_depth, ByteOrder::big, frame.samples);
     return frame;
@@ -125,4 +133,4 @@ void write_netpbm(PendingFile& file, const Picture& picture) {
   file.write(picture.bytes.data(), picture.bytes.size());
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -1,12 +1,12 @@
 // Takes the place of png_file.cpp in builds without libpng.
-#include "toolkit/error.h"
+#include "kv/polarization/fault.h"
 #include "toolkit/image_files/png_file.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 [[noreturn]] void refuse() {
-  throw Error("this build has no PNG support; use PGM or headerless files");
+  throw Fault(FaultKind::file, "this build has no PNG support; use PGM or headerless files");
 }
 
 }  // namespace
@@ -16,4 +16,4 @@ std::unique_ptr<FrameReader> open_png(InputFile) { refuse(); }
 void write_png(PendingFile&, const GreyImage&) { refuse(); }
 void write_png(PendingFile&, const Picture&) { refuse(); }
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "toolkit/error.h"
+#include "kv/polarization/fault.h"
 #include "toolkit/image_files/sample_bytes.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 void keep_message_and_leave(png_structp png, png_const_charp message) {
@@ -61,8 +61,9 @@ class Decoder {
     const int bits = png_get_bit_depth(png_, info_);
     const int color_type = png_get_color_type(png_, info_);
     if (color_type != PNG_COLOR_TYPE_GRAY || bits < 8) {
-      throw Error("the PNG is " + color_name(color_type) + " of " + std::to_string(bits) +
-                  " bits; a raw frame is grey with 8 or 16 bits");
+      throw Fault(FaultKind::file, "the PNG is " + color_name(color_type) + " of " +
+                                       std::to_string(bits) +
+                                       " bits; a raw frame is grey with 8 or 16 bits");
     }
     Frame frame =
         make_frame(png_get_image_width(png_, info_), png_get_image_height(png_, info_), bits);
@@ -92,7 +93,8 @@ class Decoder {
 
   void require(bool success) const {
     if (!success) {
-      throw Error("the PNG is damaged or truncated (" + message_ + "); an intact one is needed");
+      throw Fault(FaultKind::file,
+                  "the PNG is damaged or truncated (" + message_ + "); an intact one is needed");
     }
   }
 
@@ -176,4 +178,4 @@ void write_png(PendingFile& file, const Picture& picture) {
          picture.row_size());
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

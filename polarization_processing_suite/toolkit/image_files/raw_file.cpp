@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
-#include "toolkit/error.h"
+#include "kv/polarization/fault.h"
 #include "toolkit/image_files/sample_bytes.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 class RawReader : public FrameReader {
@@ -15,10 +15,11 @@ class RawReader : public FrameReader {
   RawReader(InputFile file, const RawShape& shape) : file_(std::move(file)), shape_(shape) {
     frame_size_ = pixel_count(shape.width, shape.height) * static_cast<std::size_t>(shape.bits / 8);
     if (file_.size() % frame_size_ != 0) {
-      throw Error("the file has " + std::to_string(file_.size()) + " bytes; whole frames of " +
-                  std::to_string(shape.width) + " x " + std::to_string(shape.height) + " with " +
-                  std::to_string(shape.bits) + " bits need a multiple of " +
-                  std::to_string(frame_size_));
+      throw Fault(FaultKind::file, "the file has " + std::to_string(file_.size()) +
+                                       " bytes; whole frames of " + std::to_string(shape.width) +
+                                       " x " + std::to_string(shape.height) + " with " +
+                                       std::to_string(shape.bits) + " bits need a multiple of " +
+                                       std::to_string(frame_size_));
     }
   }
 
@@ -30,7 +31,7 @@ class RawReader : public FrameReader {
     std::vector<std::uint8_t> bytes(frame_size_);
     file_.seek(index * frame_size_);
     if (file_.read(bytes.data(), bytes.size()) != bytes.size()) {
-      throw Error("the file ends within the frame; copy it again from its source");
+      throw Fault(FaultKind::file, "the file ends within the frame; copy it again from its source");
     }
     samples_from_bytes(bytes, shape_.bits, ByteOrder::little, frame.samples);
     return frame;
@@ -53,4 +54,4 @@ void write_raw(PendingFile& file, const GreyImage& image) {
   file.write(bytes.data(), bytes.size());
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

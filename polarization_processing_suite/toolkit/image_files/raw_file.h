@@ -7,12 +7,12 @@
 #include "toolkit/image_files/input_file.h"
 #include "toolkit/image_files/pending_file.h"
 
-namespace kv {
+namespace kv::polarization {
 
-/// Frames without any header, one after the other. Throws Error when the file's size is not that of
+/// Frames without any header, one after the other. Throws Fault when the file's size is not that of
 /// a whole number of frames.
 std::unique_ptr<FrameReader> open_raw(InputFile file, const RawShape& shape);
 
 void write_raw(PendingFile& file, const GreyImage& image);
 
-}  // namespace kv
+}  // namespace kv::polarization

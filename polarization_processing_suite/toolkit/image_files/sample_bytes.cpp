@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 /// Positions of the low and the high byte within a stored sample.
@@ -43,4 +43,4 @@ std::vector<std::uint8_t> bytes_from_samples(std::span<const std::uint16_t> samp
   return bytes;
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

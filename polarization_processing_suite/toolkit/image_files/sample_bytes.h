@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-namespace kv {
+namespace kv::polarization {
 
 enum class ByteOrder { little, big };
 
@@ -15,4 +15,4 @@ void samples_from_bytes(std::span<const std::uint8_t> bytes, int bits, ByteOrder
 std::vector<std::uint8_t> bytes_from_samples(std::span<const std::uint16_t> samples, int bits,
                                              ByteOrder order);
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -1,12 +1,12 @@
 // Takes the place of tiff_file.cpp in builds without libtiff.
-#include "toolkit/error.h"
+#include "kv/polarization/fault.h"
 #include "toolkit/image_files/tiff_file.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 [[noreturn]] void refuse() {
-  throw Error("this build has no TIFF support; use PGM or headerless files");
+  throw Fault(FaultKind::file, "this build has no TIFF support; use PGM or headerless files");
 }
 
 }  // namespace
@@ -16,4 +16,4 @@ std::unique_ptr<FrameReader> open_tiff(InputFile) { refuse(); }
 void write_tiff(PendingFile&, const GreyImage&) { refuse(); }
 void write_tiff(PendingFile&, int, int, std::span<const float>) { refuse(); }
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -6,15 +6,15 @@
 #include <utility>
 #include <vector>
 
-#include "toolkit/error.h"
+#include "kv/polarization/fault.h"
 #include "toolkit/image_files/tiff_stream.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 [[noreturn]] void fail_as_damaged() {
-  throw Error("the TIFF is damaged or truncated (" + last_tiff_message() +
-              "); an intact one is needed");
+  throw Fault(FaultKind::file, "the TIFF is damaged or truncated (" + last_tiff_message() +
+                                   "); an intact one is needed");
 }
 
 std::uint16_t field(TIFF* tiff, ttag_t tag) {
@@ -28,21 +28,24 @@ void check_is_raw_frame(TIFF* tiff) {
   const int bits = field(tiff, TIFFTAG_BITSPERSAMPLE);
   const std::uint16_t photometric = field(tiff, TIFFTAG_PHOTOMETRIC);
   const std::string wanted = "; a raw frame is grey with 8 or 16 bits, unsigned, black being 0";
-  if (photometric == PHOTOMETRIC_PALETTE) throw Error("the TIFF page is palette colour" + wanted);
+  if (photometric == PHOTOMETRIC_PALETTE)
+    throw Fault(FaultKind::file, "the TIFF page is palette colour" + wanted);
   if (channels != 1) {
-    throw Error("the TIFF page has " + std::to_string(channels) + " channels" + wanted);
+    throw Fault(FaultKind::file,
+                "the TIFF page has " + std::to_string(channels) + " channels" + wanted);
   }
   if (field(tiff, TIFFTAG_SAMPLEFORMAT) == SAMPLEFORMAT_IEEEFP) {
-    throw Error("the TIFF page has float samples" + wanted);
+    throw Fault(FaultKind::file, "the TIFF page has float samples" + wanted);
   }
   if (field(tiff, TIFFTAG_SAMPLEFORMAT) == SAMPLEFORMAT_INT) {
-    throw Error("the TIFF page has signed samples" + wanted);
+    throw Fault(FaultKind::file, "the TIFF page has signed samples" + wanted);
   }
   if (bits != 8 && bits != 16) {
-    throw Error("the TIFF page has " + std::to_string(bits) + " bits a sample" + wanted);
+    throw Fault(FaultKind::file,
+                "the TIFF page has " + std::to_string(bits) + " bits a sample" + wanted);
   }
   if (photometric != PHOTOMETRIC_MINISBLACK && photometric != PHOTOMETRIC_CFA) {
-    throw Error("the TIFF page is not a plain grey image" + wanted);
+    throw Fault(FaultKind::file, "the TIFF page is not a plain grey image" + wanted);
   }
 }
 
@@ -200,4 +203,4 @@ void write_tiff(PendingFile& file, int width, int height, std::span<const float>
              2 * sizeof(float) * static_cast<std::size_t>(width));
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

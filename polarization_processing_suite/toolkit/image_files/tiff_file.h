@@ -8,9 +8,9 @@
 #include "toolkit/image_files/input_file.h"
 #include "toolkit/image_files/pending_file.h"
 
-namespace kv {
+namespace kv::polarization {
 
-/// Whether this build has libtiff. Without it every other function here throws Error.
+/// Whether this build has libtiff. Without it every other function here throws Fault.
 bool tiff_available();
 
 /// Grey TIFF of 8 or 16 bits; every page is a frame. The bit depth is that of the page's maximum
@@ -22,4 +22,4 @@ void write_tiff(PendingFile& file, const GreyImage& image);
 /// Two interleaved float channels.
 void write_tiff(PendingFile& file, int width, int height, std::span<const float> pairs);
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -6,7 +6,7 @@
 #include <cstdarg>
 #include <cstdio>
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 thread_local std::string message;
@@ -91,4 +91,4 @@ TiffPointer open_tiff_stream(PendingFile& file) {
 const std::string& last_tiff_message() { return message; }
 void clear_tiff_message() { message.clear(); }
 
-}  // namespace kv
+}  // namespace kv::polarization

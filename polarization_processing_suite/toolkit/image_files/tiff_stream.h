@@ -8,7 +8,7 @@
 #include "toolkit/image_files/input_file.h"
 #include "toolkit/image_files/pending_file.h"
 
-namespace kv {
+namespace kv::polarization {
 
 struct CloseTiff {
   void operator()(TIFF* tiff) const { TIFFClose(tiff); }
@@ -23,4 +23,4 @@ TiffPointer open_tiff_stream(PendingFile& file);
 const std::string& last_tiff_message();
 void clear_tiff_message();
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 constexpr int kGlyphWidth = 5;
@@ -67,4 +67,4 @@ void draw_text(Picture& picture, std::string_view text, int centre_column, int c
   }
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-#include "toolkit/picture.h"
+#include "kv/polarization/picture.h"
 
-namespace kv {
+namespace kv::polarization {
 
 /// Height of a line of text and advance of a letter, in dots.
 inline constexpr int kGlyphHeight = 7;
@@ -20,4 +20,4 @@ constexpr int text_width(std::string_view text, int scale) {
 void draw_text(Picture& picture, std::string_view text, int centre_column, int centre_row,
                int scale, const Colour& colour);
 
-}  // namespace kv
+}  // namespace kv::polarization

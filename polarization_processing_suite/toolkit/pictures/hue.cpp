@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace kv {
+namespace kv::polarization {
 
 std::array<float, 3> hue_of_angle(double degrees) {
   // 180 degrees lead once round the six edges of the colour hexagon.
@@ -15,4 +15,4 @@ std::array<float, 3> hue_of_angle(double degrees) {
   return {channel(0.0), channel(2.0), channel(4.0)};
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -9,7 +9,7 @@
 #include "toolkit/pictures/glyphs.h"
 #include "toolkit/pictures/hue.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 constexpr Colour kPanelColour = {32, 32, 32};
@@ -91,4 +91,4 @@ void draw_angle_legend(Picture& picture, int left, double dolp_white) {
             picture.height - panel_width / 4, scale, kTextColour);
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

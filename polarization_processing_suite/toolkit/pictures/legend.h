@@ -1,8 +1,8 @@
 #pragma once
 
-#include "toolkit/picture.h"
+#include "kv/polarization/picture.h"
 
-namespace kv {
+namespace kv::polarization {
 
 /// Width of the legend of an angle picture of that height; 0 where a legible one does not fit.
 int angle_legend_width(int picture_height);
@@ -11,4 +11,4 @@ int angle_legend_width(int picture_height);
 /// at its rim, and whose radius for DoLP, from 0 in the centre to dolp_white at the rim.
 void draw_angle_legend(Picture& picture, int left, double dolp_white);
 
-}  // namespace kv
+}  // namespace kv::polarization

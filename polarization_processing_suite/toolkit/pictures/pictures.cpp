@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 
 #include "toolkit/pictures/hue.h"
 #include "toolkit/pictures/legend.h"
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 std::uint8_t to_byte(double zero_to_one) {
@@ -62,7 +63,7 @@ std::vector<std::uint8_t> dolp_table(std::uint16_t output_max, double dolp_white
   return byte_table([=](double dolp) { return dolp / (output_max * dolp_white); });
 }
 
-Picture grey_picture(int width, int height, const std::vector<std::uint16_t>& values,
+Picture grey_picture(int width, int height, std::span<const std::uint16_t> values,
                      const std::vector<std::uint8_t>& table) {
   Picture picture(width, height, 1);
   std::transform(values.begin(), values.end(), picture.bytes.begin(),
@@ -91,21 +92,21 @@ Picture intensity_picture(const Frame& frame) {
   return grey_picture(frame.width, frame.height, means, table);
 }
 
-Picture dolp_picture(const Planes& planes, std::uint16_t output_max, double dolp_white) {
-  return grey_picture(planes.width, planes.height, planes.levels(Plane::dolp),
-                      dolp_table(output_max, dolp_white));
+Picture dolp_picture(const Planes& planes, double dolp_white) {
+  return grey_picture(planes.width(), planes.height(), planes.levels(Plane::dolp),
+                      dolp_table(planes.output_max(), dolp_white));
 }
 
-Picture angle_picture(const Planes& planes, std::uint16_t output_max, double dolp_white) {
-  const std::vector<Colour> colours = colour_table(output_max);
-  const std::vector<std::uint8_t> values = dolp_table(output_max, dolp_white);
-  const int legend_width = angle_legend_width(planes.height);
-  Picture picture(planes.width + legend_width, planes.height, 3);
+Picture angle_picture(const Planes& planes, double dolp_white) {
+  const std::vector<Colour> colours = colour_table(planes.output_max());
+  const std::vector<std::uint8_t> values = dolp_table(planes.output_max(), dolp_white);
+  const int legend_width = angle_legend_width(planes.height());
+  Picture picture(planes.width() + legend_width, planes.height(), 3);
   const std::uint16_t* azimuth = planes.levels(Plane::azimuth).data();
   const std::uint16_t* dolp = planes.levels(Plane::dolp).data();
-  for (int row = 0; row < planes.height; ++row) {
+  for (int row = 0; row < planes.height(); ++row) {
     std::uint8_t* out = picture.pixel(0, row);
-    for (int column = 0; column < planes.width; ++column, ++azimuth, ++dolp, out += 3) {
+    for (int column = 0; column < planes.width(); ++column, ++azimuth, ++dolp, out += 3) {
       const Colour& colour = colours[*azimuth];
       const unsigned value = values[*dolp];
       for (std::size_t i = 0; i < 3; ++i) {
@@ -113,8 +114,8 @@ Picture angle_picture(const Planes& planes, std::uint16_t output_max, double dol
       }
     }
   }
-  if (legend_width > 0) draw_angle_legend(picture, planes.width, dolp_white);
+  if (legend_width > 0) draw_angle_legend(picture, planes.width(), dolp_white);
   return picture;
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "toolkit/scene/vector3.h"
+#include "toolkit/simulation/vector3.h"
 
-namespace kv {
+namespace kv::polarization {
 
 /// Linear Stokes values; angles counter-clockwise from the image's rows.
 struct Stokes {
@@ -63,4 +63,4 @@ class DielectricSurface {
   double reflection_p_;  // amplitude, field within the plane of incidence
 };
 
-}  // namespace kv
+}  // namespace kv::polarization

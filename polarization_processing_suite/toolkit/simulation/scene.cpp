@@ -1,11 +1,11 @@
-#include "toolkit/scene/scene.h"
+#include "toolkit/simulation/scene.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <optional>
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 // Lengths are in metres: x to the right, y up, z towards the camera, the water at y = 0.
@@ -153,4 +153,4 @@ Stokes Scene::at(double column, double row) const {
   return light_along({kCamera, direction}, kMostReflections).stokes(right, up);
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

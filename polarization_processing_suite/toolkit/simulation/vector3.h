@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace kv {
+namespace kv::polarization {
 
 struct Vector3 {
   double x;
@@ -19,4 +19,4 @@ constexpr Vector3 cross(Vector3 a, Vector3 b) {
 }
 inline Vector3 unit(Vector3 a) { return (1.0 / std::sqrt(dot(a, a))) * a; }
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace kv {
+namespace kv::polarization {
 
 using Colour = std::array<std::uint8_t, 3>;  ///< red, green, blue, as displays take them
 
@@ -32,4 +32,4 @@ struct Picture {
   std::vector<std::uint8_t> bytes;
 };
 
-}  // namespace kv
+}  // namespace kv::polarization

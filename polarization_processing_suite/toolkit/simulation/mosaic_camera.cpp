@@ -1,10 +1,10 @@
-#include "toolkit/scene/mosaic_camera.h"
+#include "toolkit/simulation/mosaic_camera.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 // Typical of the sensors with 3.45 micrometre pixels that carry such mosaics.
@@ -54,21 +54,8 @@ class Polarizer {
 
 }  // namespace
 
-std::array<int, 4> polarizer_angles(PolarPhase phase) {
-  switch (phase) {
-    case kv_polar_phase_45:
-      return {45, 90, 0, 135};
-    case kv_polar_phase_90:
-      return {90, 45, 135, 0};
-    case kv_polar_phase_135:
-      return {135, 0, 90, 45};
-    default:
-      return {0, 135, 45, 90};
-  }
-}
-
 Frame photograph(const Scene& scene, int width, int height, const CameraSettings& settings) {
-  const auto angles = polarizer_angles(settings.phase);
+  const auto angles = cell_angles(settings.phase);
   const std::array<Polarizer, 4> cell = {Polarizer(angles[0]), Polarizer(angles[1]),
                                          Polarizer(angles[2]), Polarizer(angles[3])};
   Frame frame = make_frame(static_cast<std::uint64_t>(width), static_cast<std::uint64_t>(height),
@@ -91,4 +78,4 @@ Frame photograph(const Scene& scene, int width, int height, const CameraSettings
   return frame;
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

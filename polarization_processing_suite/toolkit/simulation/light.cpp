@@ -1,9 +1,9 @@
-#include "toolkit/scene/light.h"
+#include "toolkit/simulation/light.h"
 
 #include <cmath>
 #include <numbers>
 
-namespace kv {
+namespace kv::polarization {
 namespace {
 
 /// A unit vector at right angles to a.
@@ -88,4 +88,4 @@ Light DielectricSurface::emit(double radiance) const {
                                 radiance / 2 * (1 - reflection_p_ * reflection_p_));
 }
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "toolkit/scene/light.h"
+#include "toolkit/simulation/light.h"
 
-namespace kv {
+namespace kv::polarization {
 
 /// A round polarizing film in front of a lamp; lengths are in pixels of the picture.
 struct FilmDisc {
@@ -33,4 +33,4 @@ class Scene {
   std::array<FilmDisc, 4> discs_;
 };
 
-}  // namespace kv
+}  // namespace kv::polarization

@@ -1,0 +1,11 @@
+#pragma once
+
+/// The whole of the toolkit's basis: frames and planes in anybody's memory, and the processor.
+
+#include "kv/polarization/buffer.h"
+#include "kv/polarization/fault.h"
+#include "kv/polarization/frame.h"
+#include "kv/polarization/mosaic.h"
+#include "kv/polarization/planes.h"
+#include "kv/polarization/processor.h"
+#include "kv/polarization/weights.h"

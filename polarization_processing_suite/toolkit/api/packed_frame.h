@@ -1,0 +1,12 @@
+#pragma once
+
+#include "kv/polarization/buffer.h"
+#include "kv/polarization/frame.h"
+#include "toolkit/api/library_call.h"
+
+namespace kv::polarization {
+
+/// The samples of a frame as the library takes them: where they lie if they are so, else in `room`.
+FramePart packed(const FrameView& frame, Buffer<std::uint16_t>& room);
+
+}  // namespace kv::polarization
