@@ -4,10 +4,14 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
+#include <cstring>
 #include <numbers>
 #include <random>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "error_of.h"
 
@@ -125,6 +129,182 @@ struct Request {
                     .intensity = {std::span(levels).first(48)},
                     .dolp = {std::span(levels).last(48)}};
 };
+
+/// The bytes of all planes, whose pairs may be NaN.
+std::string bytes_of(const Planes& planes) {
+  std::string bytes;
+  const auto add = [&bytes](auto values) {
+    bytes.append(reinterpret_cast<const char*>(values.data()), values.size_bytes());
+  };
+  add(planes.normalized_stokes());
+  for (const PlaneTraits& traits : kPlanes) add(planes.levels(traits.plane));
+  return bytes;
+}
+
+// Widths with and without a packed rest of each size; heights that end in one and in two last rows,
+// as one strip, at the boundary of strips, and in several bands of pairs.
+TEST(Processor, ThreadsAndModesGiveTheBytesOfSingleCalls) {
+  Processor alone;
+  Processor threads(3);
+  Weights weights = alone.weights();
+  weights.behind_0[0] = 1.5F;
+  weights.behind_45[5] = -2.0F;
+  weights.behind_90[10] = 0.25F;
+  weights.behind_135[4] = 3.0F;
+  for (const auto& [width, height] :
+       {std::pair{640u, 401u}, {517u, 402u}, {518u, 640u}, {519u, 641u}, {8u, 30000u}}) {
+    const Mosaic mosaic{static_cast<int>(height) % 4, 1, static_cast<int>(width) % 2};
+    const Frame frame = random_frame(width, height);
+    SCOPED_TRACE(testing::Message() << width << " x " << height);
+    Planes one, many, strips;
+    for (Planes* planes : {&one, &many, &strips}) {
+      planes->reshape(frame.width, frame.height, OutputSet::all(), kOutputMax);
+    }
+    alone.transform(frame, mosaic, one.views());
+    threads.transform(frame, mosaic, many.views());
+    EXPECT_TRUE(bytes_of(one) == bytes_of(many));
+
+    alone.set_weights(weights);
+    threads.set_weights(weights);
+    alone.transform(frame, mosaic, one.views(), WeightReach::every_pixel);
+    threads.transform(frame, mosaic, many.views(), WeightReach::every_pixel);
+    EXPECT_TRUE(bytes_of(one) == bytes_of(many));
+    // Two rows at a time have no vector area, but an odd width misleads the last pixel.
+    const bool is_odd = frame.height % 2 != 0;
+    for (int row = 0; row < frame.height; row += row + 3 == frame.height && is_odd ? 1 : 2) {
+      const FrameView two = frame_view(
+          std::span(frame.samples).subspan(pixel_count(frame.width, row)), frame.width, 2, 12);
+      const PlaneViews all = strips.views();
+      const auto at = [&](std::span<std::uint16_t> plane) {
+        return LevelView{plane.subspan(pixel_count(frame.width, row), 2 * width), kOutputMax};
+      };
+      alone.transform(two, {mosaic.phase, 1, mosaic.y_origin + row},
+                      {.normalized_stokes = all.normalized_stokes.subspan(
+                           2 * pixel_count(frame.width, row), 4 * width),
+                       .intensity = at(all.intensity.levels),
+                       .stokes_s1 = at(all.stokes_s1.levels),
+                       .stokes_s2 = at(all.stokes_s2.levels),
+                       .azimuth = at(all.azimuth.levels),
+                       .dolp = at(all.dolp.levels)});
+    }
+    for (int row = 0; row < frame.height; ++row) {
+      const std::size_t begin = pixel_count(frame.width, row);
+      for (const PlaneTraits& traits : kPlanes) {
+        if (traits.element == PlaneElement::float_pair) continue;
+        EXPECT_TRUE(std::equal(&strips.levels(traits.plane)[begin],
+                               &strips.levels(traits.plane)[begin + width - width % 2],
+                               &one.levels(traits.plane)[begin]))
+            << traits.name << ", row " << row;
+      }
+    }
+    alone.reset_weights();
+    threads.reset_weights();
+    EXPECT_EQ(alone.weights(), Processor().weights());
+  }
+}
+
+// The last pixel of a frame that is odd in width alone, with the default weights, is the one that
+// the library gives other weights.
+TEST(Processor, WeightsReachTheLastColumnOfAnOddWidth) {
+  const Frame frame = random_frame(9, 7);
+  Planes planes;
+  planes.reshape(9, 7, OutputSet::all(), kOutputMax);
+  for (PolarPhase phase = 0; phase < 4; ++phase) {
+    const Mosaic mosaic{phase, 0, 0};
+    Processor().transform(frame, mosaic, planes.views(), WeightReach::every_pixel);
+    for (int row = 0; row < 7; ++row) {
+      Frame pair = make_frame(9, 2, 12);  // the two rows that a pixel is made of
+      const int first = row < 5 ? row / 2 * 2 : 5;
+      std::copy_n(frame.samples.data() + 9 * first, 18, pair.samples.data());
+      for (int column = 0; column < 9; ++column) {
+        EXPECT_TRUE(is_close(planes, static_cast<std::size_t>(9 * row + column),
+                             expected_at(pair, {phase, 0, first}, row - first, column)))
+            << row << ", " << column;
+      }
+    }
+  }
+}
+
+TEST(Processor, TakesFramesAsTheyLie) {
+  const Frame frame = random_frame(9, 6);
+  Planes expected, planes;
+  for (Planes* each : {&expected, &planes}) {
+    each->reshape(9, 6, OutputSet(Plane::intensity, Plane::azimuth), 4095);
+  }
+  Processor processor;
+  processor.transform(frame, {}, expected.views());
+  std::vector<std::uint8_t> bytes(6 * 30 + 1);
+  for (std::size_t i = 0; i < 54; ++i) {  // left-aligned, with gaps, at an odd address
+    const auto sample = static_cast<std::uint16_t>(frame.samples[i] << 4);
+    std::memcpy(&bytes[1 + i / 9 * 30 + i % 9 * 2], &sample, 2);
+  }
+  processor.transform({.bytes = std::as_bytes(std::span(bytes)).subspan(1),
+                       .width = 9,
+                       .height = 6,
+                       .row_pitch = 30,
+                       .bit_depth = 12,
+                       .alignment = SampleAlignment::left},
+                      {}, planes.views());
+  EXPECT_TRUE(bytes_of(planes) == bytes_of(expected));
+
+  Frame eight = frame;
+  eight.bit_depth = 8;
+  std::vector<std::uint8_t> samples(54);
+  for (std::size_t i = 0; i < 54; ++i) {
+    eight.samples[i] >>= 4;
+    samples[i] = static_cast<std::uint8_t>(eight.samples[i]);
+  }
+  processor.transform(eight, {}, expected.views());
+  processor.transform(frame_view(samples, 9, 6), {}, planes.views());
+  EXPECT_TRUE(bytes_of(planes) == bytes_of(expected));
+
+  // Each plane has its own full scale.
+  PlaneViews views = planes.views();
+  views.azimuth.output_max = 180;
+  processor.transform(eight, {}, views);
+  EXPECT_TRUE(
+      std::ranges::equal(planes.levels(Plane::intensity), expected.levels(Plane::intensity)));
+  for (std::size_t i = 0; i < 54; ++i) {
+    EXPECT_NEAR(planes.levels(Plane::azimuth)[i], expected.levels(Plane::azimuth)[i] / 22.75, 0.51);
+  }
+}
+
+TEST(Processor, CanBeMovedAndSaysWhenItWas) {
+  const Frame frame = random_frame(8, 6);
+  Planes planes;
+  planes.reshape(8, 6, OutputSet::all());
+  Processor first(2);
+  Processor second = std::move(first);
+  second.transform(frame, {}, planes.views());
+  EXPECT_PRED2(contains, error_of([&] { first.transform(frame, {}, planes.views()); }),
+               "moved from");
+  first = std::move(second);
+  first.transform(frame, {}, planes.views());
+  EXPECT_PRED2(contains, error_of([] { Processor(-1); }), "-1 threads");
+}
+
+TEST(ForEachFrame, WorksSideBySideAndStopsAtTheFirstFault) {
+  std::vector<std::atomic<int>> calls(100);
+  Weights weights = Processor().weights();
+  weights.behind_0[0] = 7;
+  for_each_frame(
+      calls.size(),
+      [&](Processor& processor, std::size_t index) {
+        EXPECT_EQ(processor.weights(), weights);
+        ++calls[index];
+      },
+      3, weights);
+  for (const auto& count : calls) EXPECT_EQ(count, 1);
+
+  std::atomic<int> begun = 0;
+  const auto fail = [&](Processor&, std::size_t) {
+    ++begun;
+    throw Fault(FaultKind::file, "frame is missing");
+  };
+  EXPECT_EQ(error_of([&] { for_each_frame(1000, fail, 3); }), "frame is missing");
+  EXPECT_LE(begun, 3);
+  for_each_frame(0, fail);
+}
 
 TEST(Processor, RefusesWhatTheLibraryCannotDo) {
   using Spoil = void (*)(Request&);

@@ -59,8 +59,8 @@ void check(const FrameView& frame) {
       frame.row_pitch == 0 ? row : static_cast<std::uint64_t>(frame.row_pitch);
   const std::uint64_t needed = pitch * (height - 1) + row;
   if (frame.bytes.size() < needed) {
-    throw Fault(FaultKind::argument, size_text(width, height) + " needs " +
-                                         std::to_string(needed) + " bytes, but its memory has " +
+    throw Fault(FaultKind::argument, size_text(width, height) + " needs " + std::to_string(needed) +
+                                         " bytes, but its memory has " +
                                          std::to_string(frame.bytes.size()));
   }
 }

@@ -36,6 +36,30 @@ class FullScales {
 
 }  // namespace
 
+FramePart FramePart::rows(int first, int count) const {
+  FramePart part = *this;
+  part.samples += pixel_count(width, first);
+  part.height = count;
+  // The library asks only whether an origin is odd.
+  part.mosaic.y_origin = (mosaic.y_origin % 2 + first) % 2;
+  return part;
+}
+
+PlaneViews rows_of(const PlaneViews& planes, int width, int first, int count) {
+  const std::size_t begin = pixel_count(width, first);
+  const std::size_t size = pixel_count(width, count);
+  PlaneViews part = planes;
+  if (!planes.normalized_stokes.empty()) {
+    part.normalized_stokes = planes.normalized_stokes.subspan(2 * begin, 2 * size);
+  }
+  for (const PlaneTraits& traits : kPlanes) {
+    if (traits.element != PlaneElement::level) continue;
+    LevelView& view = part.level(traits.plane);
+    if (!view.levels.empty()) view.levels = view.levels.subspan(begin, size);
+  }
+  return part;
+}
+
 void require_ok(ProcessorStatus status) {
   switch (status) {
     case kv_status_ok:
@@ -56,8 +80,7 @@ void require_ok(ProcessorStatus status) {
   }
 }
 
-void call_library(PolarizationProcessor* handle, const Mosaic& mosaic, const FramePart& part,
-                  const PlaneViews& planes) {
+void call_library(PolarizationProcessor* handle, const FramePart& frame, const PlaneViews& planes) {
   // A buffer that is used again has an address even while it is empty.
   float* pairs = planes.normalized_stokes.empty() ? nullptr : planes.normalized_stokes.data();
   for (const std::uint16_t output_max : FullScales(planes)) {
@@ -65,8 +88,8 @@ void call_library(PolarizationProcessor* handle, const Mosaic& mosaic, const Fra
       return view.output_max == output_max && !view.levels.empty() ? view.levels.data() : nullptr;
     };
     require_ok(kv_polarization_processor_transform(
-        handle, mosaic.phase, part.samples, mosaic.x_origin, mosaic.y_origin, part.width,
-        part.height, static_cast<std::uint32_t>(part.bit_depth), output_max, pairs,
+        handle, frame.mosaic.phase, frame.samples, frame.mosaic.x_origin, frame.mosaic.y_origin,
+        frame.width, frame.height, static_cast<std::uint32_t>(frame.bit_depth), output_max, pairs,
         level(planes.intensity), level(planes.stokes_s1), level(planes.stokes_s2),
         level(planes.azimuth), level(planes.dolp)));
     pairs = nullptr;

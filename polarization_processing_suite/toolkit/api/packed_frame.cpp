@@ -21,14 +21,13 @@ bool is_aligned(const void* pointer) {
 
 }  // namespace
 
-FramePart packed(const FrameView& frame, Buffer<std::uint16_t>& room) {
+FramePart packed(const FrameView& frame, const Mosaic& mosaic, Buffer<std::uint16_t>& room) {
   const std::size_t stored = bytes_of(frame.type);
   const auto row = static_cast<std::ptrdiff_t>(static_cast<std::size_t>(frame.width) * stored);
   const std::ptrdiff_t pitch = frame.row_pitch == 0 ? row : frame.row_pitch;
-  const int shift = frame.alignment == SampleAlignment::left
-                        ? static_cast<int>(8 * stored) - frame.bit_depth
-                        : 0;
-  FramePart part{nullptr, frame.width, frame.height, frame.bit_depth};
+  const int shift =
+      frame.alignment == SampleAlignment::left ? static_cast<int>(8 * stored) - frame.bit_depth : 0;
+  FramePart part{nullptr, frame.width, frame.height, frame.bit_depth, mosaic};
   if (stored == 2 && pitch == row && shift == 0 && is_aligned(frame.bytes.data())) {
     part.samples = reinterpret_cast<const std::uint16_t*>(frame.bytes.data());
     return part;

@@ -7,6 +7,6 @@
 namespace kv::polarization {
 
 /// The samples of a frame as the library takes them: where they lie if they are so, else in `room`.
-FramePart packed(const FrameView& frame, Buffer<std::uint16_t>& room);
+FramePart packed(const FrameView& frame, const Mosaic& mosaic, Buffer<std::uint16_t>& room);
 
 }  // namespace kv::polarization

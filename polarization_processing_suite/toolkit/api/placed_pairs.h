@@ -7,8 +7,8 @@
 
 namespace kv::polarization {
 
-/// Whether the library packs the pairs of such a frame one behind the other, rather than leaving each
-/// at the place of its pixel. The C header tells how.
+/// Whether the library packs the pairs of such a frame one behind the other, rather than leaving
+/// each at the place of its pixel. The C header tells how.
 constexpr bool packs_pairs(int width, int height) { return width >= 8 && height >= 5; }
 
 /// Memory of the work, kept from frame to frame.
@@ -17,9 +17,10 @@ struct PairScratch {
   Buffer<std::uint16_t> right_columns;
 };
 
-/// Fills normalized_stokes of a frame whose pairs the library packs, every pair at the place of its
-/// pixel, by a few calls whose results are moved.
-void fill_placed_pairs(PolarizationProcessor* handle, const Mosaic& mosaic, const FramePart& frame,
+/// Fills normalized_stokes in rows `first` to `last` - 1 of a frame whose pairs the library packs,
+/// every pair at the place of its pixel: by a few calls whose results are moved. `first` is even,
+/// and `last` is even or the end of the frame, and at least 4 more.
+void fill_placed_pairs(PolarizationProcessor* handle, const FramePart& frame, int first, int last,
                        std::span<float> pairs, PairScratch& scratch);
 
 }  // namespace kv::polarization

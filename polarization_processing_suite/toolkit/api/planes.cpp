@@ -4,13 +4,12 @@ namespace kv::polarization {
 namespace {
 
 /// The 16-bit planes' members, by plane.
-constexpr std::array<LevelView PlaneViews::*, kPlanes.size()> kLevels = {
-    nullptr,
-    &PlaneViews::intensity,
-    &PlaneViews::stokes_s1,
-    &PlaneViews::stokes_s2,
-    &PlaneViews::azimuth,
-    &PlaneViews::dolp};
+constexpr std::array<LevelView PlaneViews::*, kPlanes.size()> kLevels = {nullptr,
+                                                                         &PlaneViews::intensity,
+                                                                         &PlaneViews::stokes_s1,
+                                                                         &PlaneViews::stokes_s2,
+                                                                         &PlaneViews::azimuth,
+                                                                         &PlaneViews::dolp};
 
 }  // namespace
 

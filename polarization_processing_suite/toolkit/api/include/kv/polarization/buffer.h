@@ -9,9 +9,10 @@
 
 namespace kv::polarization {
 
-/// Memory for that many elements of a size in bytes. It begins at a multiple of 64 bytes. From 4 megabytes up it begins at a multiple of 2
-/// megabytes, and the operating system is asked for huge pages, which take a tenth to a quarter off
-/// the time of the linear planes. Throws Fault of kind memory.
+/// Memory for that many elements of a size in bytes. It begins at a multiple of 64 bytes. From 4
+/// megabytes up it begins at a multiple of 2 megabytes, and the operating system is asked for huge
+/// pages, which take a tenth to a quarter off the time of the linear planes. Throws Fault of kind
+/// memory.
 void* allocate_pages(std::size_t count, std::size_t size);
 void free_pages(void* memory, std::size_t count, std::size_t size) noexcept;
 
@@ -20,7 +21,7 @@ void free_pages(void* memory, std::size_t count, std::size_t size) noexcept;
 ///
 /// A range like std::vector, but new elements have no value until they are written.
 template <class Number>
-  requires std::is_arithmetic_v<Number>
+requires std::is_arithmetic_v<Number>
 class Buffer {
  public:
   using value_type = Number;

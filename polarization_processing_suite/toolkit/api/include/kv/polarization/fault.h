@@ -17,8 +17,8 @@ enum class FaultKind : std::uint8_t {
   unsupported  ///< what this processor, or this build, cannot do
 };
 
-/// What every function of the toolkit throws, and the only thing. what() is one line: what is wrong,
-/// and what would be right.
+/// What every function of the toolkit throws, and the only thing. what() is one line: what is
+/// wrong, and what would be right.
 class Fault : public std::runtime_error {
  public:
   Fault(FaultKind kind, const std::string& line, std::optional<ProcessorStatus> status = {})

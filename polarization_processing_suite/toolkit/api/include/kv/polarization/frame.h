@@ -20,8 +20,8 @@ enum class SampleType : std::uint8_t { uint8, uint16 };
 
 constexpr std::size_t bytes_of(SampleType type) { return type == SampleType::uint8 ? 1 : 2; }
 
-/// Where the significant bits of a sample lie in its 8 or 16: the lowest ones (right), or the highest
-/// ones with zeros below (left).
+/// Where the significant bits of a sample lie in its 8 or 16: the lowest ones (right), or the
+/// highest ones with zeros below (left).
 enum class SampleAlignment : std::uint8_t { right, left };
 
 /// A raw mosaic frame in somebody else's memory, which has to outlive the calls that get the view.
@@ -41,7 +41,8 @@ struct FrameView {
 /// Views of packed, right-aligned samples.
 inline FrameView frame_view(std::span<const std::uint16_t> samples, int width, int height,
                             int bit_depth = 16) {
-  return {.bytes = std::as_bytes(samples), .width = width, .height = height, .bit_depth = bit_depth};
+  return {
+      .bytes = std::as_bytes(samples), .width = width, .height = height, .bit_depth = bit_depth};
 }
 inline FrameView frame_view(std::span<const std::uint8_t> samples, int width, int height,
                             int bit_depth = 8) {
@@ -52,9 +53,9 @@ inline FrameView frame_view(std::span<const std::uint8_t> samples, int width, in
           .bit_depth = bit_depth};
 }
 
-/// Throws Fault of kind argument, with the reason, when there can be no such frame: a side below 1 or
-/// above 2^20, a bit depth that the samples cannot have, a pitch below a row, or bytes that end before
-/// the last sample.
+/// Throws Fault of kind argument, with the reason, when there can be no such frame: a side below 1
+/// or above 2^20, a bit depth that the samples cannot have, a pitch below a row, or bytes that end
+/// before the last sample.
 void check(const FrameView& frame);
 
 /// An owned frame, as the library takes it: row by row without gaps, right-aligned.

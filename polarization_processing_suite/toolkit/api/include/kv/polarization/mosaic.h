@@ -8,12 +8,12 @@
 
 namespace kv::polarization {
 
-/// How the polarizers lie behind a frame: those of the sensor's first pixels, and which pixel of the
-/// sensor is the frame's first, for regions of interest.
+/// How the polarizers lie behind a frame: those of the sensor's first pixels, and which pixel of
+/// the sensor is the frame's first, for regions of interest.
 struct Mosaic {
   PolarPhase phase = kv_polar_phase_0;  ///< polarizer behind the sensor's top-left pixel
-  int x_origin = 0;                     ///< column of the frame's first pixel on the sensor, from 0 up
-  int y_origin = 0;                     ///< row of the frame's first pixel on the sensor, from 0 up
+  int x_origin = 0;  ///< column of the frame's first pixel on the sensor, from 0 up
+  int y_origin = 0;  ///< row of the frame's first pixel on the sensor, from 0 up
 };
 
 /// Angles in degrees of the polarizers behind a cell's pixels: top left, top right, bottom left,

@@ -17,15 +17,15 @@ using kv::plane_named;
 using kv::PlaneElement;
 using kv::PlaneTraits;
 
-/// A plane of 16-bit levels to fill, one a pixel, row by row without gaps; empty for a plane that is
-/// not wanted.
+/// A plane of 16-bit levels to fill, one a pixel, row by row without gaps; empty for a plane that
+/// is not wanted.
 struct LevelView {
   std::span<std::uint16_t> levels;
   std::uint16_t output_max = 65535;  ///< full scale of the plane, 1 to 65535
 };
 
-/// The planes to fill from a frame, in somebody else's memory. They may share no byte with each other
-/// or with the frame. Planes of different output_max take a call of the library for each.
+/// The planes to fill from a frame, in somebody else's memory. They may share no byte with each
+/// other or with the frame. Planes of different output_max take a call of the library for each.
 struct PlaneViews {
   std::span<float> normalized_stokes{};  ///< S1/S0 and S2/S0 of each pixel, row by row
   LevelView intensity{};
