@@ -87,5 +87,11 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FUL
            OUTPUT_VARIABLE pc_to_prefix)
 cmake_path(APPEND libdir "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
 cmake_path(APPEND includedir "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
-configure_file(${CMAKE_CURRENT_LIST_DIR}/pkg-config.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+function(install_pkg_config name)
+  cmake_parse_arguments(PARSE_ARGV 1 pc "" "DESCRIPTION;REQUIRES;LIBS" "")
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/pkg-config.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+install_pkg_config(${library} DESCRIPTION "${PROJECT_DESCRIPTION}" LIBS -l${library})
+
+include(${CMAKE_CURRENT_LIST_DIR}/InstallToolkit.cmake)

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # What is installed: all files and links, and no other.
 #
-#   files_test.sh PREFIX LIBDIR VERSION CONFIGURATION
+#   files_test.sh PREFIX LIBDIR VERSION CONFIGURATION TOOLKIT
 set -euo pipefail
-prefix=$1 lib=$2 version=$3 configuration=$4
+prefix=$1 lib=$2 version=$3 configuration=$4 toolkit=$5
 source ../expect_same.sh
 
 name=kevrinth_qrm_polarization_processor
@@ -11,9 +11,15 @@ name=kevrinth_qrm_polarization_processor
 expected="bin/kv-polarize
 include/kevrinth_qrm_logger.h
 include/$name.h
+include/kv/polarization/planes/plane_list.h
+$(find "$toolkit"/*/include -type f -printf 'include/%P\n')
 $lib/cmake/$name/$name-config-$configuration.cmake
 $lib/cmake/$name/$name-config-version.cmake
 $lib/cmake/$name/$name-config.cmake
+$lib/cmake/kv_polarization/kv_polarization-config-version.cmake
+$lib/cmake/kv_polarization/kv_polarization-config.cmake
+$lib/cmake/kv_polarization/kv_polarization-targets-$configuration.cmake
+$lib/cmake/kv_polarization/kv_polarization-targets.cmake
 $lib/kevrinth_qrm_logger.cfg
 $lib/kevrinth_qrm_logger.so
 $lib/$name.so -> lib$name.so.0
@@ -22,7 +28,13 @@ $lib/${name}_vector_avx512.so
 $lib/lib$name.so -> lib$name.so.0
 $lib/lib$name.so.$version
 $lib/lib$name.so.0 -> lib$name.so.$version
-$lib/pkgconfig/$name.pc"
+$lib/libkv_image_files.a
+$lib/libkv_pictures.a
+$lib/libkv_polarization.a
+$lib/pkgconfig/$name.pc
+$lib/pkgconfig/kv-image-files.pc
+$lib/pkgconfig/kv-pictures.pc
+$lib/pkgconfig/kv-polarization.pc"
 expect_same 'installed files' "$(LC_ALL=C sort <<<"$expected")" \
   "$(find "$prefix" -type f -printf '%P\n' -o -type l -printf '%P -> %l\n' | LC_ALL=C sort)"
 
