@@ -58,8 +58,8 @@ void time_frames(benchmark::State& state, FrameSize size, OutputSet outputs, boo
   kv::bench::Transformer transform(path);
   if (kv::bench::skip_if(state, transform.missing())) return;
   kv::bench::FrameRing frames(size, outputs, scaled, buffers.frames);
-  kv::bench::time_against_limit(
-      state, size.pixels(), [&] { transform(frames.next()); },
+  kv::bench::time_against(
+      state, size.pixels(), [&] { transform(frames.next()); }, "copy",
       [&] { kv::bench::copy_streams(frames.next()); });
 }
 
@@ -67,8 +67,8 @@ void time_opencv(benchmark::State& state, FrameSize size, OutputSet outputs) {
   if (kv::bench::skip_if(state, kv::bench::OpencvBaseline::missing())) return;
   kv::bench::OpencvBaseline transform;
   kv::bench::FrameRing frames(size, outputs, false, kWarm.frames);
-  kv::bench::time_against_limit(
-      state, size.pixels(), [&] { transform(frames.next()); },
+  kv::bench::time_against(
+      state, size.pixels(), [&] { transform(frames.next()); }, "copy",
       [&] { kv::bench::copy_streams(frames.next()); });
 }
 

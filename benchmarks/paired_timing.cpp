@@ -22,23 +22,23 @@ double median(std::vector<double>& values) {
 
 }  // namespace
 
-void time_against_limit(benchmark::State& state, std::size_t pixels,
-                        const std::function<void()>& work, const std::function<void()>& limit) {
+void time_against(benchmark::State& state, std::size_t pixels, const std::function<void()>& work,
+                  const std::string& name, const std::function<void()>& other) {
   std::vector<double> work_times;
-  std::vector<double> limit_times;
+  std::vector<double> other_times;
   work();
   for (auto _ : state) {
-    limit_times.push_back(seconds_of(limit));
+    other_times.push_back(seconds_of(other));
     work_times.push_back(seconds_of(work));
     state.SetIterationTime(work_times.back());
   }
   const double work_time = median(work_times);
-  const double limit_time = median(limit_times);
+  const double other_time = median(other_times);
   const double megapixels = static_cast<double>(pixels) / 1e6;
   state.counters["ms"] = work_time * 1e3;
   state.counters["MP/s"] = megapixels / work_time;
-  state.counters["copy_MP/s"] = megapixels / limit_time;
-  state.counters["x_copy"] = work_time / limit_time;
+  state.counters[name + "_MP/s"] = megapixels / other_time;
+  state.counters["x_" + name] = work_time / other_time;
 }
 
 }  // namespace kv::bench

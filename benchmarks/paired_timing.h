@@ -4,13 +4,14 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 
 namespace kv::bench {
 
-/// Times `work` and `limit` in turn and reports, beside the time of `work`, the medians of both as
-/// megapixels per second and their ratio (`x_copy`, 1 being the limit). In turn, because the speed
-/// of a shared machine drifts.
-void time_against_limit(benchmark::State& state, std::size_t pixels,
-                        const std::function<void()>& work, const std::function<void()>& limit);
+/// Times `work` and what it is compared with in turn, and reports, beside the time of `work`, the
+/// medians of both as megapixels per second and their ratio, x_NAME. In turn, because the speed of
+/// a shared machine drifts.
+void time_against(benchmark::State& state, std::size_t pixels, const std::function<void()>& work,
+                  const std::string& name, const std::function<void()>& other);
 
 }  // namespace kv::bench

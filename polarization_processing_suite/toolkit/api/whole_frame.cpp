@@ -37,14 +37,14 @@ void copy_pixels(const PlaneViews& source, std::size_t from, const PlaneViews& t
     if (traits.element != PlaneElement::level) continue;
     const LevelView& view = target.level(traits.plane);
     if (view.levels.empty()) continue;
-    std::copy_n(source.level(traits.plane).levels.begin() + static_cast<std::ptrdiff_t>(from), count,
-                view.levels.begin() + static_cast<std::ptrdiff_t>(to));
+    std::copy_n(source.level(traits.plane).levels.begin() + static_cast<std::ptrdiff_t>(from),
+                count, view.levels.begin() + static_cast<std::ptrdiff_t>(to));
   }
 }
 
 /// A call for rows above others: it has to see the row below its own, and would spoil that of the
-/// planes. So it stops a row pair early, and the row that it spoils is the first of the last row pair,
-/// which comes from a call into scratch.
+/// planes. So it stops a row pair early, and the row that it spoils is the first of the last row
+/// pair, which comes from a call into scratch.
 void fill_levels_above_others(PolarizationProcessor* handle, const FramePart& frame, int first,
                               int last, const PlaneViews& planes, StripScratch& scratch) {
   const int pair = last - 2;
@@ -58,9 +58,9 @@ void fill_levels_above_others(PolarizationProcessor* handle, const FramePart& fr
 /// Row pairs that make one call in fill_with_weights; their planes stay in the caches.
 constexpr int kRowPairsACall = 8;
 
-/// Some row pairs of a frame, side by side as one of two rows, which has no vector area. Behind each
-/// stands its last column but one again, so that the last column sees the neighbour that it has at the
-/// frame's edge, and one more where that keeps the mosaic.
+/// Some row pairs of a frame, side by side as one of two rows, which has no vector area. Behind
+/// each stands its last column but one again, so that the last column sees the neighbour that it
+/// has at the frame's edge, and one more where that keeps the mosaic.
 class SideBySide {
  public:
   SideBySide(PolarizationProcessor* handle, const FramePart& frame, const PlaneViews& planes,

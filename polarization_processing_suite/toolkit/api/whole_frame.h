@@ -20,16 +20,16 @@ constexpr bool can_be_cut(int width, int height) { return packs_pairs(width, hei
 /// Fewest rows of a strip.
 inline constexpr int kLeastStrip = 4;
 
-/// Fill rows `first` to `last` - 1 of planes, and touch no other: `first` is even, and `last` even or
-/// the end of the frame. A frame that cannot be cut is one strip, and so is what is left of others:
-/// strips have kLeastStrip rows or more.
+/// Fill rows `first` to `last` - 1 of planes, and touch no other: `first` is even, and `last` even
+/// or the end of the frame. A frame that cannot be cut is one strip, and so is what is left of
+/// others: strips have kLeastStrip rows or more.
 
 /// With the bytes of one call of the library for the whole frame, and every pair at its place.
 void fill_as_library(PolarizationProcessor* handle, const FramePart& frame, int first, int last,
                      const PlaneViews& planes, StripScratch& scratch);
 
-/// With the processor's weights in every pixel. Pixels of rows 2n and 2n + 1 are made of the samples
-/// of these two rows alone; those of the last two rows of an odd height, of the last two.
+/// With the processor's weights in every pixel. Pixels of rows 2n and 2n + 1 are made of the
+/// samples of these two rows alone; those of the last two rows of an odd height, of the last two.
 void fill_with_weights(PolarizationProcessor* handle, const FramePart& frame, int first, int last,
                        const PlaneViews& planes, StripScratch& scratch);
 

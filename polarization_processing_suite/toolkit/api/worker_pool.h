@@ -13,8 +13,8 @@ namespace kv::polarization {
 /// microseconds.
 class WorkerPool {
  public:
-  /// The threads that a count stands for: 0 for as many as the processor runs at once. Throws Fault of
-  /// kind argument when it is negative or above 1024.
+  /// The threads that a count stands for: 0 for as many as the processor runs at once. Throws Fault
+  /// of kind argument when it is negative or above 1024.
   static int threads_of(int count);
 
   /// That many less one, as the caller of run() works too.
