@@ -1,5 +1,6 @@
-// The toolkit's ways with whole frames, beside the library's plain call for the same planes. All buffers
-// are the toolkit's; frames and planes take turns, so that no cache holds them when they are large.
+// The toolkit's ways with whole frames, beside the library's plain call for the same planes. All
+// buffers are the toolkit's; frames and planes take turns, so that no cache holds them when they
+// are large.
 //
 //   toolkit_benchmarks --benchmark_filter=2448x2048
 
@@ -33,8 +34,7 @@ constexpr std::array kSets = {
     NamedPlanes{"stokes_s1", OutputSet(Plane::stokes_s1)},
     NamedPlanes{"azimuth", OutputSet(Plane::azimuth)},
     NamedPlanes{"dolp", OutputSet(Plane::dolp)},
-    NamedPlanes{"intensity+azimuth+dolp",
-                OutputSet(Plane::intensity, Plane::azimuth, Plane::dolp)},
+    NamedPlanes{"intensity+azimuth+dolp", OutputSet(Plane::intensity, Plane::azimuth, Plane::dolp)},
     NamedPlanes{"five_planes", OutputSet(Plane::intensity, Plane::stokes_s1, Plane::stokes_s2,
                                          Plane::azimuth, Plane::dolp)},
     NamedPlanes{"normalized_stokes", OutputSet(Plane::normalized_stokes)},
@@ -51,7 +51,8 @@ class Ring {
   Ring(Size size, OutputSet wanted) : slots_(kSlots) {
     std::mt19937 random(1);
     for (Slot& slot : slots_) {
-      slot.frame = make_frame(static_cast<unsigned>(size.width), static_cast<unsigned>(size.height), 12);
+      slot.frame =
+          make_frame(static_cast<unsigned>(size.width), static_cast<unsigned>(size.height), 12);
       for (std::uint16_t& sample : slot.frame.samples) {
         sample = static_cast<std::uint16_t>(1000 + random() % 500);
       }
@@ -138,8 +139,8 @@ int main(int argc, char** argv) {
       for (const int threads : {1, 2}) {
         add(begin + "threads:" + std::to_string(threads), whole_frame, size, planes, threads,
             WeightReach::as_library);
-        add(begin + "weights/threads:" + std::to_string(threads), whole_frame, size, planes, threads,
-            WeightReach::every_pixel);
+        add(begin + "weights/threads:" + std::to_string(threads), whole_frame, size, planes,
+            threads, WeightReach::every_pixel);
       }
       add(begin + "left_aligned", copied_frame, size, planes);
     }

@@ -9,7 +9,9 @@
 #include <cstring>
 #include <numbers>
 #include <random>
+#include <span>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -268,6 +270,11 @@ TEST(Processor, TakesFramesAsTheyLie) {
     EXPECT_NEAR(planes.levels(Plane::azimuth)[i], expected.levels(Plane::azimuth)[i] / 22.75, 0.51);
   }
 }
+
+// Memory that must not be written is no plane: the compiler refuses it.
+static_assert(!std::is_convertible_v<std::span<const std::uint16_t>, decltype(LevelView::levels)>);
+static_assert(
+    !std::is_convertible_v<const Buffer<float>&, decltype(PlaneViews::normalized_stokes)>);
 
 TEST(Processor, CanBeMovedAndSaysWhenItWas) {
   const Frame frame = random_frame(8, 6);

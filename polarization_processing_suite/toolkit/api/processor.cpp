@@ -6,6 +6,7 @@
 
 #include "kv/polarization/fault.h"
 #include "toolkit/api/library_call.h"
+#include "toolkit/api/memory_faults.h"
 #include "toolkit/api/packed_frame.h"
 #include "toolkit/api/request_checks.h"
 #include "toolkit/api/whole_frame.h"
@@ -99,7 +100,9 @@ class Processor::Implementation {
   std::vector<StripScratch> scratch_;
 };
 
-Processor::Processor(int threads) : implementation_(std::make_unique<Implementation>(threads)) {}
+Processor::Processor(int threads)
+    : implementation_(
+          with_memory_faults([&] { return std::make_unique<Implementation>(threads); })) {}
 Processor::~Processor() = default;
 Processor::Processor(Processor&&) noexcept = default;
 Processor& Processor::operator=(Processor&&) noexcept = default;
@@ -117,7 +120,7 @@ void Processor::reset_weights() { implementation().reset_weights(); }
 
 void Processor::transform(const FrameView& frame, const Mosaic& mosaic, const PlaneViews& planes,
                           WeightReach reach) {
-  implementation().transform(frame, mosaic, planes, reach);
+  with_memory_faults([&] { implementation().transform(frame, mosaic, planes, reach); });
 }
 
 void for_each_frame(std::size_t count, const std::function<void(Processor&, std::size_t)>& work,
