@@ -42,17 +42,16 @@ void copy_pixels(const PlaneViews& source, std::size_t from, const PlaneViews& t
   }
 }
 
-/// A call for rows above others: it has to see the row below its own, and would spoil that of the
-/// planes. So it stops a row pair early, and the row that it spoils is the first of the last row
-/// pair, which comes from a call into scratch.
+/// A call ends with two rows that take other ways than those above them, and rows above others must
+/// not: its last row pair is filled again from a call into scratch, which sees the rows below. Even
+/// heights, as an odd last row is computed by single pixels.
 void fill_levels_above_others(PolarizationProcessor* handle, const FramePart& frame, int first,
                               int last, const PlaneViews& planes, StripScratch& scratch) {
-  const int pair = last - 2;
-  call_library(handle, frame.rows(first, pair + 1 - first),
-               rows_of(planes, frame.width, first, pair + 1 - first));
-  const PlaneViews spare = scratch_views(planes, frame.width, 3, scratch);
-  call_library(handle, frame.rows(pair, 3), spare);
-  copy_pixels(spare, 0, planes, pixel_count(frame.width, pair), pixel_count(frame.width, 2));
+  call_library(handle, frame.rows(first, last - first),
+               rows_of(planes, frame.width, first, last - first));
+  const PlaneViews spare = scratch_views(planes, frame.width, 4, scratch);
+  call_library(handle, frame.rows(last - 2, 4), spare);
+  copy_pixels(spare, 0, planes, pixel_count(frame.width, last - 2), pixel_count(frame.width, 2));
 }
 
 /// Row pairs that make one call in fill_with_weights; their planes stay in the caches.
