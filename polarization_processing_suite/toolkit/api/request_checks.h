@@ -13,7 +13,9 @@ OutputSet wanted_of(const PlaneViews& planes);
 /// refuse by itself or not in words.
 void check_request(const FrameView& frame, const Mosaic& mosaic, const PlaneViews& planes);
 
-/// Its parts: whether a mosaic can be told of each pixel, and its polarizers.
+/// Its parts: whether the frame holds a 2x2 cell, whether the library can tell the mosaic of each
+/// of its pixels, and the polarizers.
+void check_mosaic_frame(const FrameView& frame);
 void check_cells(const FrameView& frame);
 void check(const Mosaic& mosaic);
 
