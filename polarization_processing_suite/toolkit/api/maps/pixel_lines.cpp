@@ -28,7 +28,7 @@ void find_contrasts_of(const float* __restrict own, const float* __restrict righ
 
 void find_moments_of(const float* __restrict own, const float* __restrict right,
                      const float* __restrict lower, const float* __restrict diagonal, int count,
-                     Moments<Line>& moments) {
+                     Moments<Line>& __restrict moments) {
   for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
     const Moments<float> pixel = moments_of(own[i], right[i], lower[i], diagonal[i]);
     moments.s0_s0[i] = pixel.s0_s0;

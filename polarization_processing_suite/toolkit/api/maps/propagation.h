@@ -69,10 +69,13 @@ struct VectorVariance {
 /// DoLP 1. Without polarization any direction will do; S0 must be above 0.
 template <class T>
 VectorVariance<T> propagate(T s0, T a, T b, const Moments<T>& moments) {
-  const T length2 = a * a + b * b;
-  const T inverse = T(1) / (length2 > 0 ? length2 : T(1));
-  const T cos2 = length2 > 0 ? a * a * inverse : T(1);
-  const T sin2 = b * b * inverse;
+  const T near_zero = T(1e-30);  // turns 0 / 0 into the direction of a
+  const T a2 = a * a + near_zero;
+  const T b2 = b * b;
+  const T length2 = a2 + b2;
+  const T inverse = T(1) / length2;
+  const T cos2 = a2 * inverse;
+  const T sin2 = b2 * inverse;
   const T both = 2 * (a * b * inverse) * moments.a_b;
   const T scale = T(1) / s0;
   const T with_s0 = 2 * scale * (a * moments.s0_a + b * moments.s0_b);

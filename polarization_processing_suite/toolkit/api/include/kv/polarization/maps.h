@@ -46,13 +46,13 @@ enum class Map : std::uint8_t {
   s1_sigma,  ///< counts
   s2_sigma,  ///< counts
 
-  /// Within 4 per cent where DoLP is above 3 sigma. Less noise than true below: at a DoLP of 0 the
-  /// estimates scatter, on one side, around 1.25 sigma. NaN where S0 <= 0.
+  /// Within 4 per cent where DoLP is above 3 sigma. Below, first order no longer holds: at a DoLP of
+  /// 0 it tells half too much, and DoLP is 1.25 sigma on average. NaN where S0 <= 0.
   dolp_sigma,
 
-  /// In degrees, within 6 per cent where DoLP is above 4 sigma. NaN where DoLP is less than 3
-  /// sigma, or S0 <= 0: there the angle is nearly anybody's guess. (At a DoLP of 0 the formula
-  /// would tell 24 degrees on average, the truth being 52, the scatter of any angle.)
+  /// In degrees, within 6 per cent where DoLP is above 4 sigma. NaN where DoLP is less than 3 sigma,
+  /// where the angle is undefined, or S0 <= 0: at a DoLP of 0 first order tells 24 degrees, while
+  /// an angle that is anybody's guess scatters by 52. One unpolarized pixel in a hundred passes.
   angle_sigma,
 
   quality  ///< bytes of quality::Flag bits, the one map that is not of floats
