@@ -108,8 +108,7 @@ int main(int argc, char** argv) {
     benchmark::RegisterBenchmark(name, maps, request.first, request.second)
         ->Unit(benchmark::kMillisecond);
   }
-  benchmark::RegisterBenchmark("region: whole frame", region, noisy)
-      ->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark("region: whole frame", region, noisy)->Unit(benchmark::kMillisecond);
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();
 }

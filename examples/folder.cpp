@@ -32,10 +32,10 @@ void transform_file(Processor& processor, const std::filesystem::path& file,
 
   pictures.fill(processor, frame, {});
   const PictureMaps maps = pictures.maps();
-  save_image(results / (file.stem().string() + "_angle" +
-                        std::string(ending_of(preferred_format(ImageKind::picture),
-                                              ImageKind::picture))),
-             picture_of(PictureKind::angle, maps, ranges_of(maps)));
+  save_image(
+      results / (file.stem().string() + "_angle" +
+                 std::string(ending_of(preferred_format(ImageKind::picture), ImageKind::picture))),
+      picture_of(PictureKind::angle, maps, ranges_of(maps)));
 }
 
 }  // namespace

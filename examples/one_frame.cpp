@@ -9,7 +9,8 @@
 using namespace kv::polarization;
 
 int main(int count, char** arguments) try {
-  if (count != 3) throw Fault(FaultKind::argument, "name a frame file and a folder for the results");
+  if (count != 3)
+    throw Fault(FaultKind::argument, "name a frame file and a folder for the results");
   const std::filesystem::path folder = arguments[2];
   const Frame frame = open_frames(arguments[1])->read(0);
 
@@ -28,7 +29,8 @@ int main(int count, char** arguments) try {
   save_image(folder / "dolp_sigma.npy",
              FloatImage{frame.width, frame.height, 1, maps.values(Map::dolp_sigma)});
   const auto doubted = std::ranges::count_if(maps.quality(), quality::is_unusable);
-  std::cout << frame.width << " x " << frame.height << " pixels, " << doubted << " not to be used\n";
+  std::cout << frame.width << " x " << frame.height << " pixels, " << doubted
+            << " not to be used\n";
 } catch (const Fault& fault) {
   std::cerr << fault.what() << '\n';
   return 1;

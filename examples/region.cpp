@@ -10,13 +10,14 @@
 using namespace kv::polarization;
 
 int main(int count, char** arguments) try {
-  if (count != 6) throw Fault(FaultKind::argument, "name a frame, a column, a row, a width, a height");
+  if (count != 6)
+    throw Fault(FaultKind::argument, "name a frame, a column, a row, a width, a height");
   const Frame frame = open_frames(arguments[1])->read(0);
   const auto number = [&](int index) { return std::atoi(arguments[index]); };
   const SampleSettings settings{.rescue = true,
                                 .noise = SensorNoise{.gain = 0.39F, .read_noise = 2.5F}};
-  const RegionStatistics light = region_statistics(
-      frame, {}, settings, Rectangle{number(2), number(3), number(4), number(5)});
+  const RegionStatistics light =
+      region_statistics(frame, {}, settings, Rectangle{number(2), number(3), number(4), number(5)});
 
   std::cout << "DoLP  " << light.dolp << " +- " << light.dolp_sigma << '\n'
             << "angle " << light.angle << " +- " << light.angle_sigma << " degrees\n"

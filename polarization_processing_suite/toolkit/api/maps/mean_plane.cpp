@@ -47,7 +47,7 @@ void fill_mean_plane(const FrameView& frame, std::span<std::uint16_t> mean) {
   check_room("mean", mean.size(), pixel_count(frame.width, frame.height));
   check_overlap({{"the frame", frame.bytes}, {"mean", std::as_bytes(mean)}});
   Buffer<std::uint16_t> room;
-  for_each_run(packed(frame, room),
+  for_each_run(packed(frame, {}, room),
                [&](const std::uint16_t* upper, const std::uint16_t* lower, int count,
                    std::size_t pixel) { find_means(upper, lower, count, mean.data() + pixel); });
 }
@@ -57,7 +57,7 @@ std::size_t count_clipped_intensity(const FrameView& frame) {
   const int limit = 2 * full_scale(frame.bit_depth);
   std::size_t clipped = 0;
   Buffer<std::uint16_t> room;
-  for_each_run(packed(frame, room),
+  for_each_run(packed(frame, {}, room),
                [&](const std::uint16_t* upper, const std::uint16_t* lower, int count, std::size_t) {
                  clipped += static_cast<std::size_t>(count_above(upper, lower, count, limit));
                });

@@ -159,7 +159,7 @@ RegionStatistics region_statistics(const FrameView& frame, const Mosaic& mosaic,
            std::to_string(frame.height) + ", or holds no 2 x 2 cell");
   }
   Buffer<std::uint16_t> room;
-  const FramePart part = packed(frame, room);
+  const FramePart part = packed(frame, {}, room);
   CellSum sum(part, mosaic, settings);
   for (int y = row; y + 1 < row + height; y += 2) {
     for (int x = column; x + 1 < column + width; x += 2) sum.add(y, x);
@@ -176,7 +176,7 @@ RegionStatistics region_statistics(const FrameView& frame, const Mosaic& mosaic,
            std::to_string(pixel_count(frame.width, frame.height)) + " pixels");
   }
   Buffer<std::uint16_t> room;
-  const FramePart part = packed(frame, room);
+  const FramePart part = packed(frame, {}, room);
   CellSum sum(part, mosaic, settings);
   for (int y = 0; y + 1 < frame.height; y += 2) {
     const std::uint8_t* upper = mask.data() + pixel_count(frame.width, y);

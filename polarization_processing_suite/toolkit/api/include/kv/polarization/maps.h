@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
 
@@ -46,13 +47,14 @@ enum class Map : std::uint8_t {
   s1_sigma,  ///< counts
   s2_sigma,  ///< counts
 
-  /// Within 4 per cent where DoLP is above 3 sigma. Below, first order no longer holds: at a DoLP of
-  /// 0 it tells half too much, and DoLP is 1.25 sigma on average. NaN where S0 <= 0.
+  /// Within 4 per cent where DoLP is above 3 sigma. Below, first order no longer holds: at a DoLP
+  /// of 0 it tells half too much, and DoLP is 1.25 sigma on average. NaN where S0 <= 0.
   dolp_sigma,
 
-  /// In degrees, within 6 per cent where DoLP is above 4 sigma. NaN where DoLP is less than 3 sigma,
-  /// where the angle is undefined, or S0 <= 0: at a DoLP of 0 first order tells 24 degrees, while
-  /// an angle that is anybody's guess scatters by 52. One unpolarized pixel in a hundred passes.
+  /// In degrees, within 6 per cent where DoLP is above 4 sigma. NaN where DoLP is less than 3
+  /// sigma, where the angle is undefined, or S0 <= 0: at a DoLP of 0 first order tells 24 degrees,
+  /// while an angle that is anybody's guess scatters by 52. One unpolarized pixel in a hundred
+  /// passes.
   angle_sigma,
 
   quality  ///< bytes of quality::Flag bits, the one map that is not of floats
@@ -170,24 +172,32 @@ struct MapSettings {
 /// Makes maps of frames, and keeps the memory of the work from frame to frame. It needs no
 /// processor, and takes ideal polarizers and equal gains.
 ///
-/// Threads: one thread at a time uses a map maker.
+/// Threads: one thread at a time uses a map maker; several work side by side.
 ///
 /// Cost: one pass over the frame, and no more work than the maps asked for need. Of 5 megapixels on
 /// one core of a server of 2023, some 15 ms for S0, S1, S2, DoLP and angle, 45 ms for everything.
 class MapMaker {
  public:
+  /// A frame is filled on up to that many threads at once, 0 standing for as many as the machine
+  /// runs, to the same bytes. Throws Fault: argument, memory.
+  explicit MapMaker(int threads = 1);
+  ~MapMaker();
+  MapMaker(MapMaker&&) noexcept;
+  MapMaker& operator=(MapMaker&&) noexcept;
+
   /// Fills maps from a whole frame of 2 x 2 pixels or more.
   ///
   /// Throws Fault of kind argument, before anything is computed: a frame that check() refuses or
   /// that has a side below 2; an unknown phase or a negative origin; settings out of their range;
   /// bad pixels of a sensor that the frame does not fit on; no map, one of a size below the
   /// frame's, or one that wants the noise without it; memory that is shared, even partly. Throws
-  /// Fault of kind memory.
+  /// Fault of kind memory, and of kind state for a map maker that was moved from.
   void fill(const FrameView& frame, const Mosaic& mosaic, const MapSettings& settings,
             const MapViews& maps);
 
  private:
-  Buffer<std::uint16_t> samples_;
+  class Implementation;
+  std::unique_ptr<Implementation> implementation_;
 };
 
 }  // namespace kv::polarization
