@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 #include <string>
@@ -40,13 +41,13 @@ constexpr const char* kTransformFooter =
     "sum\n"
     "of the four samples and reaches full scale at half of the samples' range.\n"
     "\n"
-    "Pictures are made of every frame, whatever --planes lists: frame_intensity_picture.png, "
-    "encoded as\n"
-    "sRGB with the brightest 0.2 per cent white; frame_dolp_picture.png; and "
-    "frame_angle_picture.png,\n"
-    "the angle as hue (0 red, 45 yellow-green, 90 cyan, 135 violet) and DoLP as brightness, with "
-    "a\n"
-    "legend beside it.\n"
+    "Pictures are made of every frame, whatever --planes and --output-max are: "
+    "frame_intensity_picture.png\n"
+    "and so on. Intensity is encoded as sRGB with the brightest 0.2 per cent white. In angle "
+    "pictures hue is\n"
+    "the angle (0 red, 45 yellow-green, 90 cyan, 135 violet) and brightness, or saturation in the "
+    "light ones,\n"
+    "DoLP. Legends tell units and ranges.\n"
     "\n"
     "A bad frame is reported, and the others are still transformed.";
 
@@ -80,6 +81,30 @@ OutputSet parse_planes(const std::string& list) {
   }
   if (planes.empty()) throw CLI::ValidationError("--planes", "the list is empty; name a plane");
   return planes;
+}
+
+/// The names of all kinds of pictures, as a sentence lists them.
+std::string picture_names() {
+  std::string names;
+  for (const PictureTraits& traits : kPictureKinds) {
+    if (!names.empty()) names += ", ";
+    names += traits.name;
+  }
+  return names;
+}
+
+std::vector<PictureKind> parse_pictures(const std::string& list) {
+  std::vector<PictureKind> kinds;
+  for (const std::string& name : split_list(list)) {
+    const auto kind = picture_kind_named(name);
+    if (!kind) {
+      throw CLI::ValidationError(
+          "--pictures", "there is no picture '" + name + "'; the pictures are " + picture_names());
+    }
+    if (std::find(kinds.begin(), kinds.end(), *kind) == kinds.end()) kinds.push_back(*kind);
+  }
+  if (kinds.empty()) throw CLI::ValidationError("--pictures", "the list is empty; name a picture");
+  return kinds;
 }
 
 void parse_origin(const std::string& text, Mosaic& mosaic) {
@@ -150,13 +175,19 @@ class TransformCommand {
         ->type_name("NAME")
         ->check(CLI::IsMember(plane_format_names()))
         ->capture_default_str();
+    command_
+        .add_option_function<std::string>(
+            "--pictures",
+            [this](const std::string& list) { options_.pictures = parse_pictures(list); },
+            "Pictures to write, of " + picture_names() + " (default: intensity,dolp,angle)")
+        ->type_name("LIST");
     command_.add_flag("--no-pictures", no_pictures_, "Write no pictures");
     command_
         .add_option("--dolp-white", options_.dolp_white,
-                    "DoLP that pictures show at full brightness")
+                    "DoLP that pictures show at full brightness (default: what one pixel in 100 "
+                    "of the frame exceeds, rounded up to a multiple of 0.05)")
         ->type_name("N")
-        ->check(CLI::Range(0.01, 1.0))
-        ->capture_default_str();
+        ->check(CLI::Range(0.01, 1.0));
     add_raw_shape();
     add_log_level(app, options_.log_level);
     add_log_level(command_, options_.log_level);
@@ -167,7 +198,7 @@ class TransformCommand {
   int run() {
     options_.mosaic.phase = phase_at(phase_degrees_).value();
     options_.format = format_named(format_name_).value();
-    options_.pictures = !no_pictures_;
+    if (no_pictures_) options_.pictures.clear();
     if (raw_.bits != 0) options_.raw_shape = raw_;
     return run_transform(options_);
   }

@@ -11,10 +11,10 @@
 #include "command_line/frame_output.h"
 #include "command_line/output_names.h"
 #include "command_line/progress_bar.h"
+#include "kv/pictures/picture_kinds.h"
 #include "kv/polarization/fault.h"
 #include "platform/optional_library.h"
 #include "platform/process.h"
-#include "toolkit/pictures/pictures.h"
 
 namespace kv::polarization {
 namespace {
@@ -24,14 +24,7 @@ constexpr const char* kLoggerLibrary = "kevrinth_qrm_logger";
 class TransformRun {
  public:
   explicit TransformRun(const TransformOptions& options)
-      : options_(options),
-        computed_(options.planes),
-        names_(options.folder, options.files),
-        progress_(options.files.size()) {
-    if (options.pictures) {
-      computed_.add(Plane::azimuth);
-      computed_.add(Plane::dolp);
-    }
+      : options_(options), names_(options.folder, options.files), progress_(options.files.size()) {
     if (options.log_level &&
         !platform::is_loaded((std::string(kLoggerLibrary) + platform::kLibrarySuffix).c_str())) {
       throw Fault(FaultKind::argument,
@@ -88,7 +81,7 @@ class TransformRun {
     warn_of_excess(frame, name);
     const std::string stem = names_.stem_for(file, page, reader.count());
 
-    planes_.reshape(frame.width, frame.height, computed_, options_.output_max);
+    planes_.reshape(frame.width, frame.height, options_.planes, options_.output_max);
     if (options_.log_level) progress_.hide();
     const auto start = std::chrono::steady_clock::now();
     processor_.transform(frame, options_.mosaic, planes_.views());
@@ -97,7 +90,7 @@ class TransformRun {
 
     FrameOutput output;
     add_planes(stem, output);
-    if (options_.pictures) add_pictures(frame, stem, output);
+    if (!options_.pictures.empty()) add_pictures(frame, stem, output);
     output.write();
     ++frames_;
   }
@@ -129,14 +122,15 @@ class TransformRun {
   }
 
   void add_pictures(const Frame& frame, const std::string& stem, FrameOutput& output) {
-    const auto add = [&](const std::string& subject, auto draw) {
-      output.add(names_.path_for(stem + "_" + subject + "_picture" + picture_extension()),
-                 [draw](PendingFile& file) { write_picture(file, draw()); });
-    };
-    const double white = options_.dolp_white;
-    add("intensity", [&frame] { return intensity_picture(frame); });
-    add("dolp", [=, this] { return dolp_picture(planes_, white); });
-    add("angle", [=, this] { return angle_picture(planes_, white); });
+    picture_source_.fill(processor_, frame, options_.mosaic, planes_for(options_.pictures));
+    const PictureMaps maps = picture_source_.maps();
+    PictureRanges ranges = ranges_of(maps);
+    if (options_.dolp_white) ranges.dolp_white = *options_.dolp_white;
+    for (const PictureKind kind : options_.pictures) {
+      output.add(names_.path_for(stem + "_" + std::string(traits_of(kind).name) + "_picture" +
+                                 picture_extension()),
+                 [=](PendingFile& file) { write_picture(file, picture_of(kind, maps, ranges)); });
+    }
   }
 
   void report(const std::string& line) {
@@ -157,11 +151,11 @@ class TransformRun {
   }
 
   const TransformOptions& options_;
-  OutputSet computed_;  // with the planes to write, and those that pictures need
   OutputNames names_;
   ProgressBar progress_;
   Processor processor_;
   Planes planes_;
+  PictureSource picture_source_;
   std::size_t frames_ = 0;
   std::size_t failures_ = 0;
   double pixels_ = 0;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "kv/pictures/picture_kinds.h"
 #include "kv/polarization/processor.h"
 #include "toolkit/image_files/frame_reader.h"
 #include "toolkit/image_files/image_writer.h"
@@ -20,9 +21,10 @@ struct TransformOptions {
   std::optional<int> bit_depth;  ///< instead of the files' own
   std::optional<RawShape> raw_shape;
   ImageFormat format = ImageFormat::pgm;
-  bool pictures = true;
-  double dolp_white = 1;
-  std::optional<int> log_level;  ///< severity up to which the library's log lines are shown
+  std::vector<PictureKind> pictures = {PictureKind::intensity, PictureKind::dolp,
+                                       PictureKind::angle};
+  std::optional<double> dolp_white;  ///< none for the frame's own
+  std::optional<int> log_level;      ///< severity up to which the library's log lines are shown
 };
 
 /// Transforms all files and reports on the standard streams. Returns an exit status.

@@ -62,6 +62,7 @@ TEST(BadInput, OptionsOutOfRangeDoNothing) {
       {"--phase", {"30"}},
       {"--origin", {"1.1", "-1,1", "1,-1", "1,1,1"}},
       {"--planes", {"\"\""}},
+      {"--pictures", {"\"\"", "hologram"}},
       {"--bit-depth", {"0", "17"}},
       {"--output-max", {"0", "65536"}},
       {"--format", {"jpg"}},

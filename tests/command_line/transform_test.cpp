@@ -3,11 +3,11 @@
 
 #include <cmath>
 
+#include "kv/pictures/picture_kinds.h"
 #include "kv/polarization/processor.h"
 #include "tool.h"
 #include "toolkit/image_files/frame_reader.h"
 #include "toolkit/image_files/image_writer.h"
-#include "toolkit/pictures/pictures.h"
 
 using namespace kv::polarization;
 
@@ -67,7 +67,7 @@ class Transform : public testing::Test {
 TEST_F(Transform, WritesWhatTheToolkitComputes) {
   const auto expect_results = [this](const std::string& options, const std::string& format,
                                      int bit_depth, const Mosaic& mosaic, std::uint16_t output_max,
-                                     double white) {
+                                     std::optional<double> white) {
     run("a.pgm -o out " + options);
     Frame frame = read_frame(tool_.path("a.pgm"));
     frame.bit_depth = bit_depth;
@@ -91,11 +91,16 @@ TEST_F(Transform, WritesWhatTheToolkitComputes) {
       expect_file(name + "_picture" + picture_extension(),
                   [&](auto& file) { write_picture(file, picture); });
     };
-    expect_picture("intensity", intensity_picture(frame));
-    expect_picture("dolp", dolp_picture(planes, white));
-    expect_picture("angle", angle_picture(planes, white));
+    Processor processor;
+    PictureSource source;
+    source.fill(processor, frame, mosaic);  // whatever output_max is
+    PictureRanges ranges = ranges_of(source.maps());
+    if (white) ranges.dolp_white = *white;
+    for (const auto kind : {PictureKind::intensity, PictureKind::dolp, PictureKind::angle}) {
+      expect_picture(std::string(traits_of(kind).name), picture_of(kind, source.maps(), ranges));
+    }
   };
-  expect_results("--origin 0,7", kPreferred, 16, {.y_origin = 7}, 65535, 1);
+  expect_results("--origin 0,7", kPreferred, 16, {.y_origin = 7}, 65535, {});
   expect_results(
       "--phase 45 --origin 1,0 --bit-depth 15 --output-max 4095 --format pgm --dolp-white 0.5",
       "pgm", 15, {kv_polar_phase_45, 1, 0}, 4095, 0.5);
@@ -109,6 +114,8 @@ TEST_F(Transform, SaysWhatItDidAndWhere) {
     EXPECT_PRED2(contains, two.out, part);
   }
   EXPECT_EQ(tool_.files_in("x/y").size(), 8u);  // pictures need further planes
+  run("a.pgm -o v --planes dolp --pictures angle_ticks,s1_ratio,contact_sheet");
+  EXPECT_EQ(tool_.files_in("v").size(), 4u);
   const auto one = run("a.pgm -o w --planes dolp,azimuth --no-pictures --format pgm");
   EXPECT_PRED2(contains, one.out, "1 frame transformed; ");
   EXPECT_EQ(tool_.files_in("w"), (Names{"a_azimuth.pgm", "a_dolp.pgm"}));

@@ -1,44 +1,25 @@
 #include "toolkit/pictures/glyphs.h"
 
-#include <algorithm>
-#include <array>
+#include <string>
+
+#include "toolkit/pictures/glyph_table.h"
+#include "toolkit/pictures/paint.h"
 
 namespace kv::polarization {
 namespace {
 
-constexpr int kGlyphWidth = 5;
-
-struct Glyph {
-  char sign;
-  std::array<std::string_view, kGlyphHeight> rows;
-};
-
-constexpr std::array<Glyph, 17> kGlyphs = {{
-    {'0', {" ### ", "#   #", "#   #", "#   #", "#   #", "#   #", " ### "}},
-    {'1', {"  #  ", " ##  ", "  #  ", "  #  ", "  #  ", "  #  ", " ### "}},
-    {'2', {" ### ", "#   #", "    #", "   # ", "  #  ", " #   ", "#####"}},
-    {'3', {" ### ", "#   #", "    #", "  ## ", "    #", "#   #", " ### "}},
-    {'4', {"   # ", "  ## ", " # # ", "#  # ", "#####", "   # ", "   # "}},
-    {'5', {"#####", "#    ", "#### ", "    #", "    #", "#   #", " ### "}},
-    {'6', {" ### ", "#    ", "#    ", "#### ", "#   #", "#   #", " ### "}},
-    {'7', {"#####", "    #", "   # ", "  #  ", "  #  ", "  #  ", "  #  "}},
-    {'8', {" ### ", "#   #", "#   #", " ### ", "#   #", "#   #", " ### "}},
-    {'9', {" ### ", "#   #", "#   #", " ####", "    #", "    #", " ### "}},
-    {'.', {"     ", "     ", "     ", "     ", "     ", " ##  ", " ##  "}},
-    {'-', {"     ", "     ", "     ", " ### ", "     ", "     ", "     "}},
-    {'D', {"###  ", "#  # ", "#   #", "#   #", "#   #", "#  # ", "###  "}},
-    {'o', {"     ", "     ", " ### ", "#   #", "#   #", "#   #", " ### "}},
-    {'L', {"#    ", "#    ", "#    ", "#    ", "#    ", "#    ", "#####"}},
-    {'P', {"#### ", "#   #", "#   #", "#### ", "#    ", "#    ", "#    "}},
-    {'\'', {" ##  ", "#  # ", "#  # ", " ##  ", "     ", "     ", "     "}},
-}};
-
-void draw_dot(Picture& picture, int left, int top, int size, const Colour& colour) {
-  for (int row = std::max(top, 0); row < std::min(top + size, picture.height); ++row) {
-    for (int column = std::max(left, 0); column < std::min(left + size, picture.width); ++column) {
-      std::copy(colour.begin(), colour.end(), picture.pixel(column, row));
+/// One byte a sign, each with a glyph.
+std::string signs_of(std::string_view text) {
+  std::string signs;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text.substr(i, kDegreeSign.size()) == kDegreeSign) {
+      signs += kDegree;
+      i += kDegreeSign.size() - 1;
+    } else {
+      signs += text[i] >= ' ' && text[i] <= '~' ? text[i] : '?';
     }
   }
+  return signs;
 }
 
 void draw_glyph(Picture& picture, const Glyph& glyph, int left, int top, int scale,
@@ -46,7 +27,7 @@ void draw_glyph(Picture& picture, const Glyph& glyph, int left, int top, int sca
   for (int row = 0; row < kGlyphHeight; ++row) {
     for (int column = 0; column < kGlyphWidth; ++column) {
       if (glyph.rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] == '#') {
-        draw_dot(picture, left + column * scale, top + row * scale, scale, colour);
+        fill(picture, {left + column * scale, top + row * scale, scale, scale}, colour);
       }
     }
   }
@@ -54,17 +35,25 @@ void draw_glyph(Picture& picture, const Glyph& glyph, int left, int top, int sca
 
 }  // namespace
 
-void draw_text(Picture& picture, std::string_view text, int centre_column, int centre_row,
-               int scale, const Colour& colour) {
-  int left = centre_column - text_width(text, scale) / 2;
-  const int top = centre_row - scale * kGlyphHeight / 2;
-  for (const char sign : text) {
-    const auto glyph = std::find_if(kGlyphs.begin(), kGlyphs.end(), [sign](const Glyph& candidate) {
-      return candidate.sign == sign;
-    });
-    if (glyph != kGlyphs.end()) draw_glyph(picture, *glyph, left, top, scale, colour);
+int text_width(std::string_view text, int scale) {
+  const int signs = static_cast<int>(signs_of(text).size());
+  return signs == 0 ? 0 : scale * (kGlyphAdvance * signs - (kGlyphAdvance - kGlyphWidth));
+}
+
+void draw_text(Picture& picture, std::string_view text, int left, int top, int scale,
+               const Colour& colour) {
+  for (const char sign : signs_of(text)) {
+    const int descent = kDescenders.find(sign) == std::string_view::npos ? 0 : kDescent * scale;
+    draw_glyph(picture, kGlyphs[static_cast<std::size_t>(sign - ' ')], left, top + descent, scale,
+               colour);
     left += scale * kGlyphAdvance;
   }
+}
+
+void draw_text_centred(Picture& picture, std::string_view text, int centre_column, int centre_row,
+                       int scale, const Colour& colour) {
+  draw_text(picture, text, centre_column - text_width(text, scale) / 2,
+            centre_row - scale * kGlyphHeight / 2, scale, colour);
 }
 
 }  // namespace kv::polarization

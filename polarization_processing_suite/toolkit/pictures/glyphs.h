@@ -6,18 +6,24 @@
 
 namespace kv::polarization {
 
-/// Height of a line of text and advance of a letter, in dots.
+/// Size of a glyph, advance of a letter and of a line, in dots.
+inline constexpr int kGlyphWidth = 5;
 inline constexpr int kGlyphHeight = 7;
 inline constexpr int kGlyphAdvance = 6;
+inline constexpr int kLineAdvance = 11;
+
+/// The degree sign in UTF-8.
+inline constexpr std::string_view kDegreeSign = "\xC2\xB0";
 
 /// Width of a text whose dots are `scale` pixels wide.
-constexpr int text_width(std::string_view text, int scale) {
-  return scale * (kGlyphAdvance * static_cast<int>(text.size()) - 1);
-}
+int text_width(std::string_view text, int scale);
 
-/// Writes a text centred on that pixel. There are glyphs for what legends need: digits, point,
-/// minus, the letters of DoLP, and a degree sign for '; any other sign leaves a blank.
-void draw_text(Picture& picture, std::string_view text, int centre_column, int centre_row,
-               int scale, const Colour& colour);
+/// Writes a text from its top left corner. There are glyphs for the printable signs of ASCII and
+/// for the degree sign; other bytes become question marks.
+void draw_text(Picture& picture, std::string_view text, int left, int top, int scale,
+               const Colour& colour);
+
+void draw_text_centred(Picture& picture, std::string_view text, int centre_column, int centre_row,
+                       int scale, const Colour& colour);
 
 }  // namespace kv::polarization

@@ -1,94 +1,91 @@
-#include "toolkit/pictures/legend.h"
+#include "kv/pictures/legend.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <numbers>
-#include <string>
 
+#include "toolkit/pictures/colour_spaces.h"
 #include "toolkit/pictures/glyphs.h"
-#include "toolkit/pictures/hue.h"
+#include "toolkit/pictures/paint.h"
+#include "toolkit/pictures/panel.h"
 
 namespace kv::polarization {
 namespace {
 
-constexpr Colour kPanelColour = {32, 32, 32};
-constexpr Colour kTextColour = {230, 230, 230};
+/// Rows of a picture for each pixel of a dot, so that its texts stay legible at the size of a
+/// screen.
+constexpr int kRowsOfDot = 480;
 
-/// Below this width the labels around the wheel, of one pixel a dot, would overlap.
-constexpr int kLeastPanelWidth = 96;
-
-constexpr int text_scale(int panel_width) { return panel_width / kLeastPanelWidth; }
-
-struct Wheel {
-  int centre_column;
-  int centre_row;
-  int radius;
-};
-
-std::uint8_t blend(std::uint8_t below, double above, double coverage) {
-  return static_cast<std::uint8_t>(std::lround(below + (above - below) * coverage));
+/// The widest dots with which the legend fits; 0 when none do.
+int dot_size(const Legend& legend, int picture_height) {
+  return std::min(std::max(1, picture_height / kRowsOfDot), picture_height / panel_height(legend));
 }
 
-void draw_wheel_pixel(Picture& picture, const Wheel& wheel, int right, int up) {
-  const double distance = std::hypot(right, up);
-  // The rim is smoothed over one pixel.
-  const double coverage = std::clamp(wheel.radius + 0.5 - distance, 0.0, 1.0);
-  if (coverage == 0.0) return;
-  const auto hue = hue_of_angle(std::atan2(up, right) * 180.0 / std::numbers::pi);
-  const double value = 255.0 * std::min(distance / wheel.radius, 1.0);
-  std::uint8_t* pixel = picture.pixel(wheel.centre_column + right, wheel.centre_row - up);
-  for (std::size_t i = 0; i < 3; ++i) pixel[i] = blend(pixel[i], hue[i] * value, coverage);
-}
+constexpr int kBarColours = 256;
 
-void draw_wheel(Picture& picture, const Wheel& wheel) {
-  for (int up = -wheel.radius - 1; up <= wheel.radius + 1; ++up) {
-    for (int right = -wheel.radius - 1; right <= wheel.radius + 1; ++right) {
-      draw_wheel_pixel(picture, wheel, right, up);
-    }
+template <class ColourAt>
+ScaleBar bar(ColourAt colour_at, std::array<std::string, 3> marks) {
+  ScaleBar result{.colours = {}, .marks = std::move(marks)};
+  for (int i = 0; i < kBarColours; ++i) {
+    result.colours.push_back(colour_at(static_cast<double>(i) / (kBarColours - 1)));
   }
+  return result;
 }
 
-void draw_angle_label(Picture& picture, const Wheel& wheel, int degrees, int scale) {
-  const std::string text = std::to_string(degrees) + "'";
-  const double angle = degrees * std::numbers::pi / 180.0;
-  // Half the text's extent in this direction keeps the text clear of the rim.
-  const double reach = wheel.radius + 3.0 * scale +
-                       std::abs(std::cos(angle)) * text_width(text, scale) / 2.0 +
-                       std::abs(std::sin(angle)) * kGlyphHeight * scale / 2.0;
-  draw_text(picture, text,
-            wheel.centre_column + static_cast<int>(std::lround(reach * std::cos(angle))),
-            wheel.centre_row - static_cast<int>(std::lround(reach * std::sin(angle))), scale,
-            kTextColour);
+Colour grey(double zero_to_one) {
+  const std::uint8_t level = to_byte(zero_to_one);
+  return {level, level, level};
 }
 
-std::string short_number(double value) {
-  char text[16];
-  std::snprintf(text, sizeof text, "%.2g", value);
-  return text;
-}
+std::string per_cent(double share) { return short_number(100.0 * share) + " %"; }
 
 }  // namespace
 
-int angle_legend_width(int picture_height) {
-  const int width = std::min(picture_height / 4, 600);
-  return width < kLeastPanelWidth ? 0 : width;
+Legend intensity_legend(const PictureMaps& maps) {
+  const double white = brightness_white_of(maps) / 65535.0;
+  return {.title = "Intensity",
+          .scale = bar([](double share) { return grey(srgb_encoded(share)); },
+                       {"0 %", per_cent(white / 2), per_cent(white)}),
+          .notes = {"mean of 2 x 2 samples in % of full scale", "encoded as sRGB"}};
 }
 
-void draw_angle_legend(Picture& picture, int left, double dolp_white) {
-  for (int row = 0; row < picture.height; ++row) {
-    for (int column = left; column < picture.width; ++column) {
-      std::copy(kPanelColour.begin(), kPanelColour.end(), picture.pixel(column, row));
-    }
-  }
-  const int panel_width = picture.width - left;
-  const int scale = text_scale(panel_width);
-  const Wheel wheel = {left + panel_width / 2, picture.height - panel_width * 3 / 4,
-                       panel_width * 5 / 16};
-  draw_wheel(picture, wheel);
-  for (const int degrees : {0, 45, 90, 135}) draw_angle_label(picture, wheel, degrees, scale);
-  draw_text(picture, "DoLP 0-" + short_number(dolp_white), wheel.centre_column,
-            picture.height - panel_width / 4, scale, kTextColour);
+Legend dolp_legend(double dolp_white) {
+  return {.title = "Degree of linear polarization",
+          .scale = bar(grey, {"0", short_number(dolp_white / 2), short_number(dolp_white)}),
+          .notes = {"no unit; 1 is fully polarized"}};
+}
+
+Legend angle_legend(double dolp_white, AngleStyle style) {
+  const bool is_light = style.unpolarized == Unpolarized::white;
+  const std::string depth = is_light ? "saturation" : "brightness";
+  std::string title = "Angle of linear polarization";
+  if (style.hues == HueCircle::even) title += ", even hues";
+  if (is_light) title += ", light";
+  return {.title = title,
+          .scale = AngleWheel{style},
+          .notes = {"hue: angle from the rows, degrees counter-clockwise",
+                    depth + ": DoLP 0 to " + short_number(dolp_white)}};
+}
+
+Legend ratio_legend(StokesRatio ratio, double limit) {
+  const bool is_s1 = ratio == StokesRatio::s1;
+  const auto angle = [](int degrees) { return std::to_string(degrees) + std::string(kDegreeSign); };
+  return {.title = is_s1 ? "S1/S0" : "S2/S0",
+          .scale = bar([](double share) { return diverging_colour(2 * share - 1); },
+                       {short_number(-limit), "0", short_number(limit)}),
+          .notes = {"ratio, no unit", "red: towards " + angle(is_s1 ? 0 : 45),
+                    "blue: towards " + angle(is_s1 ? 90 : 135)}};
+}
+
+int legend_width(const Legend& legend, int picture_height) {
+  return kPanelWidth * dot_size(legend, picture_height);
+}
+
+Picture with_legend(Picture picture, const Legend& legend) {
+  const int scale = dot_size(legend, picture.height);
+  if (scale == 0) return picture;
+  Picture result(picture.width + kPanelWidth * scale, picture.height, picture.channels);
+  paste(picture, result, 0, 0);
+  draw_panel(result, picture.width, scale, legend);
+  return result;
 }
 
 }  // namespace kv::polarization

@@ -1,120 +1,133 @@
-#include "toolkit/pictures/pictures.h"
+#include "kv/pictures/pictures.h"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <span>
 
-#include "toolkit/pictures/hue.h"
-#include "toolkit/pictures/legend.h"
+#include "toolkit/pictures/colour_spaces.h"
+#include "toolkit/pictures/map_checks.h"
 
 namespace kv::polarization {
 namespace {
 
-std::uint8_t to_byte(double zero_to_one) {
-  return static_cast<std::uint8_t>(std::lround(255.0 * std::clamp(zero_to_one, 0.0, 1.0)));
-}
+using ByteTable = std::array<std::uint8_t, 65536>;
 
-/// Encodes linear light from 0 to 1 as IEC 61966-2-1 defines it.
-double srgb_encoded(double linear) {
-  return linear <= 0.0031308 ? 12.92 * linear : 1.055 * std::pow(linear, 1.0 / 2.4) - 0.055;
-}
-
-std::vector<std::uint16_t> means_of_neighbours(const Frame& frame) {
-  const auto width = static_cast<std::size_t>(frame.width);
-  const auto height = static_cast<std::size_t>(frame.height);
-  std::vector<std::uint16_t> means(frame.samples.size());
-  for (std::size_t row = 0; row < height; ++row) {
-    const std::uint16_t* own = &frame.samples[row * width];
-    const std::uint16_t* other = row + 1 < height ? own + width : own - width;
-    std::uint16_t* mean = &means[row * width];
-    for (std::size_t column = 0; column + 1 < width; ++column) {
-      mean[column] = static_cast<std::uint16_t>(
-          (own[column] + own[column + 1] + other[column] + other[column + 1] + 2) / 4);
-    }
-    mean[width - 1] = mean[width - 2];
-  }
-  return means;
-}
-
-/// The lowest level that at most one pixel in 500 exceeds; at least 1.
-std::size_t white_level(const std::vector<std::uint16_t>& levels) {
-  std::vector<std::size_t> histogram(65536);
-  for (const std::uint16_t level : levels) ++histogram[level];
-  const std::size_t allowed = levels.size() / 500;
-  std::size_t white = 65535;
-  for (std::size_t above = 0; white > 1; --white) {
-    above += histogram[white];
-    if (above > allowed) break;
-  }
-  return white;
-}
-
-/// A byte for every value of a plane.
+/// A byte for every level of a map.
 template <class Value>
-std::vector<std::uint8_t> byte_table(Value value_of) {
-  std::vector<std::uint8_t> table(65536);
-  for (std::size_t i = 0; i < table.size(); ++i)
-    table[i] = to_byte(value_of(static_cast<double>(i)));
+ByteTable byte_table(Value value_of) {
+  ByteTable table;
+  for (std::size_t level = 0; level < table.size(); ++level) {
+    table[level] = to_byte(value_of(static_cast<double>(level)));
+  }
   return table;
 }
 
-std::vector<std::uint8_t> dolp_table(std::uint16_t output_max, double dolp_white) {
-  return byte_table([=](double dolp) { return dolp / (output_max * dolp_white); });
+ByteTable dolp_table(double dolp_white) {
+  check_range_end(dolp_white, "DoLP");
+  return byte_table([=](double level) { return level / (65535.0 * dolp_white); });
 }
 
-Picture grey_picture(int width, int height, std::span<const std::uint16_t> values,
-                     const std::vector<std::uint8_t>& table) {
-  Picture picture(width, height, 1);
-  std::transform(values.begin(), values.end(), picture.bytes.begin(),
-                 [&table](std::uint16_t value) { return table[value]; });
+Picture grey_picture(const PictureMaps& maps, std::span<const std::uint16_t> levels,
+                     const ByteTable& table) {
+  Picture picture(maps.width, maps.height, 1);
+  std::transform(levels.begin(), levels.end(), picture.bytes.begin(),
+                 [&table](std::uint16_t level) { return table[level]; });
   return picture;
 }
 
-/// The pure colour of every value of the azimuth plane, whose 0 to output_max are -90 to +90
-/// degrees.
-std::vector<Colour> colour_table(std::uint16_t output_max) {
-  std::vector<Colour> table(std::size_t{output_max} + 1);
+/// 4096 angles, a step of 0.04 degrees, are finer than the colours of any circle, and stay in the
+/// processor's nearest cache.
+constexpr int kAngleShift = 4;
+using AngleTable = std::array<Colour, (65536 >> kAngleShift)>;
+
+AngleTable angle_table(HueCircle hues) {
+  AngleTable table;
   for (std::size_t i = 0; i < table.size(); ++i) {
-    const auto hue = hue_of_angle(static_cast<double>(i) * 180.0 / output_max - 90.0);
-    std::transform(hue.begin(), hue.end(), table[i].begin(), to_byte);
+    const double level = static_cast<double>(i << kAngleShift) + 7.5;
+    table[i] = angle_colour(hues, level * 180.0 / 65535.0 - 90.0);
+  }
+  return table;
+}
+
+template <Unpolarized neutral>
+void mix_pixels(const PictureMaps& maps, const AngleTable& angles, const ByteTable& weights,
+                std::uint8_t* out) {
+  for (std::size_t i = 0; i < maps.dolp.size(); ++i, out += 3) {
+    const Colour colour =
+        mixed(angles[maps.azimuth[i] >> kAngleShift], neutral, weights[maps.dolp[i]]);
+    std::copy(colour.begin(), colour.end(), out);
+  }
+}
+
+/// The diverging scale in steps, as many to each side of 0.
+constexpr int kRatioSteps = 511;
+using RatioTable = std::array<Colour, 2 * kRatioSteps + 1>;
+
+RatioTable ratio_table() {
+  RatioTable table;
+  for (int step = -kRatioSteps; step <= kRatioSteps; ++step) {
+    table[static_cast<std::size_t>(kRatioSteps + step)] =
+        diverging_colour(static_cast<double>(step) / kRatioSteps);
   }
   return table;
 }
 
 }  // namespace
 
-Picture intensity_picture(const Frame& frame) {
-  const std::vector<std::uint16_t> means = means_of_neighbours(frame);
-  const auto white = static_cast<double>(white_level(means));
-  const auto table =
-      byte_table([white](double level) { return srgb_encoded(std::min(level / white, 1.0)); });
-  return grey_picture(frame.width, frame.height, means, table);
-}
-
-Picture dolp_picture(const Planes& planes, double dolp_white) {
-  return grey_picture(planes.width(), planes.height(), planes.levels(Plane::dolp),
-                      dolp_table(planes.output_max(), dolp_white));
-}
-
-Picture angle_picture(const Planes& planes, double dolp_white) {
-  const std::vector<Colour> colours = colour_table(planes.output_max());
-  const std::vector<std::uint8_t> values = dolp_table(planes.output_max(), dolp_white);
-  const int legend_width = angle_legend_width(planes.height());
-  Picture picture(planes.width() + legend_width, planes.height(), 3);
-  const std::uint16_t* azimuth = planes.levels(Plane::azimuth).data();
-  const std::uint16_t* dolp = planes.levels(Plane::dolp).data();
-  for (int row = 0; row < planes.height(); ++row) {
-    std::uint8_t* out = picture.pixel(0, row);
-    for (int column = 0; column < planes.width(); ++column, ++azimuth, ++dolp, out += 3) {
-      const Colour& colour = colours[*azimuth];
-      const unsigned value = values[*dolp];
-      for (std::size_t i = 0; i < 3; ++i) {
-        out[i] = static_cast<std::uint8_t>((colour[i] * value + 127) / 255);
-      }
-    }
+std::uint16_t brightness_white_of(const PictureMaps& maps) {
+  check_map(maps, maps.brightness, "brightness");
+  std::vector<std::size_t> histogram(65536);
+  for (const std::uint16_t level : maps.brightness) ++histogram[level];
+  const std::size_t allowed = maps.brightness.size() / 500;
+  std::size_t white = 65535;
+  for (std::size_t above = 0; white > 1; --white) {
+    above += histogram[white];
+    if (above > allowed) break;
   }
-  if (legend_width > 0) draw_angle_legend(picture, planes.width(), dolp_white);
+  return static_cast<std::uint16_t>(white);
+}
+
+Picture intensity_picture(const PictureMaps& maps) {
+  const double white = brightness_white_of(maps);
+  const ByteTable table =
+      byte_table([white](double level) { return srgb_encoded(std::min(level / white, 1.0)); });
+  return grey_picture(maps, maps.brightness, table);
+}
+
+Picture dolp_picture(const PictureMaps& maps, double dolp_white) {
+  check_map(maps, maps.dolp, "dolp");
+  return grey_picture(maps, maps.dolp, dolp_table(dolp_white));
+}
+
+Picture angle_picture(const PictureMaps& maps, double dolp_white, AngleStyle style) {
+  check_map(maps, maps.azimuth, "azimuth");
+  check_map(maps, maps.dolp, "dolp");
+  const AngleTable angles = angle_table(style.hues);
+  const ByteTable weights = dolp_table(dolp_white);
+  Picture picture(maps.width, maps.height, 3);
+  if (style.unpolarized == Unpolarized::white) {
+    mix_pixels<Unpolarized::white>(maps, angles, weights, picture.bytes.data());
+  } else {
+    mix_pixels<Unpolarized::black>(maps, angles, weights, picture.bytes.data());
+  }
+  return picture;
+}
+
+Picture ratio_picture(const PictureMaps& maps, StokesRatio ratio, double limit) {
+  check_map(maps, maps.normalized_stokes, "normalized_stokes", 2);
+  check_range_end(limit, "a Stokes ratio");
+  const RatioTable table = ratio_table();
+  const float scale = static_cast<float>(kRatioSteps / limit);
+  Picture picture(maps.width, maps.height, 3);
+  std::uint8_t* out = picture.bytes.data();
+  for (std::size_t i = static_cast<std::size_t>(ratio); i < maps.normalized_stokes.size(); i += 2) {
+    const float steps = maps.normalized_stokes[i] * scale;
+    // Half a step more than the offset of 0 makes truncation round.
+    const float bounded =
+        std::clamp(steps == steps ? steps : 0.0f, -1.0f * kRatioSteps, 1.0f * kRatioSteps) +
+        (kRatioSteps + 0.5f);
+    const Colour& colour = table[static_cast<std::size_t>(static_cast<int>(bounded))];
+    out = std::copy(colour.begin(), colour.end(), out);
+  }
   return picture;
 }
 

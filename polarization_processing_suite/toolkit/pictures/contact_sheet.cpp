@@ -1,0 +1,92 @@
+#include "kv/pictures/contact_sheet.h"
+
+#include <algorithm>
+
+#include "kv/polarization/fault.h"
+#include "toolkit/pictures/glyphs.h"
+#include "toolkit/pictures/paint.h"
+#include "toolkit/pictures/panel.h"
+
+namespace kv::polarization {
+namespace {
+
+constexpr int kColumns = 3;
+constexpr int kLongestSide = 640;
+
+// In pixels.
+constexpr int kSpace = 12;
+constexpr int kWidthForLargeTitles = 500;
+
+constexpr Colour kSheetColour = {16, 16, 16};
+
+Picture reduced(const Picture& picture) {
+  const int block = (std::max(picture.width, picture.height) + kLongestSide - 1) / kLongestSide;
+  if (block == 1) return picture;
+  Picture result(std::max(1, picture.width / block), std::max(1, picture.height / block),
+                 picture.channels);
+  const auto channels = static_cast<std::size_t>(picture.channels);
+  std::vector<unsigned> sums(result.row_size());
+  for (int row = 0; row < result.height; ++row) {
+    const int rows = std::min(block, picture.height - row * block);
+    const int columns = std::min(block, picture.width);
+    std::fill(sums.begin(), sums.end(), 0u);
+    for (int i = 0; i < rows; ++i) {
+      const std::uint8_t* from =
+          &picture.bytes[static_cast<std::size_t>(row * block + i) * picture.row_size()];
+      for (std::size_t place = 0; place < sums.size(); place += channels) {
+        for (int j = 0; j < columns; ++j) {
+          for (std::size_t k = 0; k < channels; ++k) sums[place + k] += *from++;
+        }
+      }
+    }
+    const auto count = static_cast<unsigned>(rows * columns);
+    std::transform(sums.begin(), sums.end(), result.pixel(0, row), [count](unsigned sum) {
+      return static_cast<std::uint8_t>((sum + count / 2) / count);
+    });
+  }
+  return result;
+}
+
+}  // namespace
+
+void ContactSheet::add(const Picture& picture, const Legend& legend) {
+  Picture small = reduced(picture);
+  Picture colour(small.width, small.height, 3);
+  paste(small, colour, 0, 0);
+  Legend untitled = legend;
+  untitled.title.clear();
+  entries_.push_back({legend.title, with_legend(std::move(colour), untitled)});
+}
+
+Picture ContactSheet::picture() const {
+  if (entries_.empty()) {
+    throw Fault(FaultKind::argument, "a contact sheet has no pictures; add one at least");
+  }
+  Box largest{};
+  for (const Entry& entry : entries_) {
+    largest.width = std::max(largest.width, entry.picture.width);
+    largest.height = std::max(largest.height, entry.picture.height);
+  }
+  const int scale = largest.width >= kWidthForLargeTitles ? 2 : 1;
+  for (const Entry& entry : entries_) {
+    largest.width = std::max(largest.width, text_width(entry.title, scale));
+  }
+  const int title_height = (kGlyphHeight + 3) * scale;
+  const int column_width = largest.width + kSpace;
+  const int row_height = title_height + largest.height + kSpace;
+  const int count = static_cast<int>(entries_.size());
+  const int columns = std::min(count, kColumns);
+  Picture sheet(columns * column_width + kSpace,
+                (count + columns - 1) / columns * row_height + kSpace, 3);
+  fill(sheet, {0, 0, sheet.width, sheet.height}, kSheetColour);
+  for (int i = 0; i < count; ++i) {
+    const Entry& entry = entries_[static_cast<std::size_t>(i)];
+    const int left = kSpace + i % columns * column_width;
+    const int top = kSpace + i / columns * row_height;
+    draw_text(sheet, entry.title, left, top, scale, kTextColour);
+    paste(entry.picture, sheet, left, top + title_height);
+  }
+  return sheet;
+}
+
+}  // namespace kv::polarization

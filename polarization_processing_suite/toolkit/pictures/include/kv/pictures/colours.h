@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+
+#include "kv/polarization/picture.h"
+
+namespace kv::polarization {
+
+/// The circle of pure colours that stand for angles of linear polarization, once round in 180
+/// degrees. In both, 0 (along the rows) is red, and counter-clockwise 45 is yellow-green, 90 cyan,
+/// 135 violet.
+enum class HueCircle : std::uint8_t {
+  hsv,  ///< round the edges of the colour hexagon: vivid, but yellow and cyan look brighter
+  even  ///< constant lightness 0.75 and chroma 0.127 in OKLCh: equal steps of angle look alike
+};
+
+/// What unpolarized light looks like; full colour stands for the DoLP that is shown as white.
+enum class Unpolarized : std::uint8_t {
+  black,  ///< DoLP as value, for screens
+  white   ///< DoLP as saturation, for print
+};
+
+struct AngleStyle {
+  HueCircle hues = HueCircle::hsv;
+  Unpolarized unpolarized = Unpolarized::black;
+};
+
+/// The pure colour of an angle; angles that differ by 180 degrees have the same one.
+Colour angle_colour(HueCircle hues, double degrees);
+
+/// From the neutral colour at weight 0 to the pure one at 255, linearly in sRGB. In the even circle
+/// all hues stay of nearly one lightness on the way.
+constexpr Colour mixed(const Colour& pure, Unpolarized neutral, unsigned weight) {
+  const unsigned rest = neutral == Unpolarized::white ? 255 * (255 - weight) : 0;
+  Colour result{};
+  for (std::size_t i = 0; i < result.size(); ++i) {
+    result[i] = static_cast<std::uint8_t>((pure[i] * weight + rest + 127) / 255);
+  }
+  return result;
+}
+
+/// The diverging scale of S1/S0 and S2/S0, from -1, blue, over 0, a light grey, to 1, red: in OKLCh
+/// from lightness 0.96 linearly down to 0.5, and from chroma 0 up to 0.2.
+Colour diverging_colour(double minus_one_to_one);
+
+}  // namespace kv::polarization
