@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "toolkit/pictures/colour_lanes.h"
 #include "toolkit/pictures/colour_spaces.h"
 
 namespace kv::polarization {
@@ -32,6 +33,14 @@ Colour angle_colour(HueCircle hues, double degrees) {
   return to_colour(hues == HueCircle::hsv
                        ? hexagon_colour(turn)
                        : from_oklch(kCircleLightness, kCircleChroma, kRedHue + 360.0 * turn));
+}
+
+Colour mixed(const Colour& pure, Unpolarized neutral, std::uint8_t weight) {
+  Colour colour{};
+  store(neutral == Unpolarized::white ? mixed_lanes<Unpolarized::white>(lanes_of(pure), weight)
+                                      : mixed_lanes<Unpolarized::black>(lanes_of(pure), weight),
+        colour.data());
+  return colour;
 }
 
 Colour diverging_colour(double minus_one_to_one) {

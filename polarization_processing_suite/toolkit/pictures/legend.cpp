@@ -71,8 +71,8 @@ Legend ratio_legend(StokesRatio ratio, double limit) {
   return {.title = is_s1 ? "S1/S0" : "S2/S0",
           .scale = bar([](double share) { return diverging_colour(2 * share - 1); },
                        {short_number(-limit), "0", short_number(limit)}),
-          .notes = {"ratio, no unit", "red: towards " + angle(is_s1 ? 0 : 45),
-                    "blue: towards " + angle(is_s1 ? 90 : 135)}};
+          .notes = {"ratio, no unit", "red: " + angle(is_s1 ? 0 : 45),
+                    "blue: " + angle(is_s1 ? 90 : 135)}};
 }
 
 int legend_width(const Legend& legend, int picture_height) {

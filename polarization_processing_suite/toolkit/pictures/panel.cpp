@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <numbers>
 
+#include "toolkit/pictures/colour_spaces.h"
 #include "toolkit/pictures/glyphs.h"
 #include "toolkit/pictures/paint.h"
 
@@ -14,7 +15,8 @@ namespace {
 // In dots.
 constexpr int kGap = 6;
 constexpr int kWheelRadius = 32;
-constexpr int kWheelHeight = 92;
+constexpr int kWheelHeight = 84;
+constexpr int kWheelCentre = 46;  // more room above it, for the labels
 constexpr int kBarWidth = 16;
 constexpr int kBarHeight = 100;
 constexpr int kSwatchSize = 9;
@@ -46,7 +48,7 @@ class PanelWriter {
 
   void scale(const ScaleBar& bar) {
     if (picture_) draw_bar(bar);
-    top_ += kBarHeight + kGlyphHeight;
+    top_ += kBarHeight + kLineAdvance;
   }
 
   void scale(const Swatches& swatches) {
@@ -67,17 +69,17 @@ class PanelWriter {
   void draw_wheel(AngleStyle style) {
     const int radius = kWheelRadius * scale_;
     const int centre_column = column(kPanelWidth / 2);
-    const int centre_row = row(kWheelHeight / 2);
+    const int centre_row = row(kWheelCentre);
     for (int up = -radius - 1; up <= radius + 1; ++up) {
       for (int right = -radius - 1; right <= radius + 1; ++right) {
         const double distance = std::hypot(right, up);
-        const double share = std::min(distance / radius, 1.0);
+        // The rim is smoothed over one pixel.
+        const double coverage = radius + 0.5 - distance;
+        if (coverage <= 0.0) continue;
         const Colour pure =
             angle_colour(style.hues, std::atan2(up, right) * 180.0 / std::numbers::pi);
-        // The rim is smoothed over one pixel.
         cover(*picture_, centre_column + right, centre_row - up,
-              mixed(pure, style.unpolarized, static_cast<unsigned>(std::lround(255.0 * share))),
-              radius + 0.5 - distance);
+              mixed(pure, style.unpolarized, to_byte(distance / radius)), coverage);
       }
     }
     for (const int degrees : {0, 45, 90, 135}) {

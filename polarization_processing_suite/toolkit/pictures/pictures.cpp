@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "toolkit/pictures/colour_lanes.h"
 #include "toolkit/pictures/colour_spaces.h"
 #include "toolkit/pictures/map_checks.h"
 
@@ -37,13 +38,13 @@ Picture grey_picture(const PictureMaps& maps, std::span<const std::uint16_t> lev
 /// 4096 angles, a step of 0.04 degrees, are finer than the colours of any circle, and stay in the
 /// processor's nearest cache.
 constexpr int kAngleShift = 4;
-using AngleTable = std::array<Colour, (65536 >> kAngleShift)>;
+using AngleTable = std::array<ColourLanes, (65536 >> kAngleShift)>;
 
 AngleTable angle_table(HueCircle hues) {
   AngleTable table;
   for (std::size_t i = 0; i < table.size(); ++i) {
     const double level = static_cast<double>(i << kAngleShift) + 7.5;
-    table[i] = angle_colour(hues, level * 180.0 / 65535.0 - 90.0);
+    table[i] = lanes_of(angle_colour(hues, level * 180.0 / 65535.0 - 90.0));
   }
   return table;
 }
@@ -52,9 +53,8 @@ template <Unpolarized neutral>
 void mix_pixels(const PictureMaps& maps, const AngleTable& angles, const ByteTable& weights,
                 std::uint8_t* out) {
   for (std::size_t i = 0; i < maps.dolp.size(); ++i, out += 3) {
-    const Colour colour =
-        mixed(angles[maps.azimuth[i] >> kAngleShift], neutral, weights[maps.dolp[i]]);
-    std::copy(colour.begin(), colour.end(), out);
+    const ColourLanes pure = angles[maps.azimuth[i] >> kAngleShift];
+    store(mixed_lanes<neutral>(pure, weights[maps.dolp[i]]), out);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 
 #include "toolkit/pictures/map_checks.h"
 
@@ -44,16 +45,20 @@ double dolp_white_of(const PictureMaps& maps) {
 
 double ratio_limit_of(const PictureMaps& maps) {
   check_map(maps, maps.normalized_stokes, "normalized_stokes", 2);
-  StepCounts counts{};
-  for (const float ratio : maps.normalized_stokes) {
-    const float steps = (std::abs(ratio) - kTolerance / 65535) * kSteps;
-    if (steps >= kSteps) {
-      ++counts[kSteps];
-    } else if (steps == steps) {
-      ++counts[static_cast<std::size_t>(std::max(0.0f, std::ceil(steps)))];
+  // Counts of their own for S1/S0 and S2/S0 need not wait for each other.
+  std::array<StepCounts, 2> counts{};
+  for (std::size_t i = 0; i < maps.normalized_stokes.size(); ++i) {
+    // Truncation leads to the step; a NaN leads nowhere.
+    const float step = (std::abs(maps.normalized_stokes[i]) - kTolerance / 65535) * kSteps + 1;
+    if (step < kSteps) {
+      ++counts[i % 2][static_cast<std::size_t>(static_cast<int>(step))];
+    } else if (step >= kSteps) {
+      ++counts[i % 2][kSteps];
     }
   }
-  return end_of_range(counts);
+  std::transform(counts[0].begin(), counts[0].end(), counts[1].begin(), counts[0].begin(),
+                 std::plus<>());
+  return end_of_range(counts[0]);
 }
 
 PictureRanges ranges_of(const PictureMaps& maps) {

