@@ -159,6 +159,27 @@ TEST(PictureSource, ComputesMapsAtFullScale) {
   EXPECT_TRUE(source.maps().azimuth.empty());
 }
 
+TEST(PictureSource, MakesNeutralPicturesOfBlackFrames) {
+  Processor processor;
+  PictureSource source;
+  source.fill(processor, make_frame(16, 8, 12), {});
+  const PictureMaps maps = source.maps();
+  const PictureRanges ranges = ranges_of(maps);
+  EXPECT_EQ(ranges.dolp_white, 0.05);
+  EXPECT_EQ(ranges.ratio_limit, 0.05);
+  for (const auto& [kind, level] : {std::pair{PictureKind::intensity, 0},
+                                    {PictureKind::dolp, 0},
+                                    {PictureKind::angle, 0},
+                                    {PictureKind::angle_even_light, 255},
+                                    {PictureKind::s1_ratio, 242},
+                                    {PictureKind::s2_ratio, 242},
+                                    {PictureKind::angle_ticks, 0}}) {
+    for (const int byte : picture_of(kind, maps, ranges).bytes) {
+      ASSERT_EQ(byte, level) << traits_of(kind).name;
+    }
+  }
+}
+
 TEST(IntensityPicture, IsFreeOfTheMosaicAndStretched) {
   // Fully polarized light in the left half, half as bright unpolarized light in the right one.
   Frame frame = make_frame(64, 32, 12);
@@ -236,11 +257,11 @@ TEST(FlagsPicture, ShowsTheFirstFlagOfTheTableAndCountsAll) {
   expect_colour(picture, 108, 48, kBlue, 0);
   const auto legend = flags_legend(flags, table);
   const Swatches& swatches = std::get<Swatches>(legend.scale);
-  EXPECT_EQ(swatches[0].text, "saturated 10.00 %");
-  EXPECT_EQ(swatches[1].text, "dark 1.00 %");
-  EXPECT_EQ(swatches[2].text, "hot 0.00 %");
+  EXPECT_EQ(swatches[0].text, "saturated 10.00%");
+  EXPECT_EQ(swatches[1].text, "dark 1.00%");
+  EXPECT_EQ(swatches[2].text, "hot 0.00%");
   EXPECT_EQ(std::get<Swatches>(flags_legend({flags.data() + 299, 29701}, table).scale)[1].text,
-            "dark <0.01 %");
+            "dark <0.01%");
 }
 
 /// Pixels of the text's colour within a box of that many pixels to each side.
@@ -294,7 +315,7 @@ TEST(Legend, OfValuesHasABarWithMarks) {
   EXPECT_EQ(bright_pixels(picture, 43, 139, 3), 19) << "0";
   EXPECT_EQ(std::get<ScaleBar>(ratio_legend(StokesRatio::s2, 0.35).scale).marks,
             (std::array<std::string, 3>{"-0.35", "0", "0.35"}));
-  EXPECT_EQ(std::get<ScaleBar>(intensity_legend(maps).scale).marks[2], "61 %");  // 40000 of 65535
+  EXPECT_EQ(std::get<ScaleBar>(intensity_legend(maps).scale).marks[2], "61%");  // 40000 of 65535
 }
 
 TEST(Legend, IsLeftOutWhereItCannotBeRead) {

@@ -12,9 +12,9 @@ namespace {
 std::string share_text(std::size_t count, std::size_t pixels) {
   const double per_cent =
       pixels == 0 ? 0.0 : 100.0 * static_cast<double>(count) / static_cast<double>(pixels);
-  if (count > 0 && per_cent < 0.01) return "<0.01 %";
+  if (count > 0 && per_cent < 0.01) return "<0.01%";
   char text[16];
-  std::snprintf(text, sizeof text, "%.2f %%", per_cent);
+  std::snprintf(text, sizeof text, "%.2f%%", per_cent);
   return text;
 }
 
@@ -39,11 +39,11 @@ Picture flags_picture(const PictureMaps& maps, std::span<const std::uint8_t> fla
   const auto styles = style_table(table);
   Picture picture(maps.width, maps.height, 3);
   std::uint8_t* out = picture.bytes.data();
-  for (std::size_t i = 0; i < flags.size(); ++i) {
+  for (std::size_t i = 0; i < flags.size(); ++i, out += 3) {
     if (const FlagStyle* style = styles[flags[i]]) {
-      out = std::copy(style->colour.begin(), style->colour.end(), out);
+      std::copy(style->colour.begin(), style->colour.end(), out);
     } else {
-      out = std::fill_n(out, 3, static_cast<std::uint8_t>(grey.bytes[i] / 2));
+      out[0] = out[1] = out[2] = grey.bytes[i] / 2;
     }
   }
   return picture;

@@ -35,7 +35,7 @@ Colour grey(double zero_to_one) {
   return {level, level, level};
 }
 
-std::string per_cent(double share) { return short_number(100.0 * share) + " %"; }
+std::string per_cent(double share) { return short_number(100.0 * share) + "%"; }
 
 }  // namespace
 
@@ -43,7 +43,7 @@ Legend intensity_legend(const PictureMaps& maps) {
   const double white = brightness_white_of(maps) / 65535.0;
   return {.title = "Intensity",
           .scale = bar([](double share) { return grey(srgb_encoded(share)); },
-                       {"0 %", per_cent(white / 2), per_cent(white)}),
+                       {"0%", per_cent(white / 2), per_cent(white)}),
           .notes = {"mean of 2 x 2 samples in % of full scale", "encoded as sRGB"}};
 }
 

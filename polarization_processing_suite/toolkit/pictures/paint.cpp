@@ -45,7 +45,9 @@ void paste(const Picture& source, Picture& target, int left, int top) {
     if (source.channels == target.channels) {
       std::copy_n(from, source.row_size(), to);
     } else {
-      for (int column = 0; column < source.width; ++column) to = std::fill_n(to, 3, from[column]);
+      for (int column = 0; column < source.width; ++column, to += 3) {
+        to[0] = to[1] = to[2] = from[column];
+      }
     }
   }
 }
