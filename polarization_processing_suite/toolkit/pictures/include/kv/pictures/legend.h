@@ -47,8 +47,8 @@ Legend ratio_legend(StokesRatio ratio, double limit);
 /// least 118; 0 where a legible one does not fit, in pictures of less than some 100 to 200 rows.
 int legend_width(const Legend& legend, int picture_height);
 
-/// The picture with the legend on the right: the picture's pixels keep their places. The legend of a
-/// grey picture is grey. Pictures too small for a legible legend stay as they are.
+/// The picture with the legend on the right: the picture's pixels keep their places. The legend of
+/// a grey picture is grey. Pictures too small for a legible legend stay as they are.
 Picture with_legend(Picture picture, const Legend& legend);
 
 }  // namespace kv::polarization
