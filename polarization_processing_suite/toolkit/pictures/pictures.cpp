@@ -64,10 +64,8 @@ using RatioTable = std::array<Colour, 2 * kRatioSteps + 1>;
 
 RatioTable ratio_table() {
   RatioTable table;
-  for (int step = -kRatioSteps; step <= kRatioSteps; ++step) {
-    table[static_cast<std::size_t>(kRatioSteps + step)] =
-        diverging_colour(static_cast<double>(step) / kRatioSteps);
-  }
+  double step = -kRatioSteps;
+  for (Colour& colour : table) colour = diverging_colour(step++ / kRatioSteps);
   return table;
 }
 

@@ -16,6 +16,7 @@ constexpr int kSteps = 20;
 /// How far above the end of a step a value may be, in levels of 1/65535: the end itself may have
 /// been rounded up to a level.
 constexpr float kTolerance = 0.5f;
+constexpr auto kRoundingUp = static_cast<std::uint32_t>(65534 - kTolerance * kSteps);
 
 /// How many values lie above the end of the step before and up to that of step i.
 using StepCounts = std::array<std::size_t, kSteps + 1>;
@@ -38,7 +39,6 @@ double end_of_range(const StepCounts& counts) {
 double dolp_white_of(const PictureMaps& maps) {
   check_map(maps, maps.dolp, "dolp");
   StepCounts counts{};
-  constexpr auto kRoundingUp = static_cast<std::uint32_t>(65534 - kTolerance * kSteps);
   for (const std::uint32_t level : maps.dolp) ++counts[(level * kSteps + kRoundingUp) / 65535];
   return end_of_range(counts);
 }
