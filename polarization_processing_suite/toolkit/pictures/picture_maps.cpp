@@ -34,7 +34,7 @@ void PictureSource::fill(Processor& processor, const FrameView& frame, const Mos
   planes_.reshape(frame.width, frame.height, wanted);
   if (!wanted.empty()) processor.transform(frame, mosaic, planes_.views());
   brightness_.resize(pixel_count(frame.width, frame.height));
-  fill_brightness(packed(frame, packed_), brightness_.data());
+  fill_brightness(packed(frame, mosaic, packed_), brightness_.data());
 }
 
 PictureMaps PictureSource::maps() const {

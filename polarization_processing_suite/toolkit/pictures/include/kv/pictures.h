@@ -1,0 +1,13 @@
+#pragma once
+
+/// Pictures of polarization, in memory.
+
+#include "kv/pictures/angle_ticks.h"
+#include "kv/pictures/colours.h"
+#include "kv/pictures/contact_sheet.h"
+#include "kv/pictures/flags_picture.h"
+#include "kv/pictures/legend.h"
+#include "kv/pictures/picture_kinds.h"
+#include "kv/pictures/picture_maps.h"
+#include "kv/pictures/pictures.h"
+#include "kv/pictures/ranges.h"
