@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -149,9 +150,10 @@ class Maps {
   Buffer<std::uint8_t> quality_;
 };
 
-/// Evens out the brightness within each neighbourhood, which halves the false polarization that an
-/// edge of brightness leaves, and blurs true changes of polarization a little. With L, the binomial
-/// mean of the 3x3 samples around one (1 2 1, 2 4 2, 1 2 1; every class of pixels weighs a
+/// Evens out the brightness within each neighbourhood, against the false polarization that an edge
+/// of brightness leaves: half of it or less remains where a lens blurs edges by a pixel or more,
+/// two thirds where it does not. True changes of polarization are blurred a little. With L, the
+/// binomial mean of the 3x3 samples around one (1 2 1, 2 4 2, 1 2 1; every class of pixels weighs a
 /// quarter), each of the four samples is multiplied by the mean L of the four and divided by its
 /// own L.
 struct IntensityCompensation {
@@ -164,8 +166,8 @@ struct MapSettings {
   SampleSettings samples{};
 
   /// Never by default: it changes measurements. L is made of the samples as they are, bad and
-  /// clipped ones too. Standard deviations take the factors as free of noise; in flat, weakly
-  /// polarized fields the true ones of DoLP and angle are up to a fifth lower.
+  /// clipped ones too. Standard deviations take the factors as free of noise; in flat fields the
+  /// true ones are a sixth lower, as L averages over samples beyond the four.
   std::optional<IntensityCompensation> compensation{};
 };
 
