@@ -48,13 +48,18 @@ struct CellChunk {
   bool has_changed;
   bool has_rescued;
 
-  // What is made of them.
-  Line s0, a, b;  ///< a and b as in propagation.h
-  Line s1, s2;
-  Line dolp, angle;
+  // What is made of them, where it is to be: in the maps, so that writing to memory goes along with
+  // computing, or in the lines below.
+  float* s0;
+  float* s1;
+  float* s2;
+  float* dolp;
+  float* result;  ///< of a map that nothing else is made of
+  std::array<Line, 4> unwanted;
+
+  Line a, b;  ///< as in propagation.h
   Moments<Line> moments;
   VectorVariance<Line> variance;
-  Line result;  ///< of a map that nothing else is made of
 };
 
 }  // namespace kv::polarization

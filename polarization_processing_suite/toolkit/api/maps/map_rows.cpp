@@ -68,34 +68,27 @@ class RowMapper {
 
  private:
   void map_light(const RotationLines& rotation) {
+    chunk_.s0 = place_of(maps_.s0, 0);
+    chunk_.s1 = place_of(maps_.s1, 1);
+    chunk_.s2 = place_of(maps_.s2, 2);
+    chunk_.dolp = place_of(maps_.dolp, 3);
     find_contrasts(chunk_);
-    store(chunk_.s0, maps_.s0);
     if (!maps_.s1.empty() || !maps_.angle.empty()) find_s1(rotation, chunk_);
-    store(chunk_.s1, maps_.s1);
     if (!maps_.s2.empty() || !maps_.angle.empty()) find_s2(rotation, chunk_);
-    store(chunk_.s2, maps_.s2);
     if (needs_.dolp) find_dolp(chunk_);
-    store(chunk_.dolp, maps_.dolp);
-    if (!maps_.angle.empty()) find_angle(chunk_);
-    store(chunk_.angle, maps_.angle);
+    if (aim_at(maps_.angle)) find_angle(chunk_);
   }
 
   void map_errors(const RotationLines& rotation) {
     find_moments(chunk_);
     if (chunk_.has_rescued) correct_rescued_moments(chunk_);
     if (needs_.vector_variance) find_vector_variance(chunk_);
-    if (!maps_.debiased_dolp.empty()) find_debiased_dolp(chunk_);
-    store(chunk_.result, maps_.debiased_dolp);
-    if (!maps_.s0_sigma.empty()) find_s0_sigma(chunk_);
-    store(chunk_.result, maps_.s0_sigma);
-    if (!maps_.s1_sigma.empty()) find_s1_sigma(rotation, chunk_);
-    store(chunk_.result, maps_.s1_sigma);
-    if (!maps_.s2_sigma.empty()) find_s2_sigma(rotation, chunk_);
-    store(chunk_.result, maps_.s2_sigma);
-    if (!maps_.dolp_sigma.empty()) find_dolp_sigma(chunk_);
-    store(chunk_.result, maps_.dolp_sigma);
-    if (!maps_.angle_sigma.empty()) find_angle_sigma(chunk_);
-    store(chunk_.result, maps_.angle_sigma);
+    if (aim_at(maps_.debiased_dolp)) find_debiased_dolp(chunk_);
+    if (aim_at(maps_.s0_sigma)) find_s0_sigma(chunk_);
+    if (aim_at(maps_.s1_sigma)) find_s1_sigma(rotation, chunk_);
+    if (aim_at(maps_.s2_sigma)) find_s2_sigma(rotation, chunk_);
+    if (aim_at(maps_.dolp_sigma)) find_dolp_sigma(chunk_);
+    if (aim_at(maps_.angle_sigma)) find_angle_sigma(chunk_);
   }
 
   void map_quality() {
@@ -104,9 +97,16 @@ class RowMapper {
     std::copy_n(chunk_.flags.begin(), chunk_.count, maps_.quality.data() + start_);
   }
 
-  /// Does nothing for a map that is not wanted.
-  void store(const Line& line, std::span<float> map) const {
-    if (!map.empty()) std::copy_n(line.begin(), chunk_.count, map.data() + start_);
+  /// Where the chunk's pixels are in a map, or in a line of their own if it is not wanted.
+  float* place_of(std::span<float> map, std::size_t line) {
+    return map.empty() ? chunk_.unwanted[line].data() : map.data() + start_;
+  }
+
+  /// Lets `result` be the chunk's pixels in a map; false if it is not wanted.
+  bool aim_at(std::span<float> map) {
+    if (map.empty()) return false;
+    chunk_.result = map.data() + start_;
+    return true;
   }
 
   int width_;

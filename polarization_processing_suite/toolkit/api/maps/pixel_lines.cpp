@@ -41,7 +41,7 @@ void find_moments_of(const float* __restrict own, const float* __restrict right,
 }
 
 void rotate(const Line& weights_a, const Line& weights_b, const Line& a, const Line& b, int count,
-            Line& stokes) {
+            float* __restrict stokes) {
   for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
     stokes[i] = weights_a[i] * a[i] + weights_b[i] * b[i];
   }
@@ -55,11 +55,30 @@ void find_rotated_sigma(const Line& weights_a, const Line& weights_b, CellChunk&
   }
 }
 
+// A byte may share memory with anything.
+
+void add_value_flags(const float* __restrict s0, const float* __restrict dolp, int count,
+                     std::uint8_t* __restrict flags) {
+  for (int i = 0; i < count; ++i) {
+    const int dark = s0[i] > 0 ? 0 : quality::dark;
+    const int above = dolp[i] > 1 ? quality::dolp_above_1 : 0;
+    flags[i] = static_cast<std::uint8_t>(flags[i] | dark | above);
+  }
+}
+
+void add_noise_flags(const float* __restrict dolp, const float* __restrict along, int count,
+                     std::uint8_t* __restrict flags) {
+  for (int i = 0; i < count; ++i) {
+    const int hidden = stands_out(dolp[i], along[i]) ? 0 : quality::below_noise;
+    flags[i] = static_cast<std::uint8_t>(flags[i] | hidden);
+  }
+}
+
 }  // namespace
 
 void find_contrasts(CellChunk& chunk) {
   const auto [own, right, lower, diagonal] = chunk.values;
-  find_contrasts_of(own, right, lower, diagonal, chunk.count, chunk.s0.data(), chunk.a.data(),
+  find_contrasts_of(own, right, lower, diagonal, chunk.count, chunk.s0, chunk.a.data(),
                     chunk.b.data());
 }
 
@@ -84,7 +103,7 @@ void find_dolp(CellChunk& chunk) {
 void find_angle(CellChunk& chunk) {
   for (std::size_t i = 0; i < static_cast<std::size_t>(chunk.count); ++i) {
     const float angle = half_atan2_degrees(chunk.s2[i], chunk.s1[i]);
-    chunk.angle[i] = chunk.s0[i] > 0 ? angle : kNan;
+    chunk.result[i] = chunk.s0[i] > 0 ? angle : kNan;
   }
 }
 
@@ -144,19 +163,11 @@ void find_angle_sigma(CellChunk& chunk) {
 }
 
 void flag_values(CellChunk& chunk) {
-  for (std::size_t i = 0; i < static_cast<std::size_t>(chunk.count); ++i) {
-    const int dark = chunk.s0[i] > 0 ? 0 : quality::dark;
-    const int above = chunk.dolp[i] > 1 ? quality::dolp_above_1 : 0;
-    chunk.flags[i] = static_cast<std::uint8_t>(chunk.flags[i] | dark | above);
-  }
+  add_value_flags(chunk.s0, chunk.dolp, chunk.count, chunk.flags.data());
 }
 
 void flag_noise(CellChunk& chunk) {
-  for (std::size_t i = 0; i < static_cast<std::size_t>(chunk.count); ++i) {
-    const bool is_told = stands_out(chunk.dolp[i], chunk.variance.along[i]);
-    chunk.flags[i] =
-        static_cast<std::uint8_t>(chunk.flags[i] | (is_told ? 0 : quality::below_noise));
-  }
+  add_noise_flags(chunk.dolp, chunk.variance.along.data(), chunk.count, chunk.flags.data());
 }
 
 }  // namespace kv::polarization
