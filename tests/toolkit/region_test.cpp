@@ -109,18 +109,11 @@ TEST(Region, PredictsTheNoiseOfItsMean) {
 }
 
 TEST(Region, RefusesWhatIsNotWithinTheFrame) {
-  for (const Rectangle& region : {Rectangle{-1, 0, 2, 2},
-                                  {0, -1, 2, 2},
-                                  {3, 0, 2, 2},
-                                  {0, 0, 2, 3},
-                                  {0, 0, 1, 2},
-                                  {2, 0, 0x7fffffff, 2}}) {
+  for (const Rectangle& region :
+       {Rectangle{-1, 0, 2, 2}, {3, 0, 2, 2}, {0, 0, 2, 3}, {0, 0, 1, 2}, {2, 0, 0x7fffffff, 2}}) {
     EXPECT_PRED2(contains, error_of([&] { region_statistics(two_cells(), {}, {}, region); }),
                  "is not within the frame's 4 x 2");
   }
-  const std::vector<std::uint8_t> mask(7);
-  EXPECT_PRED2(contains, error_of([&] { region_statistics(two_cells(), {}, {}, mask); }),
-               "has 7 bytes");
 }
 
 // Means of four, with the column at the right edge like the one before it, the last row like the

@@ -154,10 +154,10 @@ void find_dolp_sigma(CellChunk& chunk) {
 }
 
 void find_angle_sigma(CellChunk& chunk) {
-  constexpr float kHalfRadian = 90 / std::numbers::pi_v<float>;  // degrees
+  constexpr float half_radian = 90 / std::numbers::pi_v<float>;  // degrees
   for (std::size_t i = 0; i < static_cast<std::size_t>(chunk.count); ++i) {
     const float dolp = chunk.dolp[i];
-    const float sigma = std::sqrt(chunk.variance.across[i]) * kHalfRadian / dolp;
+    const float sigma = std::sqrt(chunk.variance.across[i]) * half_radian / dolp;
     chunk.result[i] = stands_out(dolp, chunk.variance.along[i]) ? sigma : kNan;
   }
 }
