@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-#include "toolkit/image_files/pending_file.h"
+#include "kv/image_files/pending_file.h"
 
 namespace kv::polarization {
 

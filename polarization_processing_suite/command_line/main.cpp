@@ -30,9 +30,9 @@ constexpr const char* kFooter =
     "130 stopped by Ctrl-C.";
 
 constexpr const char* kTransformFooter =
-    "Frames: grey PNG or TIFF of 8 or 16 bits (every TIFF page is a frame), PGM (P5), or "
-    "headerless\n"
-    "little endian samples, one frame after the other, with --width, --height and --raw-bits.\n"
+    "Frames: grey PNG or TIFF of 8 or 16 bits (every TIFF page is a frame), PGM (P5), NumPy arrays "
+    "(NPY),\n"
+    "or headerless frames, one after the other, with --width, --height and --raw-format.\n"
     "\n"
     "Results, for frame.png: frame_azimuth.png and so on; frame_normalized_stokes.tiff holds S1/S0 "
     "and\n"
@@ -118,6 +118,21 @@ void parse_origin(const std::string& text, Mosaic& mosaic) {
   }
 }
 
+/// Names of the formats that planes are written in: those that record the planes' shape.
+std::vector<std::string> plane_formats() {
+  std::vector<std::string> names;
+  for (const ImageFormatTraits& traits : image_formats()) {
+    if (traits.has_header && traits.writes(ImageKind::grey)) names.emplace_back(traits.name);
+  }
+  return names;
+}
+
+std::vector<std::string> pixel_formats() {
+  std::vector<std::string> names;
+  for (const PixelFormatTraits& traits : kPixelFormats) names.emplace_back(traits.name);
+  return names;
+}
+
 CLI::Option* add_phase(CLI::App& command, int& degrees) {
   return command
       .add_option("--phase", degrees, "Polarizer behind the sensor's first pixel, in degrees")
@@ -170,10 +185,10 @@ class TransformCommand {
             "--planes", [this](const std::string& list) { options_.planes = parse_planes(list); },
             "Planes to write, of " + plane_names() + " (default: all)")
         ->type_name("LIST");
-    format_name_ = plane_format_names().front();
+    format_name_ = traits_of(preferred_format(ImageKind::grey)).name;
     command_.add_option("--format", format_name_, "File format of the 16-bit planes")
         ->type_name("NAME")
-        ->check(CLI::IsMember(plane_format_names()))
+        ->check(CLI::IsMember(plane_formats()))
         ->capture_default_str();
     command_
         .add_option_function<std::string>(
@@ -199,7 +214,10 @@ class TransformCommand {
     options_.mosaic.phase = phase_at(phase_degrees_).value();
     options_.format = format_named(format_name_).value();
     if (no_pictures_) options_.pictures.clear();
-    if (raw_.bits != 0) options_.raw_shape = raw_;
+    if (raw_bits_ != 0)
+      raw_.pixel_format = raw_bits_ == 8 ? PixelFormat::mono8 : PixelFormat::mono16;
+    if (!raw_format_.empty()) raw_.pixel_format = pixel_format_named(raw_format_).value();
+    if (raw_.width != 0) options_.raw_shape = raw_;
     return run_transform(options_);
   }
 
@@ -211,13 +229,23 @@ class TransformCommand {
     CLI::Option* height = command_.add_option("--height", raw_.height, "Rows of headerless frames")
                               ->type_name("N")
                               ->check(kSides);
+    CLI::Option* format =
+        command_.add_option("--raw-format", raw_format_, "Pixel format of headerless frames")
+            ->type_name("NAME")
+            ->check(CLI::IsMember(pixel_formats()));
     CLI::Option* bits =
-        command_.add_option("--raw-bits", raw_.bits, "Stored bits of their samples, 8 or 16")
+        command_.add_option("--raw-bits", raw_bits_, "In its place: 8 for Mono8, 16 for Mono16")
             ->type_name("N")
-            ->check(CLI::IsMember({8, 16}));
-    width->needs(height)->needs(bits);
-    height->needs(width)->needs(bits);
-    bits->needs(width)->needs(height);
+            ->check(CLI::IsMember({8, 16}))
+            ->excludes(format);
+    width->needs(height);
+    height->needs(width);
+    for (CLI::Option* option : {format, bits}) option->needs(width)->needs(height);
+    command_.final_callback([=] {
+      if (width->count() > 0 && format->count() + bits->count() == 0) {
+        throw CLI::RequiresError("--width", "--raw-format or --raw-bits");
+      }
+    });
   }
 
   CLI::App& command_;
@@ -226,6 +254,8 @@ class TransformCommand {
   std::string format_name_;
   bool no_pictures_ = false;
   RawShape raw_{};
+  std::string raw_format_;
+  int raw_bits_ = 0;
 };
 
 class SimulateCommand {
@@ -240,7 +270,7 @@ class SimulateCommand {
     command_
         .add_option(
             "-o,--output", options_.file,
-            "The file to write; its ending decides on the format: .png, .tiff, .pgm or .raw")
+            "The file to write; its ending decides on the format: .png, .tiff, .pgm, .npy or .raw")
         ->type_name("FILE")
         ->required();
     command_.add_option("--width", options_.width, "Columns")

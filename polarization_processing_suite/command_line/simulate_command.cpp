@@ -4,7 +4,7 @@
 #include <string>
 
 #include "command_line/exit_status.h"
-#include "toolkit/image_files/image_writer.h"
+#include "kv/image_files/image_writer.h"
 
 namespace kv::polarization {
 namespace {
@@ -27,17 +27,13 @@ std::string transform_arguments(const SimulateOptions& options, ImageFormat form
 }  // namespace
 
 int run_simulate(const SimulateOptions& options) {
-  const ImageFormat format = format_for(options.file);
   const Scene scene(options.width, options.height);
   const Frame frame = photograph(scene, options.width, options.height, options.camera);
-  PendingFile file(options.file);
-  write_grey(file, format, {frame.width, frame.height, frame.bit_depth, frame.samples});
-  file.close();
-  file.publish();
+  save_image(options.file, grey_image(frame));
   std::cout << "frame of " << options.width << " x " << options.height << " pixels with "
             << frame.bit_depth << " bits in " << options.file.string()
-            << "; next: kv-polarize transform " << transform_arguments(options, format)
-            << std::endl;
+            << "; next: kv-polarize transform "
+            << transform_arguments(options, format_for(options.file)) << std::endl;
   return exit_success;
 }
 

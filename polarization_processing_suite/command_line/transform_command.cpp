@@ -47,13 +47,23 @@ class TransformRun {
   void transform_file(const std::filesystem::path& file, double files_done) {
     progress_.show(files_done);
     std::unique_ptr<FrameReader> reader;
-    if (!attempt(file.string(), [&] { reader = open_frames(file, options_.raw_shape); })) return;
+    if (!attempt(file.string(), [&] { reader = open(file); })) return;
     const std::size_t pages = reader->count();
     for (std::size_t page = 0; page < pages && !platform::interrupted(); ++page) {
       progress_.show(files_done + static_cast<double>(page) / static_cast<double>(pages));
       const std::string name =
           file.string() + (pages > 1 ? ", page " + std::to_string(page + 1) : "");
       attempt(name, [&] { transform_frame(file, *reader, page, name); });
+    }
+  }
+
+  std::unique_ptr<FrameReader> open(const std::filesystem::path& file) const {
+    try {
+      return open_frames(file, options_.raw_shape);
+    } catch (const Fault& fault) {
+      if (fault.kind() != FaultKind::unsupported || format_of_content(file)) throw;
+      throw Fault(fault.kind(), std::string(fault.what()) +
+                                    ": by --width, --height and --raw-format or --raw-bits");
     }
   }
 
@@ -76,7 +86,9 @@ class TransformRun {
 
   void transform_frame(const std::filesystem::path& file, FrameReader& reader, std::size_t page,
                        const std::string& name) {
-    Frame frame = reader.read(page);
+    Frame& frame = frame_;
+    reader.read(page, frame);
+    for (const std::string& note : reader.notes()) report("warning: " + name + ": " + note);
     if (options_.bit_depth) frame.bit_depth = *options_.bit_depth;
     warn_of_excess(frame, name);
     const std::string stem = names_.stem_for(file, page, reader.count());
@@ -108,15 +120,18 @@ class TransformRun {
       if (!options_.planes.has(traits.plane)) continue;
       const std::string name = stem + "_" + std::string(traits.name);
       if (traits.element == PlaneElement::float_pair) {
-        output.add(names_.path_for(name + float_pairs_extension()), [this](PendingFile& file) {
-          write_float_pairs(file, planes_.width(), planes_.height(), planes_.normalized_stokes());
+        const ImageFormat format = preferred_format(ImageKind::floats);
+        output.add(path_for(name, format, ImageKind::floats), [this, format](PendingFile& file) {
+          write_image(
+              file, format,
+              FloatImage{planes_.width(), planes_.height(), 2, planes_.normalized_stokes()});
         });
       } else {
-        output.add(names_.path_for(name + extension_of(options_.format)),
-                   [this, plane = traits.plane](PendingFile& file) {
-                     write_grey(file, options_.format,
-                                {planes_.width(), planes_.height(), 16, planes_.levels(plane)});
-                   });
+        output.add(path_for(name, options_.format, ImageKind::grey), [this, plane = traits.plane](
+                                                                         PendingFile& file) {
+          write_image(file, options_.format,
+                      GreyImage{planes_.width(), planes_.height(), 16, planes_.levels(plane)});
+        });
       }
     }
   }
@@ -126,11 +141,18 @@ class TransformRun {
     const PictureMaps maps = picture_source_.maps();
     PictureRanges ranges = ranges_of(maps);
     if (options_.dolp_white) ranges.dolp_white = *options_.dolp_white;
+    const ImageFormat format = preferred_format(ImageKind::picture);
     for (const PictureKind kind : options_.pictures) {
-      output.add(names_.path_for(stem + "_" + std::string(traits_of(kind).name) + "_picture" +
-                                 picture_extension()),
-                 [=](PendingFile& file) { write_picture(file, picture_of(kind, maps, ranges)); });
+      const std::string name = stem + "_" + std::string(traits_of(kind).name) + "_picture";
+      output.add(path_for(name, format, ImageKind::picture), [=](PendingFile& file) {
+        write_image(file, format, picture_of(kind, maps, ranges));
+      });
     }
+  }
+
+  std::filesystem::path path_for(const std::string& name, ImageFormat format,
+                                 ImageKind kind) const {
+    return names_.path_for(name + std::string(ending_of(format, kind)));
   }
 
   void report(const std::string& line) {
@@ -154,6 +176,7 @@ class TransformRun {
   OutputNames names_;
   ProgressBar progress_;
   Processor processor_;
+  Frame frame_;
   Planes planes_;
   PictureSource picture_source_;
   std::size_t frames_ = 0;

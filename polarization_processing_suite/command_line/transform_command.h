@@ -5,10 +5,10 @@
 #include <optional>
 #include <vector>
 
+#include "kv/image_files/frame_reader.h"
+#include "kv/image_files/image_writer.h"
 #include "kv/pictures/picture_kinds.h"
 #include "kv/polarization/processor.h"
-#include "toolkit/image_files/frame_reader.h"
-#include "toolkit/image_files/image_writer.h"
 
 namespace kv::polarization {
 

@@ -3,29 +3,26 @@
 
 #include <cmath>
 
+#include "kv/image_files.h"
 #include "kv/pictures/picture_kinds.h"
 #include "kv/polarization/processor.h"
 #include "tool.h"
-#include "toolkit/image_files/frame_reader.h"
-#include "toolkit/image_files/image_writer.h"
 
 using namespace kv::polarization;
 
 namespace {
 
-const std::string kPreferred = plane_format_names().front();
+const std::string kPreferred(traits_of(preferred_format(ImageKind::grey)).name);
 
-Frame read_frame(const std::filesystem::path& path) {
-  return open_frames(path, std::nullopt)->read(0);
-}
+Frame read_frame(const std::filesystem::path& path) { return open_frames(path)->read(0); }
 
 // The scene has four film discs in a row: 0, 45, 90 and 135 degrees with DoLP 0.9 to 0.6. A frame
 // of 300 x 240 pixels has them at column 60, 120, 180 and 240 of row 211.
 TEST(Simulate, TellsTheCommandThatRecoversTheDiscs) {
   const Tool tool;
-  auto formats = plane_format_names();
-  formats.emplace_back("raw");
-  for (const std::string& format : formats) {
+  for (const ImageFormatTraits& traits : image_formats()) {
+    if (!traits.available()) continue;
+    const std::string format(traits.name);
     for (const std::string options : {"--bit-depth 16", "--phase 90 --bit-depth 8",
                                       "--phase 45 --bit-depth 12", "--phase 135 --bit-depth 9"}) {
       SCOPED_TRACE(format + " " + options);
@@ -78,18 +75,22 @@ TEST_F(Transform, WritesWhatTheToolkitComputes) {
       const std::string expected = written(tool_.path("expected"), write);
       EXPECT_TRUE(tool_.content("out/a_" + name) == expected) << name;
     };
-    expect_file("normalized_stokes" + float_pairs_extension(), [&](auto& file) {
-      write_float_pairs(file, planes.width(), planes.height(), planes.normalized_stokes());
+    const ImageFormat floats = preferred_format(ImageKind::floats);
+    expect_file("normalized_stokes" + std::string(ending_of(floats)), [&](auto& file) {
+      write_image(file, floats,
+                  FloatImage{planes.width(), planes.height(), 2, planes.normalized_stokes()});
     });
     for (std::size_t i = 1; i < kPlanes.size(); ++i) {
       expect_file(std::string(kPlanes[i].name) + "." + format, [&](auto& file) {
-        write_grey(file, format_named(format).value(),
-                   {planes.width(), planes.height(), 16, planes.levels(kPlanes[i].plane)});
+        write_image(
+            file, format_named(format).value(),
+            GreyImage{planes.width(), planes.height(), 16, planes.levels(kPlanes[i].plane)});
       });
     }
     const auto expect_picture = [&](const std::string& name, const Picture& picture) {
-      expect_file(name + "_picture" + picture_extension(),
-                  [&](auto& file) { write_picture(file, picture); });
+      const ImageFormat pictures = preferred_format(ImageKind::picture);
+      expect_file(name + "_picture" + std::string(ending_of(pictures, ImageKind::picture)),
+                  [&](auto& file) { write_image(file, pictures, picture); });
     };
     Processor processor;
     PictureSource source;
@@ -144,6 +145,21 @@ TEST_F(Transform, NumbersTheFramesOfAFileAndWarnsOfExcess) {
   ASSERT_EQ(names.size(), 10u);
   EXPECT_EQ(names.front(), "stack_01_dolp." + kPreferred);
   EXPECT_EQ(names.back(), "stack_10_dolp." + kPreferred);
+}
+
+// Three bytes 0x78 are the samples 0x878 and 0x787 in one packing, 0x788 and 0x787 in the other.
+TEST_F(Transform, TakesHeaderlessFramesInThePixelFormatsOfCameras) {
+  tool_.write("packed.raw", std::string(8 * 6 * 3 / 2, 'x'));
+  for (const auto& [name, samples] :
+       {std::pair{"Mono12p", "\x8\x78\x7\x87"}, {"Mono12Packed", "\x7\x88\x7\x87"}}) {
+    std::string content = "P5 8 6 4095\n";
+    for (int i = 0; i < 24; ++i) content += samples;
+    tool_.write("wide.pgm", content);
+    const std::string options = " -o x --planes intensity --no-pictures --format pgm";
+    run("wide.pgm" + options);
+    run("packed.raw --width 8 --height 6 --raw-format " + std::string(name) + options);
+    EXPECT_EQ(tool_.content("x/packed_intensity.pgm"), tool_.content("x/wide_intensity.pgm"));
+  }
 }
 
 TEST(Simulate, ObeysItsOptions) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "kv/polarization/fault.h"
@@ -12,6 +13,17 @@ std::string error_of(Action action) {
     return "";
   } catch (const kv::polarization::Fault& error) {
     return error.what();
+  }
+}
+
+/// The kind of fault that the action fails with; none if it succeeds.
+template <class Action>
+std::optional<kv::polarization::FaultKind> kind_of(Action action) {
+  try {
+    action();
+    return std::nullopt;
+  } catch (const kv::polarization::Fault& error) {
+    return error.kind();
   }
 }
 

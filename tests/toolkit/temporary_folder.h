@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "toolkit/image_files/pending_file.h"
+#include "kv/image_files/pending_file.h"
 
 /// An empty folder of its own, so that tests may run at the same time; removed with all it holds.
 class TemporaryFolder {

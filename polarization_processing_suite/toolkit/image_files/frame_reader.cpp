@@ -1,57 +1,105 @@
-#include "toolkit/image_files/frame_reader.h"
+#include "kv/image_files/frame_reader.h"
 
-#include <array>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "kv/polarization/fault.h"
-#include "toolkit/image_files/input_file.h"
-#include "toolkit/image_files/pgm_file.h"
-#include "toolkit/image_files/png_file.h"
-#include "toolkit/image_files/raw_file.h"
-#include "toolkit/image_files/tiff_file.h"
+#include "toolkit/image_files/format_table.h"
 
 namespace kv::polarization {
 namespace {
 
-std::string first_bytes(InputFile& file) {
+std::string first_bytes(ByteSource& source) {
   std::string bytes(8, '\0');
-  bytes.resize(file.read(bytes.data(), bytes.size()));
-  file.seek(0);
+  bytes.resize(source.read(0, bytes.data(), bytes.size()));
   return bytes;
 }
 
-bool starts_with_tiff_signature(std::string_view bytes) {
-  using namespace std::string_view_literals;
-  for (const std::string_view signature : {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv}) {
-    if (bytes.starts_with(signature)) return true;
+[[noreturn]] void refuse_content(std::string_view bytes) {
+  if (bytes.size() >= 2 && bytes[0] == 'P' && bytes[1] >= '1' && bytes[1] <= '7') {
+    throw Fault(FaultKind::unsupported, "this is a netpbm image of kind " +
+                                            std::string(bytes.substr(0, 2)) +
+                                            "; a frame must be binary grey, P5");
   }
-  return false;
+  throw Fault(FaultKind::unsupported,
+              "the content is of no known format; frames are read from " +
+                  list_of_names([](const auto& format) { return format.has_header; }) +
+                  ", or without a header when their shape is given");
 }
 
-bool is_other_netpbm(std::string_view bytes) {
-  return bytes.size() >= 2 && bytes[0] == 'P' && bytes[1] >= '1' && bytes[1] <= '7';
+std::unique_ptr<FrameReader> open_source(SourcePointer source,
+                                         const std::optional<RawShape>& raw_shape) {
+  if (source->size() == 0) {
+    throw Fault(FaultKind::file, "the file is empty; a frame was expected");
+  }
+  if (raw_shape) return open_raw(std::move(source), *raw_shape);
+  const std::string bytes = first_bytes(*source);
+  const std::optional<ImageFormat> format = format_of_start(bytes);
+  if (!format) refuse_content(bytes);
+  const FormatFunctions& functions = functions_of(*format);
+  if (functions.open == nullptr) {
+    throw Fault(FaultKind::unsupported,
+                std::string(functions.missing) + "; it reads " +
+                    list_of_names([](const auto& known) { return known.reads; }));
+  }
+  return functions.open(std::move(source));
+}
+
+std::unique_ptr<FrameReader> open_stream_frames(StreamPointer stream,
+                                                const std::optional<RawShape>& raw_shape) {
+  if (raw_shape && !can_seek(*stream)) return open_raw_pipe(std::move(stream), *raw_shape);
+  return open_source(source_of(std::move(stream)), raw_shape);
 }
 
 }  // namespace
 
+void FrameReader::read(std::size_t index, Frame& frame) {
+  if (index >= count()) {
+    throw Fault(FaultKind::argument, "there is no frame " + std::to_string(index) +
+                                         "; the file has " + std::to_string(count()) +
+                                         ", numbered from 0 up");
+  }
+  notes_.clear();
+  next_ = index + 1;
+  load(index, frame);
+}
+
+Frame FrameReader::read(std::size_t index) {
+  Frame frame;
+  read(index, frame);
+  return frame;
+}
+
+bool FrameReader::read_next(Frame& frame) {
+  if (next_ >= count()) return false;
+  read(next_, frame);
+  return true;
+}
+
 std::unique_ptr<FrameReader> open_frames(const std::filesystem::path& path,
                                          const std::optional<RawShape>& raw_shape) {
-  InputFile file(path);
-  if (raw_shape) return open_raw(std::move(file), *raw_shape);
+  return open_stream_frames(open_stream(path), raw_shape);
+}
 
-  const std::string bytes = first_bytes(file);
-  if (bytes.starts_with("\x89PNG")) return open_png(std::move(file));
-  if (starts_with_tiff_signature(bytes)) return open_tiff(std::move(file));
-  if (bytes.starts_with("P5")) return open_pgm(std::move(file));
-  if (is_other_netpbm(bytes)) {
-    throw Fault(FaultKind::file, "this is a netpbm image of kind " + bytes.substr(0, 2) +
-                                     "; a frame must be binary grey, P5");
+std::unique_ptr<FrameReader> open_frames(std::istream& stream,
+                                         const std::optional<RawShape>& raw_shape) {
+  // Points to the caller's stream, and owns nothing.
+  return open_stream_frames(StreamPointer(StreamPointer(), &stream), raw_shape);
+}
+
+std::unique_ptr<FrameReader> open_frames(std::span<const std::byte> memory,
+                                         const std::optional<RawShape>& raw_shape) {
+  return open_source(source_of(memory), raw_shape);
+}
+
+std::optional<ImageFormat> format_of_content(const std::filesystem::path& path) {
+  const StreamPointer stream = open_stream(path);
+  if (!can_seek(*stream)) {
+    throw Fault(FaultKind::file,
+                "this is a pipe, whose content goes when it is looked at; store it in a file");
   }
-  throw Fault(
-      FaultKind::file,
-      "the content is neither PNG, TIFF nor PGM; a headerless file needs --width, --height and "
-      "--raw-bits");
+  return format_of_start(first_bytes(*source_of(stream)));
 }
 
 }  // namespace kv::polarization

@@ -1,101 +1,84 @@
-#include "toolkit/image_files/image_writer.h"
+#include "kv/image_files/image_writer.h"
 
 #include <algorithm>
-#include <cctype>
+#include <string>
 
 #include "kv/polarization/fault.h"
-#include "toolkit/image_files/pgm_file.h"
-#include "toolkit/image_files/png_file.h"
-#include "toolkit/image_files/raw_file.h"
-#include "toolkit/image_files/tiff_file.h"
+#include "toolkit/image_files/format_table.h"
 
 namespace kv::polarization {
 namespace {
 
-bool is_available(ImageFormat format) {
-  return (format != ImageFormat::png || png_available()) &&
-         (format != ImageFormat::tiff || tiff_available());
+constexpr std::string_view kKindNames[] = {"grey images", "planes of floats", "pictures"};
+
+[[noreturn]] void refuse(const std::string& line) { throw Fault(FaultKind::argument, line); }
+
+void check_size(int width, int height, int channels, std::size_t values) {
+  if (width < 1 || height < 1 || channels < 1) {
+    refuse("an image of " + std::to_string(width) + " x " + std::to_string(height) +
+           " pixels with " + std::to_string(channels) +
+           " channels is empty; all three must be 1 or more");
+  }
+  const std::size_t needed = pixel_count(width, height) * static_cast<std::size_t>(channels);
+  if (values != needed) {
+    refuse("an image of " + std::to_string(width) + " x " + std::to_string(height) +
+           " pixels with " + std::to_string(channels) + " channels has " + std::to_string(needed) +
+           " values; there are " + std::to_string(values));
+  }
+}
+
+void check_samples(const GreyImage& image) {
+  if (image.bit_depth < 1 || image.bit_depth > 16) {
+    refuse("a bit depth of " + std::to_string(image.bit_depth) +
+           " cannot be; it must be from 1 to 16");
+  }
+  const int limit = full_scale(image.bit_depth);
+  const auto above = [limit](int sample) { return sample > limit; };
+  if (limit < 65535 && std::any_of(image.samples.begin(), image.samples.end(), above)) {
+    refuse("samples are above " + std::to_string(limit) + ", the largest value of " +
+           std::to_string(image.bit_depth) + " bits; the image needs a greater bit depth");
+  }
+}
+
+template <class Image>
+void write_by(void (*write)(PendingFile&, const Image&, const WriteOptions&), PendingFile& file,
+              ImageFormat format, ImageKind kind, const Image& image, const WriteOptions& options) {
+  const ImageFormatTraits& traits = traits_of(format);
+  if (write == nullptr) {
+    const std::string why = traits.available()
+                                ? std::string(traits.name) + " files hold no " +
+                                      std::string(kKindNames[static_cast<std::size_t>(kind)])
+                                : std::string(traits.missing);
+    throw Fault(FaultKind::unsupported,
+                why + "; they can be written as " +
+                    list_of_names([kind](const auto& known) { return known.writes(kind); }));
+  }
+  write(file, image, options);
 }
 
 }  // namespace
 
-std::vector<std::string> plane_format_names() {
-  std::vector<std::string> names;
-  if (png_available()) names.emplace_back("png");
-  if (tiff_available()) names.emplace_back("tiff");
-  names.emplace_back("pgm");
-  return names;
+void write_image(PendingFile& file, ImageFormat format, const GreyImage& image,
+                 const WriteOptions& options) {
+  check_size(image.width, image.height, 1, image.samples.size());
+  check_samples(image);
+  write_by(functions_of(format).write_grey, file, format, ImageKind::grey, image, options);
 }
 
-std::optional<ImageFormat> format_named(std::string_view name) {
-  if (name == "png") return ImageFormat::png;
-  if (name == "tiff" || name == "tif") return ImageFormat::tiff;
-  if (name == "pgm") return ImageFormat::pgm;
-  if (name == "raw") return ImageFormat::raw;
-  return std::nullopt;
+void write_image(PendingFile& file, ImageFormat format, const FloatImage& image,
+                 const WriteOptions& options) {
+  check_size(image.width, image.height, image.channels, image.values.size());
+  write_by(functions_of(format).write_floats, file, format, ImageKind::floats, image, options);
 }
 
-ImageFormat format_for(const std::filesystem::path& path) {
-  std::string name = path.extension().string();
-  std::transform(name.begin(), name.end(), name.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-  const std::optional<ImageFormat> format =
-      name.empty() ? std::nullopt : format_named(std::string_view(name).substr(1));
-  if (!format || !is_available(*format)) {
-    std::string known;
-    for (const std::string& known_name : plane_format_names()) known += "." + known_name + ", ";
-    throw Fault(FaultKind::file, "the name " + path.filename().string() +
-                                     " does not say which format to write; it must end in one of " +
-                                     known + ".raw");
+void write_image(PendingFile& file, ImageFormat format, const Picture& picture,
+                 const WriteOptions& options) {
+  check_size(picture.width, picture.height, picture.channels, picture.bytes.size());
+  if (picture.channels != 1 && picture.channels != 3) {
+    refuse("a picture of " + std::to_string(picture.channels) +
+           " channels cannot be shown; it must have 1, grey, or 3, red, green and blue");
   }
-  return *format;
+  write_by(functions_of(format).write_picture, file, format, ImageKind::picture, picture, options);
 }
-
-std::string extension_of(ImageFormat format) {
-  switch (format) {
-    case ImageFormat::png:
-      return ".png";
-    case ImageFormat::tiff:
-      return ".tiff";
-    case ImageFormat::pgm:
-      return ".pgm";
-    case ImageFormat::raw:
-      break;
-  }
-  return ".raw";
-}
-
-void write_grey(PendingFile& file, ImageFormat format, const GreyImage& image) {
-  switch (format) {
-    case ImageFormat::png:
-      return write_png(file, image);
-    case ImageFormat::tiff:
-      return write_tiff(file, image);
-    case ImageFormat::pgm:
-      return write_pgm(file, image);
-    case ImageFormat::raw:
-      return write_raw(file, image);
-  }
-}
-
-void write_float_pairs(PendingFile& file, int width, int height, std::span<const float> pairs) {
-  if (tiff_available()) {
-    write_tiff(file, width, height, pairs);
-  } else {
-    file.write(pairs.data(), pairs.size_bytes());
-  }
-}
-
-std::string float_pairs_extension() { return tiff_available() ? ".tiff" : ".f32"; }
-
-void write_picture(PendingFile& file, const Picture& picture) {
-  if (png_available()) {
-    write_png(file, picture);
-  } else {
-    write_netpbm(file, picture);
-  }
-}
-
-std::string picture_extension() { return png_available() ? ".png" : ".pnm"; }
 
 }  // namespace kv::polarization

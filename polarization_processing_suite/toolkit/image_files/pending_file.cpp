@@ -1,4 +1,4 @@
-#include "toolkit/image_files/pending_file.h"
+#include "kv/image_files/pending_file.h"
 
 #include <array>
 #include <cerrno>

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "kv/image_files/frame_reader.h"
+#include "kv/image_files/image_writer.h"
+#include "toolkit/image_files/byte_source.h"
+
+namespace kv::polarization {
+
+/// What a format can do; null for what it cannot. A format that lacks its library has no function.
+struct FormatFunctions {
+  std::unique_ptr<FrameReader> (*open)(SourcePointer) = nullptr;
+  void (*write_grey)(PendingFile&, const GreyImage&, const WriteOptions&) = nullptr;
+  void (*write_floats)(PendingFile&, const FloatImage&, const WriteOptions&) = nullptr;
+  void (*write_picture)(PendingFile&, const Picture&, const WriteOptions&) = nullptr;
+  std::string_view missing{};  ///< as in ImageFormatTraits
+};
+
+const FormatFunctions& functions_of(ImageFormat format);
+
+/// The format that a file with these first bytes is of, 8 or fewer.
+std::optional<ImageFormat> format_of_start(std::string_view bytes);
+
+/// Frames without a header: of a file, and of what cannot seek.
+std::unique_ptr<FrameReader> open_raw(SourcePointer source, const RawShape& shape);
+std::unique_ptr<FrameReader> open_raw_pipe(StreamPointer stream, const RawShape& shape);
+
+/// Names of the formats that fulfil a condition, as a sentence lists them.
+template <class Condition>
+std::string list_of_names(Condition condition) {
+  std::string names;
+  for (const ImageFormatTraits& traits : image_formats()) {
+    if (condition(traits)) names += (names.empty() ? "" : ", ") + std::string(traits.name);
+  }
+  return names;
+}
+
+}  // namespace kv::polarization

@@ -1,0 +1,10 @@
+// Takes the place of the TIFF files in builds without libtiff.
+#include "toolkit/image_files/formats/formats.h"
+
+namespace kv::polarization {
+
+FormatFunctions tiff_functions() {
+  return {.missing = "this build has no TIFF support, as it was made without libtiff"};
+}
+
+}  // namespace kv::polarization

@@ -1,0 +1,125 @@
+#include "toolkit/image_files/formats/tiff_writer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <vector>
+
+#include "toolkit/image_files/formats/tiff_stream.h"
+#include "toolkit/image_files/samples.h"
+#include "toolkit/image_files/stored_samples.h"
+
+namespace kv::polarization {
+namespace {
+
+/// A strip a row, as libtiff proposes for wide images, costs more than the writing.
+constexpr std::size_t kStripBytes = 1u << 20;
+
+struct Layout {
+  int width;
+  int height;
+  int channels;
+  int bits;
+  int sample_format;
+  int photometric;
+
+  std::size_t row_bytes() const {
+    return static_cast<std::size_t>(width) * static_cast<std::size_t>(channels) *
+           static_cast<std::size_t>(bits / 8);
+  }
+  std::uint32_t rows_a_strip() const {
+    const std::size_t rows = std::max<std::size_t>(kStripBytes / row_bytes(), 1);
+    return static_cast<std::uint32_t>(std::min(rows, static_cast<std::size_t>(height)));
+  }
+  int colours() const { return photometric == PHOTOMETRIC_RGB ? 3 : 1; }
+};
+
+/// Sets the fields that every page needs. Files stay uncompressed, as programs are to read them.
+void set_fields(TIFF* tiff, const Layout& layout, const WriteOptions& options) {
+  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, layout.width);
+  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, layout.height);
+  TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, layout.channels);
+  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, layout.bits);
+  TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, layout.sample_format);
+  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, layout.photometric);
+  TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+  TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+  TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, layout.rows_a_strip());
+  if (!options.title.empty()) {
+    TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, options.title.c_str());
+  }
+  if (layout.channels > layout.colours()) {
+    // Without this they would pass for alpha channels of unknown kind.
+    const std::vector<std::uint16_t> kinds(
+        static_cast<std::size_t>(layout.channels - layout.colours()), EXTRASAMPLE_UNSPECIFIED);
+    TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, static_cast<int>(kinds.size()), kinds.data());
+  }
+}
+
+/// Writes the strips, in the machine's own byte order, which the file's header records.
+/// bytes_of(first row, rows) gives their bytes.
+template <class BytesOf>
+void write_page(PendingFile& file, const Layout& layout, const WriteOptions& options,
+                int greatest_sample, BytesOf bytes_of) {
+  errno = 0;
+  const TiffStream stream(file, needs_big_tiff(std::uint64_t{layout.row_bytes()} *
+                                               static_cast<unsigned>(layout.height)));
+  TIFF* tiff = stream.get();
+  if (tiff == nullptr) file.fail();
+  set_fields(tiff, layout, options);
+  if (greatest_sample != 0) TIFFSetField(tiff, TIFFTAG_MAXSAMPLEVALUE, greatest_sample);
+  const auto height = static_cast<std::size_t>(layout.height);
+  std::uint32_t strip = 0;
+  for (std::size_t row = 0; row < height; row += layout.rows_a_strip(), ++strip) {
+    const std::size_t rows = std::min<std::size_t>(layout.rows_a_strip(), height - row);
+    // libtiff asks for mutable bytes, but changes them only to swap them.
+    void* bytes = const_cast<void*>(bytes_of(row, rows));
+    if (TIFFWriteEncodedStrip(tiff, strip, bytes,
+                              static_cast<tmsize_t>(rows * layout.row_bytes())) < 0) {
+      file.fail();
+    }
+  }
+  if (TIFFFlush(tiff) != 1) file.fail();
+}
+
+/// Where the rows of pixels begin that lie in memory as they are stored.
+auto rows_at(const void* pixels, const Layout& layout) {
+  return [first = static_cast<const std::uint8_t*>(pixels), size = layout.row_bytes()](
+             std::size_t row, std::size_t) -> const void* { return first + row * size; };
+}
+
+}  // namespace
+
+void write_tiff_grey(PendingFile& file, const GreyImage& image, const WriteOptions& options) {
+  const std::size_t sample_size = bytes_a_sample(image.bit_depth);
+  const Layout layout{
+      image.width,       image.height,          1, static_cast<int>(8 * sample_size),
+      SAMPLEFORMAT_UINT, PHOTOMETRIC_MINISBLACK};
+  const int greatest = full_scale(image.bit_depth);
+  if (sample_size == 2) {
+    return write_page(file, layout, options, greatest, rows_at(image.samples.data(), layout));
+  }
+  Buffer<std::uint8_t> room;
+  write_page(file, layout, options, greatest,
+             [&](std::size_t row, std::size_t rows) -> const void* {
+               const auto width = static_cast<std::size_t>(image.width);
+               room.resize(rows * width);
+               narrow(image.samples.subspan(row * width, rows * width), room.data());
+               return room.data();
+             });
+}
+
+void write_tiff_floats(PendingFile& file, const FloatImage& image, const WriteOptions& options) {
+  const Layout layout{image.width, image.height,        image.channels,
+                      32,          SAMPLEFORMAT_IEEEFP, PHOTOMETRIC_MINISBLACK};
+  write_page(file, layout, options, 0, rows_at(image.values.data(), layout));
+}
+
+void write_tiff_picture(PendingFile& file, const Picture& picture, const WriteOptions& options) {
+  const Layout layout{
+      picture.width,     picture.height,
+      picture.channels,  8,
+      SAMPLEFORMAT_UINT, picture.channels == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB};
+  write_page(file, layout, options, 0, rows_at(picture.bytes.data(), layout));
+}
+
+}  // namespace kv::polarization

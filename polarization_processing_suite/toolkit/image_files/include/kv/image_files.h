@@ -1,0 +1,9 @@
+#pragma once
+
+/// Frames from files, planes and pictures into files.
+
+#include "kv/image_files/frame_reader.h"
+#include "kv/image_files/image_format.h"
+#include "kv/image_files/image_writer.h"
+#include "kv/image_files/pending_file.h"
+#include "kv/image_files/pixel_format.h"
