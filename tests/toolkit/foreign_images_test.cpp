@@ -350,7 +350,7 @@ TEST_F(ForeignImages, LargeTiffsHaveLargeStripsAndOffsets) {
   file.publish();
   TIFF* tiff = TIFFOpen(path_.string().c_str(), "r");
   ASSERT_NE(tiff, nullptr);
-  EXPECT_EQ(TIFFNumberOfStrips(tiff), 3u);
+  EXPECT_EQ(TIFFNumberOfStrips(tiff), 4u);  // 320 rows of 3000 bytes are just below a megabyte
   TIFFClose(tiff);
   EXPECT_FALSE(needs_big_tiff(std::uint64_t{1} << 31));
   EXPECT_TRUE(needs_big_tiff((std::uint64_t{1} << 32) - 1));

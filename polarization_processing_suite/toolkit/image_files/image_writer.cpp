@@ -1,10 +1,10 @@
 #include "kv/image_files/image_writer.h"
 
-#include <algorithm>
 #include <string>
 
 #include "kv/polarization/fault.h"
 #include "toolkit/image_files/format_table.h"
+#include "toolkit/image_files/samples.h"
 
 namespace kv::polarization {
 namespace {
@@ -33,8 +33,7 @@ void check_samples(const GreyImage& image) {
            " cannot be; it must be from 1 to 16");
   }
   const int limit = full_scale(image.bit_depth);
-  const auto above = [limit](int sample) { return sample > limit; };
-  if (limit < 65535 && std::any_of(image.samples.begin(), image.samples.end(), above)) {
+  if (limit < 65535 && any_has(image.samples, static_cast<std::uint16_t>(~limit))) {
     refuse("samples are above " + std::to_string(limit) + ", the largest value of " +
            std::to_string(image.bit_depth) + " bits; the image needs a greater bit depth");
   }

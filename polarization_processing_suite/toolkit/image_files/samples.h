@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 
 namespace kv::polarization {
@@ -14,10 +16,14 @@ static_assert(std::endian::native == std::endian::little, "the library needs an 
 /// unless they are the same.
 template <class From, class To, class Function>
 void map_samples(const From* from, To* to, std::size_t count, Function function) {
-  // Compilers make vectors of loops of a constant length, at every level of optimization.
+  // Compilers make vectors of a loop of constant length over memory that nothing else points to.
   constexpr std::size_t kRun = 32;
   for (; count >= kRun; count -= kRun, from += kRun, to += kRun) {
-    for (std::size_t i = 0; i < kRun; ++i) to[i] = static_cast<To>(function(from[i]));
+    std::array<From, kRun> in;
+    std::array<To, kRun> out;
+    std::memcpy(in.data(), from, sizeof in);
+    for (std::size_t i = 0; i < kRun; ++i) out[i] = static_cast<To>(function(in[i]));
+    std::memcpy(to, out.data(), sizeof out);
   }
   for (std::size_t i = 0; i < count; ++i) to[i] = static_cast<To>(function(from[i]));
 }
@@ -31,10 +37,24 @@ inline void narrow(std::span<const std::uint16_t> samples, std::uint8_t* bytes) 
   map_samples(samples.data(), bytes, samples.size(), [](unsigned sample) { return sample; });
 }
 
+/// Whether a sample has one of those bits.
+inline bool any_has(std::span<const std::uint16_t> samples, std::uint16_t bits) {
+  std::array<std::uint16_t, 32> found{};
+  const std::uint16_t* from = samples.data();
+  std::size_t count = samples.size();
+  for (; count >= found.size(); count -= found.size(), from += found.size()) {
+    for (std::size_t i = 0; i < found.size(); ++i) found[i] |= from[i];
+  }
+  std::uint16_t all = 0;
+  for (std::size_t i = 0; i < count; ++i) all |= from[i];
+  for (const std::uint16_t some : found) all |= some;
+  return (all & bits) != 0;
+}
+
 /// To `to`, which may be the samples themselves.
 inline void swap_bytes(std::span<const std::uint16_t> samples, std::uint16_t* to) {
   map_samples(samples.data(), to, samples.size(),
-              [](unsigned sample) { return sample << 8 | sample >> 8; });
+              [](std::uint16_t sample) { return sample << 8 | sample >> 8; });
 }
 
 }  // namespace kv::polarization
