@@ -29,11 +29,7 @@ constexpr const char* kFooter =
     "wrong;\n"
     "130 stopped by Ctrl-C.";
 
-constexpr const char* kTransformFooter =
-    "Frames: grey PNG or TIFF of 8 or 16 bits (every TIFF page is a frame), PGM (P5), NumPy arrays "
-    "(NPY),\n"
-    "or headerless frames, one after the other, with --width, --height and --raw-format.\n"
-    "\n"
+constexpr const char* kResults =
     "Results, for frame.png: frame_azimuth.png and so on; frame_normalized_stokes.tiff holds S1/S0 "
     "and\n"
     "S2/S0 as two float channels whatever the format. The angle in degrees is\n"
@@ -127,10 +123,31 @@ std::vector<std::string> plane_formats() {
   return names;
 }
 
+std::string writable_endings() {
+  std::string endings;
+  for (const ImageFormatTraits& traits : image_formats()) {
+    if (!traits.available()) continue;
+    if (!endings.empty()) endings += ", ";
+    endings += ending_of(traits.format);
+  }
+  return endings;
+}
+
 std::vector<std::string> pixel_formats() {
   std::vector<std::string> names;
   for (const PixelFormatTraits& traits : kPixelFormats) names.emplace_back(traits.name);
   return names;
+}
+
+/// The table of formats, as far as this build has them.
+std::string format_table() {
+  std::string table = "Formats of frames and results:\n";
+  for (const ImageFormatTraits& traits : image_formats()) {
+    const std::string_view text = traits.available() ? traits.summary : traits.missing;
+    table += "  " + std::string(traits.name) + std::string(6 - traits.name.size(), ' ') +
+             std::string(text) + "\n";
+  }
+  return table + "Headerless frames need --width, --height and --raw-format.\n\n";
 }
 
 CLI::Option* add_phase(CLI::App& command, int& degrees) {
@@ -157,7 +174,7 @@ class TransformCommand {
  public:
   explicit TransformCommand(CLI::App& app)
       : command_(*app.add_subcommand("transform", "Write planes and pictures of raw frames")) {
-    command_.footer(kTransformFooter);
+    command_.footer(format_table() + kResults);
     command_.add_option("FRAME", options_.files, "Raw mosaic frames")
         ->type_name("FILE")
         ->required();
@@ -268,9 +285,8 @@ class SimulateCommand {
         "with\n"
         "DoLP 0.9, 0.8, 0.7 and 0.6.");
     command_
-        .add_option(
-            "-o,--output", options_.file,
-            "The file to write; its ending decides on the format: .png, .tiff, .pgm, .npy or .raw")
+        .add_option("-o,--output", options_.file,
+                    "The file to write; its ending decides on the format: " + writable_endings())
         ->type_name("FILE")
         ->required();
     command_.add_option("--width", options_.width, "Columns")

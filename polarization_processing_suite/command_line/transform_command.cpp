@@ -47,8 +47,12 @@ class TransformRun {
   void transform_file(const std::filesystem::path& file, double files_done) {
     progress_.show(files_done);
     std::unique_ptr<FrameReader> reader;
-    if (!attempt(file.string(), [&] { reader = open(file); })) return;
-    const std::size_t pages = reader->count();
+    std::size_t pages = 0;
+    const auto open_file = [&] {
+      reader = open(file);
+      pages = reader->count();
+    };
+    if (!attempt(file.string(), open_file)) return;
     for (std::size_t page = 0; page < pages && !platform::interrupted(); ++page) {
       progress_.show(files_done + static_cast<double>(page) / static_cast<double>(pages));
       const std::string name =

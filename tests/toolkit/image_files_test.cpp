@@ -257,6 +257,7 @@ TEST_F(ImageFiles, FormatsHaveNamesAndEndings) {
   }
   EXPECT_EQ(format_for("a.b/FRAME.PGM"), ImageFormat::pgm);
   EXPECT_EQ(format_named("tif"), ImageFormat::tiff);
+  EXPECT_EQ(format_of_content("/"), std::nullopt);
   EXPECT_EQ(format_named("NPY"), ImageFormat::npy);
   EXPECT_EQ(ending_of(ImageFormat::pgm, ImageKind::picture), ".pnm");
   for (const ImageFormatTraits& traits : image_formats()) {

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "kv/polarization/fault.h"
@@ -22,10 +23,11 @@ std::string first_bytes(ByteSource& source) {
                                             std::string(bytes.substr(0, 2)) +
                                             "; a frame must be binary grey, P5");
   }
-  throw Fault(FaultKind::unsupported,
-              "the content is of no known format; frames are read from " +
-                  list_of_names([](const auto& format) { return format.has_header; }) +
-                  ", or without a header when their shape is given");
+  throw Fault(FaultKind::unsupported, "the content is of no known format; frames are read from " +
+                                          list_of_names([](const auto& format) {
+                                            return format.has_header && format.reads;
+                                          }) +
+                                          ", or without a header when their shape is given");
 }
 
 std::unique_ptr<FrameReader> open_source(SourcePointer source,
@@ -94,12 +96,10 @@ std::unique_ptr<FrameReader> open_frames(std::span<const std::byte> memory,
 }
 
 std::optional<ImageFormat> format_of_content(const std::filesystem::path& path) {
-  const StreamPointer stream = open_stream(path);
-  if (!can_seek(*stream)) {
-    throw Fault(FaultKind::file,
-                "this is a pipe, whose content goes when it is looked at; store it in a file");
-  }
-  return format_of_start(first_bytes(*source_of(stream)));
+  // The content of a pipe would be gone when it was looked at.
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) return std::nullopt;
+  return format_of_start(first_bytes(*source_of(open_stream(path))));
 }
 
 }  // namespace kv::polarization

@@ -40,6 +40,10 @@ class TiffReader : public FrameReader {
       if ((kind & FILETYPE_REDUCEDIMAGE) == 0) pages_.push_back(TIFFCurrentDirOffset(tiff));
     } while (TIFFReadDirectory(tiff) == 1);
     if (!stream_.message().empty()) fail_as_damaged();
+    if (pages_.empty()) {
+      throw Fault(FaultKind::unsupported,
+                  "the TIFF holds reduced images alone; a page in full size is needed");
+    }
   }
 
   void load(std::size_t index, Frame& frame) override {

@@ -80,8 +80,8 @@ std::unique_ptr<FrameReader> open_frames(std::istream& stream,
 std::unique_ptr<FrameReader> open_frames(std::span<const std::byte> memory,
                                          const std::optional<RawShape>& raw_shape = std::nullopt);
 
-/// The format that a regular file's content begins like; none when it is of no known one, and may
-/// be headerless. Throws Fault of kind file when the file cannot be read.
+/// The format that a file's content begins like; none when it is of no known one, and may be
+/// headerless, or when it is no regular file. Throws Fault of kind file when it cannot be read.
 std::optional<ImageFormat> format_of_content(const std::filesystem::path& path);
 
 }  // namespace kv::polarization
