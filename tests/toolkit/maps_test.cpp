@@ -273,7 +273,7 @@ TEST(Maps, HaveTheSameBytesHoweverTheyAreAskedFor) {
     const Maps all = maps_of(frame, {}, settings);
     Maps bands;
     bands.reshape(259, 11, MapSet::all());
-    const FramePart part{frame.samples.data(), 259, 11, 12};
+    const FramePart part{frame.samples.data(), 259, 11, 12, {}};
     for (const auto& [first, last] : {std::pair(10, 11), {0, 3}, {3, 4}, {4, 10}}) {
       map_rows(part, {}, settings, bands.views(), first, last);
     }
