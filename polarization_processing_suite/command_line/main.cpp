@@ -35,7 +35,9 @@ constexpr const char* kResults =
     "S2/S0 as two float channels whatever the format. The angle in degrees is\n"
     "azimuth * 180 / output-max - 90: 0 along the rows, counter-clockwise. intensity is half the "
     "sum\n"
-    "of the four samples and reaches full scale at half of the samples' range.\n"
+    "of the four samples and reaches full scale at half of the samples' range; mean is their mean "
+    "in\n"
+    "the samples' own units, which never clips.\n"
     "\n"
     "Pictures are made of every frame, whatever --planes and --output-max are: "
     "frame_intensity_picture.png\n"
@@ -62,21 +64,25 @@ std::string plane_names() {
     if (!names.empty()) names += ", ";
     names += traits.name;
   }
-  return names;
+  return names + ", mean";
 }
 
-OutputSet parse_planes(const std::string& list) {
-  OutputSet planes;
+void parse_planes(const std::string& list, TransformOptions& options) {
+  options.planes = {};
   for (const std::string& name : split_list(list)) {
     const auto plane = plane_named(name);
-    if (!plane) {
+    if (name == "mean") {
+      options.mean = true;
+    } else if (plane) {
+      options.planes.add(*plane);
+    } else {
       throw CLI::ValidationError(
           "--planes", "there is no plane '" + name + "'; the planes are " + plane_names());
     }
-    planes.add(*plane);
   }
-  if (planes.empty()) throw CLI::ValidationError("--planes", "the list is empty; name a plane");
-  return planes;
+  if (options.planes.empty() && !options.mean) {
+    throw CLI::ValidationError("--planes", "the list is empty; name a plane");
+  }
 }
 
 /// The names of all kinds of pictures, as a sentence lists them.
@@ -199,8 +205,8 @@ class TransformCommand {
         ->capture_default_str();
     command_
         .add_option_function<std::string>(
-            "--planes", [this](const std::string& list) { options_.planes = parse_planes(list); },
-            "Planes to write, of " + plane_names() + " (default: all)")
+            "--planes", [this](const std::string& list) { parse_planes(list, options_); },
+            "Planes to write, of " + plane_names() + " (default: all but mean)")
         ->type_name("LIST");
     format_name_ = traits_of(preferred_format(ImageKind::grey)).name;
     command_.add_option("--format", format_name_, "File format of the 16-bit planes")

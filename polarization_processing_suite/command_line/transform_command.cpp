@@ -1,9 +1,11 @@
 #include "command_line/transform_command.h"
 
+#include <algorithm>
 #include <chrono>
 #include <iomanip>
 #include <iostream>
 #include <new>
+#include <sstream>
 #include <string>
 #include <system_error>
 
@@ -13,6 +15,7 @@
 #include "command_line/progress_bar.h"
 #include "kv/pictures/picture_kinds.h"
 #include "kv/polarization/fault.h"
+#include "kv/polarization/mean_plane.h"
 #include "platform/optional_library.h"
 #include "platform/process.h"
 
@@ -38,6 +41,7 @@ class TransformRun {
       transform_file(options_.files[i], static_cast<double>(i));
     }
     progress_.hide();
+    warn_of_clipped_intensity();
     print_summary();
     if (platform::interrupted()) return exit_interrupted;
     return failures_ == 0 ? exit_success : exit_failure;
@@ -97,18 +101,39 @@ class TransformRun {
     warn_of_excess(frame, name);
     const std::string stem = names_.stem_for(file, page, reader.count());
 
-    planes_.reshape(frame.width, frame.height, options_.planes, options_.output_max);
     if (options_.log_level) progress_.hide();
+    compute_planes(frame);
+
+    FrameOutput output;
+    add_planes(stem, output);
+    if (options_.mean) add_mean(frame, stem, output);
+    if (!options_.pictures.empty()) add_pictures(frame, stem, output);
+    output.write();
+    ++frames_;
+  }
+
+  void compute_planes(const Frame& frame) {
+    planes_.reshape(frame.width, frame.height, options_.planes, options_.output_max);
+    if (options_.planes.empty()) return;
     const auto start = std::chrono::steady_clock::now();
     processor_.transform(frame, options_.mosaic, planes_.views());
     seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     pixels_ += static_cast<double>(frame.samples.size());
+    if (!options_.planes.has(Plane::intensity)) return;
+    const std::size_t clipped = count_clipped_intensity(frame);
+    clipped_pixels_ += static_cast<double>(clipped);
+    if (clipped > 0) ++clipped_frames_;
+  }
 
-    FrameOutput output;
-    add_planes(stem, output);
-    if (!options_.pictures.empty()) add_pictures(frame, stem, output);
-    output.write();
-    ++frames_;
+  void warn_of_clipped_intensity() {
+    if (clipped_frames_ == 0) return;
+    std::ostringstream line;
+    line << "warning: the plane intensity is clipped in "
+         << (clipped_frames_ == 1 ? "1 frame" : std::to_string(clipped_frames_) + " frames")
+         << ", where S0 exceeds the range of one sample; of all pixels " << std::setprecision(2)
+         << 100 * clipped_pixels_ / pixels_
+         << " per cent. --planes mean gives the mean of the four samples, which never clips";
+    report(line.str());
   }
 
   void warn_of_excess(const Frame& frame, const std::string& name) {
@@ -140,6 +165,18 @@ class TransformRun {
     }
   }
 
+  void add_mean(const Frame& frame, const std::string& stem, FrameOutput& output) {
+    mean_.resize(frame.samples.size());
+    fill_mean_plane(frame, mean_);
+    output.add(path_for(stem + "_mean", options_.format, ImageKind::grey), [this, &frame](
+                                                                               PendingFile& file) {
+      // Samples may have more bits than they claim, and then so have means.
+      const bool fits = std::ranges::max(mean_) <= full_scale(frame.bit_depth);
+      write_image(file, options_.format,
+                  GreyImage{frame.width, frame.height, fits ? frame.bit_depth : 16, mean_});
+    });
+  }
+
   void add_pictures(const Frame& frame, const std::string& stem, FrameOutput& output) {
     picture_source_.fill(processor_, frame, options_.mosaic, planes_for(options_.pictures));
     const PictureMaps maps = picture_source_.maps();
@@ -167,12 +204,11 @@ class TransformRun {
   void print_summary() const {
     std::cout << frames_ << (frames_ == 1 ? " frame" : " frames") << " transformed";
     if (failures_ > 0) std::cout << ", " << failures_ << " failed";
-    if (frames_ > 0) {
+    if (seconds_ > 0) {
       std::cout << "; " << std::fixed << std::setprecision(0) << pixels_ / 1e6 / seconds_
-                << " megapixels per second in the transform itself, without files and pictures; "
-                   "results in "
-                << options_.folder.string();
+                << " megapixels per second in the transform itself, without files and pictures";
     }
+    if (frames_ > 0) std::cout << "; results in " << options_.folder.string();
     std::cout << std::endl;
   }
 
@@ -182,10 +218,13 @@ class TransformRun {
   Processor processor_;
   Frame frame_;
   Planes planes_;
+  Buffer<std::uint16_t> mean_;
   PictureSource picture_source_;
   std::size_t frames_ = 0;
   std::size_t failures_ = 0;
-  double pixels_ = 0;
+  double pixels_ = 0;  // of frames whose planes were computed
+  std::size_t clipped_frames_ = 0;
+  double clipped_pixels_ = 0;
   double seconds_ = 0;
 };
 

@@ -17,6 +17,7 @@ struct TransformOptions {
   std::filesystem::path folder;
   Mosaic mosaic;
   OutputSet planes = OutputSet::all();  ///< to write
+  bool mean = false;                    ///< writes the mean of the four samples too
   std::uint16_t output_max = 65535;
   std::optional<int> bit_depth;  ///< instead of the files' own
   std::optional<RawShape> raw_shape;

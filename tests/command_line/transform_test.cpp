@@ -134,6 +134,17 @@ TEST_F(Transform, LogShowsTheLinesOfTheLibrary) {
   }
 }
 
+// Columns of S0 508, 344, 180 and 180 from samples of 8 bits.
+TEST_F(Transform, TellsOfClippedIntensityAndOffersTheMean) {
+  tool_.write("bright.pgm", "P5 4 2 255\n\xFE\xFEZZ\xFE\xFEZZ");
+  const ToolResult result =
+      run("bright.pgm -o x --planes intensity,mean --no-pictures --format pgm");
+  EXPECT_EQ(result.complaints(), 1);
+  EXPECT_PRED2(contains, result.error, "clipped in 1 frame");
+  EXPECT_EQ(tool_.content("x/bright_mean.pgm").substr(11, 4), "\xFE\xACZZ");
+  EXPECT_EQ(run("bright.pgm -o x --planes mean --no-pictures").error, "");
+}
+
 TEST_F(Transform, NumbersTheFramesOfAFileAndWarnsOfExcess) {
   tool_.write("stack.raw", std::string(8 * 6 * 10 - 1, 'x') + '\x80');
   const ToolResult result =
