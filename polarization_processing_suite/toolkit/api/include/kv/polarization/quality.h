@@ -48,11 +48,13 @@ struct SampleSettings {
   /// Rebuilds the one clipped sample of a pixel's neighbourhood, before anything else, from
   /// I0 + I90 = I45 + I135. That holds as far as the four classes of pixels respond alike, which
   /// real sensors do to some 2 per cent: correct their gains first. Two or more clipped samples
-  /// cannot be rebuilt. Clipped pixels take some ten times as long as others.
+  /// cannot be rebuilt. At a DoLP of 0.6 along the clipped polarizer DoLP is then 8 per cent less
+  /// certain than on a sensor that does not clip, at 0.4 a third less, at 0.9 more certain.
   bool rescue = false;
 
-  std::optional<SensorNoise>
-      noise{};  ///< wanted by all that is a standard deviation, or made of one
+  /// Wanted by all that is a standard deviation, or made of one.
+  std::optional<SensorNoise> noise{};
+
   BadPixels bad_pixels{};
 };
 
