@@ -227,9 +227,9 @@ TEST(Maps, FlagWhatNotToBelieve) {
   early.clip_level = 900;
   SampleSettings above_black = plain;
   above_black.black_level = 100;
-  const std::uint8_t bad[] = {0, 0, 0, 0, 0, 0, 0, 255, 0, 0, 0, 0};
+  const std::uint8_t bad[16] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 255};
   SampleSettings with_bad = plain;
-  with_bad.bad_pixels = {bad, 4, 3};
+  with_bad.bad_pixels = {bad, 4, 4};
   const MapSettings evened{plain, IntensityCompensation{}};
   using namespace quality;
   const Case cases[] = {
@@ -250,8 +250,8 @@ TEST(Maps, FlagWhatNotToBelieve) {
   for (const auto& [name, cell, settings, flags, s0, dolp, angle] : cases) {
     Frame frame = make_frame(2, 2, 12);
     std::copy_n(cell, 4, frame.samples.begin());
-    // On the sensor the frame begins at column 2, row 0: only its lower right pixel is bad.
-    const Maps maps = maps_of(frame, {.x_origin = 2}, settings);
+    // On the sensor the frame begins at column 2, row 2: only its lower right pixel is bad.
+    const Maps maps = maps_of(frame, {.x_origin = 2, .y_origin = 2}, settings);
     EXPECT_EQ(maps.quality()[0], flags) << name;
     EXPECT_EQ(maps.values(Map::s0)[0], s0) << name;
     EXPECT_TRUE(is_close(maps.values(Map::dolp)[0], dolp, 1e-6)) << name;
@@ -314,6 +314,7 @@ TEST(Maps, RefuseWhatCannotBe) {
       {"least mean", [](Request& r) { r.settings.compensation = {.least_mean = 0}; }},
       {"8 x 6 pixels, has 47 bytes", [](Request& r) { r.tell_bad(47); }},
       {"does not cover", [](Request& r) { r.tell_bad(48), r.mosaic.x_origin = 1; }},
+      {"does not cover", [](Request& r) { r.tell_bad(48), r.mosaic.y_origin = 1; }},
       {"bad pixels overlaps", [](Request& r) { r.tell_bad(48), r.maps.quality = r.bytes; }},
   };
   for (const auto& [part_of_message, spoil] : refusals) {

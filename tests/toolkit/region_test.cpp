@@ -62,11 +62,13 @@ TEST(Region, LeavesOutWhatTellsNothing) {
                         {"rescued", 9, 900, true, {2, 0, 2, 2, 0}, 0},
                         {"bad and clipped", 0, 900, true, {1, 1, 2, 1, 1}, -200}};
   for (const auto& [name, bad_place, clip_level, rescue, counts, s2] : cases) {
-    std::vector<std::uint8_t> bad(10);
-    bad[bad_place] = 1;
+    // The frame is of the sensor's rows 2 and 3.
+    std::vector<std::uint8_t> bad(18);
+    bad[8 + bad_place] = 1;
     const SampleSettings settings{
-        .clip_level = clip_level, .rescue = rescue, .bad_pixels = {bad, 4, 2}};
-    const RegionStatistics all = region_statistics(two_cells(), {}, settings, {0, 0, 4, 2});
+        .clip_level = clip_level, .rescue = rescue, .bad_pixels = {bad, 4, 4}};
+    const RegionStatistics all =
+        region_statistics(two_cells(), {.y_origin = 2}, settings, {0, 0, 4, 2});
     EXPECT_EQ(counts, (std::array{all.cells, all.left_out, all.clipped, all.rescued, all.bad}))
         << name;
     EXPECT_TRUE(all.s2 == s2 || (std::isnan(s2) && std::isnan(all.s2))) << name;
@@ -96,6 +98,9 @@ TEST(Region, PredictsTheNoiseOfItsMean) {
   }
   EXPECT_NEAR(std::sqrt(dolp_variance / (squares - dolp * dolp)), 1, 0.07);
   EXPECT_NEAR(std::sqrt(angle_variance / angle_squares), 1, 0.07);
+  for (const Rectangle& odd : {Rectangle{0, 1, 60, 60}, {1, 1, 60, 60}}) {
+    EXPECT_NEAR(region_statistics(frame, {}, settings, odd).angle, true_angle, 1);
+  }
   // A mask of the same cells is the same region; a cell with a pixel outside is not in it.
   for (std::size_t i = 0; i < 100; ++i) mask[(20 + i / 10) * 300 + 30 + i % 10] = 1;
   mask[20 * 300 + 40] = 1;

@@ -21,8 +21,8 @@ struct Rectangle {
 /// are those of the sum. (The mean of angles is no angle: that of 89 and -89 degrees is not 0.)
 ///
 /// A region is counted in whole 2x2 cells that share no sample, so that errors are independent and
-/// add up. Cells with a bad pixel, or clipped ones that could not be rescued, are left out. Some 5
-/// ns a pixel.
+/// add up. Cells with a bad pixel, or clipped ones that could not be rescued, are left out.
+/// It takes some 5 ns a pixel.
 struct RegionStatistics {
   std::size_t cells = 0;     ///< counted
   std::size_t left_out = 0;  ///< cells of the region that were not counted
