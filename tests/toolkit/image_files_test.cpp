@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -177,7 +178,7 @@ TEST_F(ImageFiles, RawStacksArePackedFrameByFrame) {
 TEST_F(ImageFiles, PgmIsAsNetpbmDefinesIt) {
   const auto picture = [this](int channels, const std::string& bytes, const std::string& title) {
     Picture colour(1, 2, channels);
-    colour.bytes.assign(bytes.begin(), bytes.end());
+    colour.bytes = std::vector<std::uint8_t>(bytes.begin(), bytes.end());
     save_image(folder_ / "picture.pnm", colour, {title});
     return content_of(folder_ / "picture.pnm");
   };

@@ -7,3 +7,4 @@
 #include "kv/image_files/image_writer.h"
 #include "kv/image_files/pending_file.h"
 #include "kv/image_files/pixel_format.h"
+#include "kv/polarization/fault.h"
