@@ -17,12 +17,12 @@ static_assert(std::endian::native == std::endian::little, "the library needs an 
 template <class From, class To, class Function>
 void map_samples(const From* from, To* to, std::size_t count, Function function) {
   // Compilers make vectors of a loop of constant length over memory that nothing else points to.
-  constexpr std::size_t kRun = 32;
-  for (; count >= kRun; count -= kRun, from += kRun, to += kRun) {
-    std::array<From, kRun> in;
-    std::array<To, kRun> out;
+  constexpr std::size_t run = 32;
+  for (; count >= run; count -= run, from += run, to += run) {
+    std::array<From, run> in;
+    std::array<To, run> out;
     std::memcpy(in.data(), from, sizeof in);
-    for (std::size_t i = 0; i < kRun; ++i) out[i] = static_cast<To>(function(in[i]));
+    for (std::size_t i = 0; i < run; ++i) out[i] = static_cast<To>(function(in[i]));
     std::memcpy(to, out.data(), sizeof out);
   }
   for (std::size_t i = 0; i < count; ++i) to[i] = static_cast<To>(function(from[i]));

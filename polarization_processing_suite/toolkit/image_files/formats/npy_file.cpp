@@ -20,8 +20,8 @@ namespace {
 
 /// A product that stays at the greatest number instead of wrapping around.
 std::uint64_t product(std::uint64_t a, std::uint64_t b) {
-  constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
-  return b != 0 && a > kMost / b ? kMost : a * b;
+  constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
+  return b != 0 && a > most / b ? most : a * b;
 }
 
 class NpyReader : public FrameReader {

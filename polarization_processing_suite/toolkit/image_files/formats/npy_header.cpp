@@ -73,7 +73,7 @@ class Dictionary {
     if ((quote != '\'' && quote != '"') || end == std::string_view::npos) {
       refuse_as_damaged("a text in quotes is missing");
     }
-    const std::string text(rest_.substr(1, end - 1));
+    std::string text(rest_.substr(1, end - 1));
     rest_.remove_prefix(end + 1);
     return text;
   }

@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <string>
+#include <utility>
 
 #include "toolkit/image_files/formats/png_state.h"
 #include "toolkit/image_files/samples.h"
@@ -28,7 +29,7 @@ struct Layout {
 
 /// The one kind of text that is UTF-8. libpng asks for texts that could be changed.
 struct Title {
-  explicit Title(const std::string& title) : text(title) {
+  explicit Title(std::string title) : text(std::move(title)) {
     entry.compression = PNG_ITXT_COMPRESSION_NONE;
     entry.key = key.data();
     entry.text = text.data();
