@@ -2,7 +2,7 @@
 #include <utility>
 
 #include "kv/polarization/fault.h"
-#include "toolkit/image_files/deflate_bound.h"
+#include "toolkit/image_files/formats/deflate_bound.h"
 #include "toolkit/image_files/formats/formats.h"
 #include "toolkit/image_files/formats/png_state.h"
 #include "toolkit/image_files/formats/png_writer.h"

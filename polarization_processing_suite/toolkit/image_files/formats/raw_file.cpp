@@ -27,16 +27,18 @@ class RawLayout {
            std::string(traits_of(shape_.pixel_format).name);
   }
 
-  /// Fills a frame by fetch(memory, size). Words go straight to their place.
+  /// Fills a frame by fetch(memory, size), which tells whether there was a frame. Words go straight
+  /// to their place.
   template <class Fetch>
-  void load(Frame& frame, Fetch fetch) {
+  bool load(Frame& frame, Fetch fetch) {
     const PixelFormatTraits& traits = traits_of(shape_.pixel_format);
     frame.reshape(static_cast<std::uint64_t>(shape_.width),
                   static_cast<std::uint64_t>(shape_.height), traits.bit_depth);
     if (traits.packing == Packing::right_words) return fetch(frame.samples.data(), bytes_);
     room_.resize(bytes_);
-    fetch(room_.data(), bytes_);
+    if (!fetch(room_.data(), bytes_)) return false;
     unpack(std::as_bytes(std::span(room_)), shape_.pixel_format, frame.samples);
+    return true;
   }
 
  private:
@@ -64,6 +66,7 @@ class RawReader : public FrameReader {
   void load(std::size_t index, Frame& frame) override {
     layout_.load(frame, [&](void* data, std::size_t size) {
       read_exactly(*source_, std::uint64_t{index} * size, data, size);
+      return true;
     });
   }
 
@@ -82,15 +85,14 @@ class RawPipeReader : public FrameReader {
   }
 
   bool read_next(Frame& frame) override {
-    if (stream_->peek() == std::istream::traits_type::eof()) return false;
-    layout_.load(frame, [this](void* data, std::size_t size) {
+    return layout_.load(frame, [this](void* data, std::size_t size) {
       stream_->read(static_cast<char*>(data), static_cast<std::streamsize>(size));
-      if (static_cast<std::size_t>(stream_->gcount()) == size) return;
-      throw Fault(FaultKind::file, "the pipe ended within a frame, after " +
-                                       std::to_string(stream_->gcount()) + " bytes; frames of " +
-                                       layout_.text() + " have " + std::to_string(size));
+      const auto count = static_cast<std::size_t>(stream_->gcount());
+      if (count == 0 || count == size) return count == size;
+      throw Fault(FaultKind::file, "the pipe ended within a frame, after " + std::to_string(count) +
+                                       " bytes; frames of " + layout_.text() + " have " +
+                                       std::to_string(size));
     });
-    return true;
   }
 
  private:

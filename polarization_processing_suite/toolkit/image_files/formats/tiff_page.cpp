@@ -4,7 +4,7 @@
 #include <bit>
 
 #include "kv/polarization/fault.h"
-#include "toolkit/image_files/deflate_bound.h"
+#include "toolkit/image_files/formats/deflate_bound.h"
 
 namespace kv::polarization {
 namespace {
