@@ -1,10 +1,11 @@
-// Float maps of whole frames on one thread, beside the planes that the library itself makes of the
+// Float maps of whole frames, beside the planes that the library itself makes of the
 // same frames through the toolkit.
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <array>
+#include <string>
 #include <utility>
 
 #include "kv/polarization.h"
@@ -57,8 +58,8 @@ void planes(benchmark::State& state) {
 }
 BENCHMARK(planes)->Name("planes: intensity azimuth dolp")->Unit(benchmark::kMillisecond);
 
-void maps(benchmark::State& state, MapSet wanted, const MapSettings& settings) {
-  MapMaker maker;
+void maps(benchmark::State& state, MapSet wanted, const MapSettings& settings, int threads) {
+  MapMaker maker(threads);
   std::array<Maps, 2> all;
   for (Maps& each : all) each.reshape(kWidth, kHeight, wanted);
   time_frames(state, all, [&](const Frame& frame, Maps& each) {
@@ -105,8 +106,13 @@ int main(int argc, char** argv) {
       {"maps: all, rescue of many", {MapSet::all(), {.samples = clipping}}},
   };
   for (const auto& [name, request] : cases) {
-    benchmark::RegisterBenchmark(name, maps, request.first, request.second)
-        ->Unit(benchmark::kMillisecond);
+    for (const int threads : {1, 2}) {
+      benchmark::RegisterBenchmark(
+          (std::string(name) + "/threads:" + std::to_string(threads)).c_str(), maps, request.first,
+          request.second, threads)
+          ->UseRealTime()
+          ->Unit(benchmark::kMillisecond);
+    }
   }
   benchmark::RegisterBenchmark("region: whole frame", region, noisy)->Unit(benchmark::kMillisecond);
   benchmark::Initialize(&argc, argv);

@@ -2,7 +2,7 @@
 """Measures, and writes the tables of README.md, that of the project's README, and the chart.
 
     benchmarks/report.py                 runs the programs of build/release, some ten minutes
-    benchmarks/report.py --from FOLDER   takes frames.json and calls.json of an earlier run
+    benchmarks/report.py --from FOLDER   takes the JSON files of an earlier run
 
 Needs Debian's python3-matplotlib: scripts/setup --benchmarks. Let nothing else run meanwhile.
 """
@@ -38,6 +38,13 @@ OUTPUTS = {
     "normalized_stokes": "normalized",
 }
 # Of 64 x 64 pixels the probe is most; see the table of small frames.
+# What a run's file is named, and its program.
+RUNS = {
+    "frames": "frame_benchmarks",
+    "calls": "call_benchmarks",
+    "toolkit": "toolkit_benchmarks",
+    "maps": "map_benchmarks",
+}
 TABLES = (
     ("640x512", "unscaled", "warm"),
     ("2448x2048", "unscaled", "ring"),
@@ -52,7 +59,7 @@ HEADLINE_SIZE, HEADLINE_OUTPUTS = "2448x2048", "intensity+azimuth+dolp"
 
 
 def measure(folder):
-    for program, name in (("frame_benchmarks", "frames"), ("call_benchmarks", "calls")):
+    for name, program in RUNS.items():
         subprocess.run(
             [PROGRAMS / program, f"--benchmark_out={folder / name}.json"], check=True, cwd=folder
         )
@@ -120,6 +127,42 @@ def threads_table(calls):
     return markdown(["", "1 thread", "2 threads", "gain"], rows)
 
 
+TOOLKIT_ROWS = {
+    "threads:1": "one thread",
+    "threads:2": "two threads",
+    "weights/threads:1": "weights in every pixel, one thread",
+    "weights/threads:2": "weights in every pixel, two threads",
+    "left_aligned": "copied first, one thread",
+}
+
+
+def toolkit_table(toolkit, size):
+    width, height = map(int, size.split("x"))
+
+    def plain(outputs):
+        result = toolkit[f"{size}/{outputs}/threads:1/manual_time"]
+        return f"{width * height / 1e3 / result['plain_MP/s']:#.3g}"
+
+    def cell(outputs, row):
+        result = toolkit[f"{size}/{outputs}/{row}/manual_time"]
+        return f"{result['ms']:#.3g} ({result['x_plain']:.2f})"
+
+    rows = [["the plain call", *map(plain, OUTPUTS)]]
+    rows += [[title, *(cell(o, row) for o in OUTPUTS)] for row, title in TOOLKIT_ROWS.items()]
+    return markdown(["", *OUTPUTS.values()], rows)
+
+
+def maps_table(maps):
+    rows = [["planes: intensity azimuth dolp", f"{maps['planes: intensity azimuth dolp']['real_time']:.1f}", ""]]
+    for name in [name for name in maps if name.endswith("/threads:1/real_time")]:
+        title = name.split("/")[0]
+        one, two = (maps[f"{title}/threads:{n}/real_time"]["real_time"] for n in (1, 2))
+        rows.append([title, f"{one:.1f}", f"{two:.1f}"])
+    for name in ("mean plane", "region: whole frame"):
+        rows.append([name, f"{maps[name]['real_time']:.1f}", ""])
+    return markdown(["milliseconds a frame", "one thread", "two threads"], rows)
+
+
 def machine(context):
     for line in Path("/proc/cpuinfo").read_text().splitlines():
         if line.startswith("model name"):
@@ -134,7 +177,7 @@ def machine(context):
     )
 
 
-def tables(context, frames, calls):
+def tables(context, frames, calls, toolkit, maps):
     parts = [machine(context) + "\nMilliseconds a frame, and the ratio to the copy:\n"]
     for size, scaling, buffers in TABLES:
         title = size.replace("x", " x ")
@@ -142,6 +185,10 @@ def tables(context, frames, calls):
         parts.append(f"### {title}, {scaling}, {buffers}\n\n{table}")
     parts.append(f"### Small frames\n\n{latency_table(calls)}")
     parts.append(f"### Frames a second on one and two threads\n\n{threads_table(calls)}")
+    for size in ("2448x2048", "640x512"):
+        title = f"The toolkit's whole frames, {size.replace('x', ' x ')}"
+        parts.append(f"### {title}\n\n{toolkit_table(toolkit, size)}")
+    parts.append(f"### The toolkit's maps, 2448 x 2048\n\n{maps_table(maps)}")
     return "\n".join(parts)
 
 
@@ -193,15 +240,15 @@ def main():
     parser = argparse.ArgumentParser(
         description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter
     )
-    parser.add_argument("--from", dest="folder", type=Path, help="folder with the two JSON files")
+    parser.add_argument("--from", dest="folder", type=Path, help="folder with the JSON files")
     folder = parser.parse_args().folder
     if folder is None:
         folder = PROGRAMS
         measure(folder)
     context, frames = load(folder, "frames")
-    _, calls = load(folder, "calls")
+    others = [load(folder, name)[1] for name in RUNS if name != "frames"]
 
-    rewrite(HERE / "README.md", tables(context, frames, calls))
+    rewrite(HERE / "README.md", tables(context, frames, *others))
     front = {outputs: OUTPUTS[outputs] for outputs in FRONT_OUTPUTS}
     table = frame_table(frames, *FRONT_TABLE, front)
     rewrite(HERE.parent / "README.md", f"{table}\n{machine(context)}")
