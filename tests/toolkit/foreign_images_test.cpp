@@ -206,7 +206,7 @@ TEST_F(ForeignImages, LostPagesAreMissed) {
   lost_page[8 + 2 + 6 * 12 + 2] = 0;
   lost_page[8 + 2 + 6 * 12] = 8;  // or the first page once more, without end
   write_content(path_, lost_page);
-  EXPECT_LE(kind_of([this] { open_frames(path_); }), FaultKind::file);
+  EXPECT_EQ(open_frames(path_)->count(), 1u);
 }
 
 TEST_F(ForeignImages, WhatSamplesDoNotShowIsNoted) {
