@@ -75,10 +75,12 @@ void unpack_as(std::span<const std::byte> bytes, std::span<std::uint16_t> sample
 }
 
 void unpack_words(std::span<const std::byte> bytes, int shift, std::span<std::uint16_t> samples) {
-  if (!samples.empty()) std::memcpy(samples.data(), bytes.data(), samples.size_bytes());
-  if (shift == 0) return;
-  map_samples(samples.data(), samples.data(), samples.size(),
-              [shift](unsigned word) { return word >> shift; });
+  if (shift == 0) {
+    if (!samples.empty()) std::memcpy(samples.data(), bytes.data(), samples.size_bytes());
+    return;
+  }
+  map_samples<std::uint16_t>(bytes.data(), samples.data(), samples.size(),
+                             [shift](std::uint16_t word) { return word >> shift; });
 }
 
 }  // namespace
@@ -96,7 +98,7 @@ void unpack(std::span<const std::byte> bytes, PixelFormat format,
   const bool ten_bits = traits.bit_depth == 10;
   switch (traits.packing) {
     case Packing::bytes:
-      return widen(reinterpret_cast<const std::uint8_t*>(bytes.data()), samples);
+      return widen(bytes.data(), samples);
     case Packing::right_words:
       return unpack_words(bytes, 0, samples);
     case Packing::left_words:
