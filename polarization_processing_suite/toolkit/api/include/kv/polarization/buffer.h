@@ -24,7 +24,7 @@ template <class Number>
 requires std::is_arithmetic_v<Number>
 class Buffer {
  public:
-  using value_type = Number;
+  using value_type = Number;  // NOLINT(readability-identifier-naming): as containers have it
 
   Buffer() = default;
   explicit Buffer(std::size_t size) { resize(size); }

@@ -13,8 +13,8 @@ enum class FaultKind : std::uint8_t {
   argument,    ///< a value that the call cannot take; nothing was computed or written
   state,       ///< an object that cannot do this now, such as a processor that was moved from
   memory,      ///< no memory of the size that was asked for
-  file,        ///< a file that is missing, damaged, of a wrong kind, or cannot be written
-  unsupported  ///< what this processor, or this build, cannot do
+  file,        ///< a file that is missing, damaged, or cannot be written
+  unsupported  ///< what this processor or this build cannot do, and files of a kind that none reads
 };
 
 /// What every function of the toolkit throws, and the only thing. what() is one line: what is
