@@ -178,7 +178,8 @@ TEST(Processor, ThreadsAndModesGiveTheBytesOfSingleCalls) {
           std::span(frame.samples).subspan(pixel_count(frame.width, row)), frame.width, 2, 12);
       const PlaneViews all = strips.views();
       const auto at = [&](std::span<std::uint16_t> plane) {
-        return LevelView{plane.subspan(pixel_count(frame.width, row), 2 * width), kOutputMax};
+        return LevelView{plane.subspan(pixel_count(frame.width, row), pixel_count(frame.width, 2)),
+                         kOutputMax};
       };
       alone.transform(two, {mosaic.phase, 1, mosaic.y_origin + row},
                       {.normalized_stokes = all.normalized_stokes.subspan(
