@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+
+#include "toolkit/calibration/correction/correction_table.h"
+
+namespace kv::polarization {
+
+struct CorrectedCell {
+  CellOf<std::uint16_t> samples;
+  std::uint8_t flags;
+};
+
+/// A cell whose samples reach `clip_level`, or that its block does not hold.
+CorrectedCell correct_special(const SpecialCell& cell, const CellOf<std::uint16_t>& samples,
+                              std::uint16_t clip_level, bool rescue, const OutputScale& output);
+
+}  // namespace kv::polarization
