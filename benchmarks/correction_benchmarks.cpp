@@ -40,7 +40,8 @@ Calibration made_calibration() {
   const auto fill = [&](Buffer<float>& map, double mean, double scatter) {
     map.resize(kPixels);
     for (float& value : map) {
-      value = static_cast<float>(mean + scatter * (static_cast<double>(random() % 4001) / 1000 - 2));
+      value =
+          static_cast<float>(mean + scatter * (static_cast<double>(random() % 4001) / 1000 - 2));
     }
   };
   fill(maps.black, 60, 2);

@@ -73,8 +73,8 @@ double condition_of(const Calibration& calibration) {
         all.diattenuation.value * std::sin(twice);
     matrix.row(row) *= all.gain.value / 2;
   }
-  const Eigen::Vector3d values = Eigen::JacobiSVD<Eigen::Matrix<double, 4, 3>>(matrix)
-                                     .singularValues();
+  const Eigen::Vector3d values =
+      Eigen::JacobiSVD<Eigen::Matrix<double, 4, 3>>(matrix).singularValues();
   return values[0] / values[2];
 }
 
@@ -99,8 +99,8 @@ void check_map(std::string_view name, const Buffer<float>& map, const Calibratio
   const auto& bad = calibration.maps.bad;
   for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
     const float value = map[pixel];
-    const bool is_right = bad[pixel] != 0 ? std::isfinite(value)
-                                          : value >= range.least && value <= range.greatest;
+    const bool is_right =
+        bad[pixel] != 0 ? std::isfinite(value) : value >= range.least && value <= range.greatest;
     if (is_right) continue;
     const auto width = static_cast<std::size_t>(calibration.width);
     check_range("the value of the map " + std::string(name) + " at column " +

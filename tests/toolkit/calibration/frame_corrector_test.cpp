@@ -19,8 +19,8 @@ constexpr int kHeight = 10;
 /// A frame of uniform light, from that pixel of the calibrated region on.
 Frame take(const Calibration& sensor, int column, int row, int width, int height,
            const TestLight& light) {
-  Frame frame = make_frame(static_cast<unsigned>(width), static_cast<unsigned>(height),
-                           sensor.bit_depth);
+  Frame frame =
+      make_frame(static_cast<unsigned>(width), static_cast<unsigned>(height), sensor.bit_depth);
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
       frame.samples[pixel_count(width, y) + static_cast<std::size_t>(x)] =
@@ -73,8 +73,9 @@ TEST(FrameCorrector, GivesTheSamplesOfAnIdealSensor) {
     FrameCorrector corrector(sensor, mosaic, width, height);
     Frame corrected;
     corrector.correct(take(sensor, x, y, width, height, light), corrected);
-    // Half a count of each sample, with coefficients of 1.8 in all; resolution at 16 bits.
-    EXPECT_LT(greatest_error(corrected, mosaic, light, corrector), bit_depth < 16 ? 0.95 : 2.5);
+    // Half a count of each sample, with coefficients of 1.8 in all; twice that and a count of the
+    // result where samples are halved.
+    EXPECT_LT(greatest_error(corrected, mosaic, light, corrector), bit_depth < 16 ? 0.95 : 3);
     EXPECT_GE(corrector.gained_bits(), least_gained_bits);
     EXPECT_EQ(corrected.bit_depth, 16);
   }
@@ -138,7 +139,8 @@ TEST(FrameCorrector, SetsDefectsApart) {
       Calibration sensor = made_calibration(kWidth, kHeight, {}, 12);
       Frame frame = take(sensor, 0, 0, kWidth, kHeight, light);
       const auto at = [&](int place) {
-        return pixel_count(kWidth, 4 + place / 2) + static_cast<std::size_t>(first_column + place % 2);
+        return pixel_count(kWidth, 4 + place / 2) +
+               static_cast<std::size_t>(first_column + place % 2);
       };
       for (const int place : bad) {
         sensor.maps.bad[at(place)] = bad_pixel::noisy;
@@ -158,9 +160,10 @@ TEST(FrameCorrector, SetsDefectsApart) {
         if (!quality::is_unusable(expected)) continue;
         corrected.samples[at(place)] = static_cast<std::uint16_t>(std::lround(std::ldexp(
             light.s0 / 2 *
-                (1 + light.dolp * std::cos((light.angle - cell_angles(kv_polar_phase_0)
-                                                              [static_cast<std::size_t>(place)]) *
-                                           std::numbers::pi / 90)),
+                (1 + light.dolp *
+                         std::cos((light.angle -
+                                   cell_angles(kv_polar_phase_0)[static_cast<std::size_t>(place)]) *
+                                  std::numbers::pi / 90)),
             corrector.gained_bits())));
       }
       EXPECT_LT(greatest_error(corrected, {}, light, corrector), 1.5);

@@ -49,7 +49,8 @@ inline kv::polarization::Calibration made_calibration(int width, int height,
     maps.black[pixel] = static_cast<float>(all.black.value + 50 * draw());
     maps.gain[pixel] = static_cast<float>(all.gain.value + draw());
     maps.diattenuation[pixel] = static_cast<float>(all.diattenuation.value + draw());
-    maps.orientation[pixel] = static_cast<float>(all.orientation.value - angles[place] + 20 * draw());
+    maps.orientation[pixel] =
+        static_cast<float>(all.orientation.value - angles[place] + 20 * draw());
     maps.bad[pixel] = 0;
   }
   return made;
@@ -66,10 +67,10 @@ struct TestLight {
 inline double reading(const kv::polarization::Calibration& sensor, int column, int row,
                       const TestLight& light) {
   const auto angles = kv::polarization::cell_angles(sensor.mosaic);
-  const std::size_t pixel = kv::polarization::pixel_count(sensor.width, row) +
-                            static_cast<std::size_t>(column);
-  const double orientation =
-      angles[static_cast<std::size_t>(row % 2 * 2 + column % 2)] + double{sensor.maps.orientation[pixel]};
+  const std::size_t pixel =
+      kv::polarization::pixel_count(sensor.width, row) + static_cast<std::size_t>(column);
+  const double orientation = angles[static_cast<std::size_t>(row % 2 * 2 + column % 2)] +
+                             double{sensor.maps.orientation[pixel]};
   const double turn = (light.angle - orientation) * std::numbers::pi / 90;
   return sensor.maps.black[pixel] +
          sensor.maps.gain[pixel] / 2 * light.s0 *

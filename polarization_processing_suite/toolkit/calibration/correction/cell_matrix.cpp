@@ -71,8 +71,7 @@ std::optional<CellMatrix<double>> solve(const CellOf<PixelModel>& pixels,
   return solve_rows(analyser_rows(pixels, angles));
 }
 
-std::optional<CellMatrix<double>> solve_without(std::size_t place,
-                                                const CellOf<PixelModel>& pixels,
+std::optional<CellMatrix<double>> solve_without(std::size_t place, const CellOf<PixelModel>& pixels,
                                                 const CellAngles& angles) {
   CellOf<Row> rows = analyser_rows(pixels, angles);
   rows[place] = {};

@@ -10,10 +10,10 @@ namespace kv::polarization {
 
 /// What a pixel is: its row of the analyser matrix is gain / 2 (1, D cos 2a, D sin 2a).
 struct PixelModel {
-  double black = 0;           ///< counts
+  double black = 0;  ///< counts
   double gain = 1;
-  double diattenuation = 1;   ///< D
-  double deviation = 0;       ///< of the orientation a from the nominal angle, degrees
+  double diattenuation = 1;  ///< D
+  double deviation = 0;      ///< of the orientation a from the nominal angle, degrees
 };
 
 /// A cell's pixels: top left, top right, bottom left, bottom right.
@@ -37,8 +37,7 @@ struct CellMatrix {
 std::optional<CellMatrix<double>> solve(const CellOf<PixelModel>& pixels, const CellAngles& angles);
 
 /// The solution from three of the pixels; the one at `place` gets coefficients of 0.
-std::optional<CellMatrix<double>> solve_without(std::size_t place,
-                                                const CellOf<PixelModel>& pixels,
+std::optional<CellMatrix<double>> solve_without(std::size_t place, const CellOf<PixelModel>& pixels,
                                                 const CellAngles& angles);
 
 /// The sample at `place` with which the cell fits its matrix: that which makes the least squares

@@ -63,15 +63,14 @@ class RowCorrector {
     const bool fits = count == kBlockColumns && has_lower_;
     std::uint16_t* to_upper = fits ? corrected_.upper + begin : upper_result_.data();
     std::uint16_t* to_lower = fits ? corrected_.lower + begin : lower_result_.data();
-    correct_block(from.upper, from.lower, table_.block(row_, index), table_.scale(),
-                  settings_.output, to_upper, to_lower);
+    const bool has_clipped =
+        correct_block(from.upper, from.lower, table_.block(row_, index), table_.scale(),
+                      settings_.output, settings_.clip_level, to_upper, to_lower);
     if (!fits) {
       std::copy_n(to_upper, count, corrected_.upper + begin);
       if (has_lower_) std::copy_n(to_lower, count, corrected_.lower + begin);
     }
-    if (reaches(from.upper, settings_.clip_level) || reaches(from.lower, settings_.clip_level)) {
-      correct_clipped(index, from);
-    }
+    if (has_clipped) correct_clipped(index, from);
     for (; !special_.empty() && special_.front().column < (index + 1) * kBlockCells;
          special_ = special_.subspan(1)) {
       correct_cell(special_.front(), from, begin);

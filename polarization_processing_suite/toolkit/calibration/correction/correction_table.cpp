@@ -23,7 +23,7 @@ CellCoefficients coefficients_of(const CellOf<PixelModel>& pixels,
 }
 
 /// The greatest of the four results from samples anywhere between 0 and `greatest`.
-double greatest_result(const CellCoefficients& cell, double greatest) {
+double greatest_of(const CellCoefficients& cell, double greatest) {
   double most = 0;
   for (const std::size_t row : {kFirst, kSecond}) {
     for (const float sign : {1.0f, -1.0f}) {
@@ -60,10 +60,9 @@ class CellSource {
       cell.bad_place = place;
       pixels[place] = class_model(place);
     }
-    const auto matrix =
-        bad_pixels == 0 ? solve(pixels, place_.angles)
-        : bad_pixels == 1 ? solve_without(cell.bad_place, pixels, place_.angles)
-                          : std::nullopt;
+    const auto matrix = bad_pixels == 0   ? solve(pixels, place_.angles)
+                        : bad_pixels == 1 ? solve_without(cell.bad_place, pixels, place_.angles)
+                                          : std::nullopt;
     cell.kind = !matrix           ? SpecialCell::Kind::not_solvable
                 : bad_pixels == 1 ? SpecialCell::Kind::one_bad
                                   : SpecialCell::Kind::outlier;
@@ -94,7 +93,7 @@ class CellSource {
   bool per_cell_;
 };
 
-/// How far coefficients of one kind lie from their means.
+/// How far the matrices of cells lie from the common one.
 struct Spread {
   double greatest = 0;
   double squares = 0;
@@ -111,19 +110,20 @@ struct Spread {
     count += other.count;
   }
 
-  /// The step that 16 bits want. Few cells are further out than 8 standard deviations; they would
-  /// take resolution from all others.
-  float step(float least) const {
-    constexpr double kRange = 32767;
+  /// Few cells are further out than 8 standard deviations; they would take resolution from all
+  /// others.
+  float step() const {
+    constexpr double kLeastRange = 0.5 / kCommonSteps;  // of rounding the common coefficients
     const double range = std::min(greatest, 8 * std::sqrt(squares / std::max(count, 1.0)));
-    return std::max(static_cast<float>(range / kRange), least);
+    return static_cast<float>(std::max(range, kLeastRange) / kGreatestDeviation);
   }
 };
 
-// Steps that keep means below 2^24: black levels are below 2^16, coefficients of solvable cells
-// usually below 2.
-constexpr float kLeastBlackStep = 1.0f / 256;
-constexpr float kLeastMatrixStep = 1.0f / (1 << 22);
+/// What a band of rows of a table tells of its scale.
+struct Found {
+  Spread spread;
+  double greatest_result = 0;
+};
 
 }  // namespace
 
@@ -132,13 +132,14 @@ CorrectionTable::CorrectionTable(const Calibration& calibration, const FramePlac
     : rows_((place.height + 1) / 2),
       columns_((place.width + 1) / 2),
       per_cell_(per_cell),
+      scale_{.bit_depth = calibration.bit_depth},
       special_(static_cast<std::size_t>(rows_)) {
   const CellSource source(calibration, place, per_cell);
   const CellCoefficients means = source.of_class_means();
-  const double greatest_sample = std::min<int>(calibration.clip_level,
-                                               full_scale(calibration.bit_depth));
+  for (std::size_t i = kMean; i < kCoefficients; ++i) {
+    scale_.common[i] = static_cast<std::int16_t>(std::lround(means[i] * kCommonSteps));
+  }
   WorkerPool pool(std::min(WorkerPool::threads_of(threads), rows_));
-  // In bands of rows, all cells but those of bad pixels.
   const auto for_cells = [&](const auto& work) {
     pool.run(pool.threads(), [&](int band) {
       const auto boundary = [&](int index) {
@@ -150,63 +151,61 @@ CorrectionTable::CorrectionTable(const Calibration& calibration, const FramePlac
     });
   };
 
-  struct Found {
-    Spread black;
-    Spread matrix;
-    double greatest_result = 0;
-  };
+  const double greatest_sample =
+      std::min<int>(calibration.clip_level, full_scale(calibration.bit_depth));
   std::vector<Found> found(static_cast<std::size_t>(pool.threads()));
   for_cells([&](int band, int, const SpecialCell& cell) {
     if (cell.kind != SpecialCell::Kind::outlier) return;
     Found& of_band = found[static_cast<std::size_t>(band)];
-    for (std::size_t i = 0; i < kCoefficients; ++i) {
-      (i < kMean ? of_band.black : of_band.matrix).add(cell.coefficients[i] - means[i]);
-    }
     of_band.greatest_result =
-        std::max(of_band.greatest_result, kv::polarization::greatest_result(cell.coefficients,
-                                                                            greatest_sample));
+        std::max(of_band.greatest_result, greatest_of(cell.coefficients, greatest_sample));
+    for (std::size_t i = kMean; i < kCoefficients; ++i) {
+      of_band.spread.add(cell.coefficients[i] -
+                         static_cast<float>(scale_.common[i]) / kCommonSteps);
+    }
   });
-  for (std::size_t band = 1; band < found.size(); ++band) {
-    found[0].black.add(found[band].black);
-    found[0].matrix.add(found[band].matrix);
-    found[0].greatest_result = std::max(found[0].greatest_result, found[band].greatest_result);
+  Spread spread;
+  for (const Found& of_band : found) {
+    spread.add(of_band.spread);
+    greatest_result_ = std::max(greatest_result_, of_band.greatest_result);
   }
-  greatest_result_ = found[0].greatest_result;
-  scale_.black_step = found[0].black.step(kLeastBlackStep);
-  scale_.matrix_step = found[0].matrix.step(kLeastMatrixStep);
-  for (std::size_t i = 0; i < kCoefficients; ++i) {
-    scale_.means[i] = std::round(means[i] / scale_.step(i));
-  }
+  scale_.step = spread.step();
 
   deviations_.resize(per_cell ? kBlockSize * pixel_count(blocks(), rows_) : kBlockSize);
   std::fill(deviations_.begin(), deviations_.end(), std::int16_t{0});
-  for_cells([&](int, int row, const SpecialCell& cell) { store(cell, row); });
+  if (!per_cell) {
+    for (std::size_t cell = 0; cell < kBlockCells; ++cell) store(means, deviations_.data(), cell);
+  }
+  for_cells([&](int, int row, const SpecialCell& cell) {
+    if (cell.kind == SpecialCell::Kind::outlier) {
+      std::int16_t* block = deviations_.data() + start_of_block(row, cell.column / kBlockCells);
+      const auto place = static_cast<std::size_t>(cell.column % kBlockCells);
+      if (!per_cell_ || store(cell.coefficients, block, place)) return;
+    }
+    special_[static_cast<std::size_t>(row)].push_back(cell);
+  });
 }
 
-void CorrectionTable::store(const SpecialCell& cell, int row) {
-  std::array<float, kCoefficients> steps;
-  bool fits = cell.kind == SpecialCell::Kind::outlier;
+bool CorrectionTable::store(const CellCoefficients& coefficients, std::int16_t* block,
+                            std::size_t cell) const {
+  std::array<float, kCoefficients> encoded;
   for (std::size_t i = 0; i < kCoefficients; ++i) {
-    steps[i] = std::round(cell.coefficients[i] / scale_.step(i) - scale_.means[i]);
-    fits = fits && std::abs(steps[i]) <= 32767;
+    encoded[i] = scale_.encode(i, coefficients[i]);
+    constexpr float kGreatestBlack = 32767;
+    if (std::abs(encoded[i]) > (i < kMean ? kGreatestBlack : kGreatestDeviation)) return false;
   }
-  if (!fits) {
-    special_[static_cast<std::size_t>(row)].push_back(cell);
-    return;
-  }
-  if (!per_cell_) return;
-  std::int16_t* block = deviations_.data() + start_of_block(row, cell.column / kBlockCells);
   for (std::size_t i = 0; i < kCoefficients; ++i) {
-    block[i * kBlockCells + static_cast<std::size_t>(cell.column % kBlockCells)] =
-        static_cast<std::int16_t>(steps[i]);
+    block[index_in_block(i, cell)] = static_cast<std::int16_t>(encoded[i]);
   }
+  return true;
 }
 
 CellCoefficients CorrectionTable::coefficients(int row, int column) const {
-  const std::int16_t* values = block(row, column / kBlockCells) + column % kBlockCells;
+  const std::int16_t* stored = block(row, column / kBlockCells);
   CellCoefficients cell;
   for (std::size_t i = 0; i < kCoefficients; ++i) {
-    cell[i] = scale_.decode(i, values[i * kBlockCells]);
+    cell[i] =
+        scale_.decode(i, stored[index_in_block(i, static_cast<std::size_t>(column % kBlockCells))]);
   }
   return cell;
 }

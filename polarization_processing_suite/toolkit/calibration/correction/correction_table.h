@@ -45,8 +45,8 @@ class CorrectionTable {
   CorrectionTable(const Calibration& calibration, const FramePlace& place, bool per_cell,
                   int threads);
 
-  int rows() const { return rows_; }        ///< of cells
-  int columns() const { return columns_; }  ///< of cells
+  int rows() const { return rows_; }                                         ///< of cells
+  int columns() const { return columns_; }                                   ///< of cells
   int blocks() const { return (columns_ + kBlockCells - 1) / kBlockCells; }  ///< in a row of cells
 
   const CoefficientScale& scale() const { return scale_; }
@@ -70,12 +70,13 @@ class CorrectionTable {
     if (!per_cell_) return 0;
     return kBlockSize * (pixel_count(blocks(), row) + static_cast<std::size_t>(index));
   }
-  void store(const SpecialCell& cell, int row);
+  /// Returns whether the cell fits into a block; what does not is not stored.
+  bool store(const CellCoefficients& coefficients, std::int16_t* block, std::size_t cell) const;
 
   int rows_;
   int columns_;
   bool per_cell_;
-  CoefficientScale scale_{};
+  CoefficientScale scale_;
   double greatest_result_ = 0;
   Buffer<std::int16_t> deviations_;  // of blocks; of a single one for all if not per cell
   std::vector<std::vector<SpecialCell>> special_;  // of each row of cells

@@ -94,7 +94,7 @@ class FrameCorrector::Implementation {
   }
 
   int gained_bits() const { return gained_bits_; }
-  double resolution() const { return static_cast<double>(table_.scale().matrix_step); }
+  double resolution() const { return static_cast<double>(table_.scale().step); }
 
   SampleSettings sample_settings() const {
     SampleSettings samples;

@@ -38,8 +38,7 @@ bool encode(const CellOf<double>& values, const OutputScale& output,
   for (std::size_t place = 0; place < 4; ++place) {
     const double counts = std::floor(values[place] * output.factor + output.pedestal + 0.5);
     fits = fits && counts <= kGreatestCorrected;
-    samples[place] =
-        static_cast<std::uint16_t>(std::clamp<double>(counts, 0, kGreatestCorrected));
+    samples[place] = static_cast<std::uint16_t>(std::clamp<double>(counts, 0, kGreatestCorrected));
   }
   return fits;
 }

@@ -11,9 +11,10 @@ inline constexpr int kGreatestSide = 1 << 14;
 inline constexpr double kWorstCondition = 20;
 
 /// Throws Fault of kind argument for what no calibration can be, the first thing found: sides that
-/// are odd, not above 0 or above kGreatestSide, maps of another size, an unknown phase or a negative
-/// origin, a bit depth or clip level out of range, numbers that are not finite, classes or good
-/// pixels of impossible values, a sensor that cannot tell polarization. About 10 ms a megapixel.
+/// are odd, not above 0 or above kGreatestSide, maps of another size, an unknown phase or a
+/// negative origin, a bit depth or clip level out of range, numbers that are not finite, classes or
+/// good pixels of impossible values, a sensor that cannot tell polarization. About 10 ms a
+/// megapixel.
 void check(const Calibration& calibration);
 
 }  // namespace kv::polarization

@@ -17,8 +17,8 @@ struct CorrectionSettings {
   /// A matrix of its own for each cell; else one for all, made of the means of the four classes.
   bool per_cell = true;
 
-  /// Solves a cell with one clipped sample from the other three. Such cells take some fifty times
-  /// as long as others.
+  /// Solves a cell with one clipped sample from the other three. Such cells take some
+  /// thirty times as long as others.
   bool rescue = false;
 
   /// What black becomes, in corrected counts. With 0, results below black become 0: where the light
@@ -45,8 +45,8 @@ struct CorrectionSettings {
 /// with their left or upper neighbours.
 ///
 /// The bits that samples leave free are used: gained_bits() is such that no cell of good pixels,
-/// whatever its samples below the clip level, reaches 65535. Frames of 12 bits usually gain 3; of 16
-/// bits, -1, as corrected samples can be greater than raw ones.
+/// whatever its samples below the clip level, reaches 65535. Frames of 12 bits usually gain 3; of
+/// 16 bits, -1, as corrected samples can be greater than raw ones.
 ///
 /// Cells apart, by the flags of kv/polarization/quality.h, which all pixels of a cell share:
 /// - one bad pixel: solved from the other three. `rescued`
@@ -57,12 +57,18 @@ struct CorrectionSettings {
 ///
 /// Threads: one thread at a time uses a corrector; several work side by side.
 ///
-/// Memory: 8 bytes a pixel: coefficients in 16 bits, as deviations from those of the classes. Their
-/// resolution() follows their scatter.
+/// Arithmetic: samples and black levels count in 15 bits, which is 1/8 count of 12-bit frames;
+/// 16-bit frames are halved. Coefficients are in 15 bits too, as deviations from those of the
+/// classes: their resolution() follows their scatter, some 5e-6 for one of 1 per cent. The few
+/// cells further out are kept apart in floats. Results are rounded by the thread's rounding mode.
+///
+/// Memory: 8 bytes a pixel. Time: 1.6 times the copy of these and the frames on one thread, 3.5 ms
+/// for 5 megapixels on a server of 2023; frames with many clipped samples, up to 0.1 microseconds
+/// more for each.
 class FrameCorrector {
  public:
   /// For frames of that place and size within the calibrated region. It keeps nothing of the
-  /// calibration. Takes some 0.2 microseconds a pixel.
+  /// calibration. Takes some 0.1 microseconds a pixel.
   ///
   /// Throws Fault of kind argument for a calibration that check() refuses, a mosaic of another
   /// phase, a frame that is not within the calibrated region or has a side below 2, and a pedestal
@@ -77,16 +83,16 @@ class FrameCorrector {
   /// pixel, row by row; the same bytes on any number of threads.
   ///
   /// Throws Fault of kind argument, before anything is computed: a frame that check() refuses, of
-  /// another size or bit depth than the corrector is for; flags with less room than the frame fills;
-  /// memory that is shared, even partly. Throws Fault of kind memory, and of kind state for a
-  /// corrector that was moved from.
+  /// another size or bit depth than the corrector is for; flags with less room than the frame
+  /// fills; memory that is shared, even partly. Throws Fault of kind memory, and of kind state for
+  /// a corrector that was moved from.
   void correct(const FrameView& frame, Frame& corrected, std::span<std::uint8_t> flags = {});
 
   /// A raw count is 2^gained_bits corrected ones.
   int gained_bits() const;
 
-  /// Coefficients are multiples of it; samples are sums of some 1/2 of each of four samples, so that
-  /// errors are about the resolution of the sample.
+  /// Coefficients are multiples of it; samples are sums of some 1/2 of each of four samples, so
+  /// that errors are about the resolution of the sample.
   double resolution() const;
 
   /// How maps and regions have to understand corrected frames: black level, clip level and noise.
