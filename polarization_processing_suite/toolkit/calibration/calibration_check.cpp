@@ -85,8 +85,8 @@ void check_condition(const Calibration& calibration) {
            text(condition) + "; it must be " + text(kWorstCondition) +
            " or less, and is 1.41 for an ideal one");
   }
-  // 1 at the very least, and 0 where it was not computed.
-  check_range("the stated condition number", calibration.condition, {0, 1e6});
+  // 0 where it was not computed.
+  check_range("the stated condition number", calibration.condition, {0, kWorstCondition});
 }
 
 void check_map(std::string_view name, const Buffer<float>& map, const Calibration& calibration,
@@ -140,7 +140,7 @@ void check_records(const Calibration& calibration) {
 
 }  // namespace
 
-void check(const Calibration& calibration) {
+void check_sides(const Calibration& calibration) {
   const int width = calibration.width;
   const int height = calibration.height;
   for (const int side : {width, height}) {
@@ -149,6 +149,10 @@ void check(const Calibration& calibration) {
            " pixels cannot be; both sides must be even and from 2 to " +
            std::to_string(kGreatestSide));
   }
+}
+
+void check(const Calibration& calibration) {
+  check_sides(calibration);
   check(calibration.mosaic);
   check_range("the bit depth", calibration.bit_depth, {1, 16});
   check_range("the clip level", calibration.clip_level, {1, 65535});

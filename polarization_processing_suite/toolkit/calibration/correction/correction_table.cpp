@@ -179,8 +179,8 @@ CorrectionTable::CorrectionTable(const Calibration& calibration, const FramePlac
   for_cells([&](int, int row, const SpecialCell& cell) {
     if (cell.kind == SpecialCell::Kind::outlier) {
       std::int16_t* block = deviations_.data() + start_of_block(row, cell.column / kBlockCells);
-      const auto place = static_cast<std::size_t>(cell.column % kBlockCells);
-      if (!per_cell_ || store(cell.coefficients, block, place)) return;
+      const auto cell_place = static_cast<std::size_t>(cell.column % kBlockCells);
+      if (!per_cell_ || store(cell.coefficients, block, cell_place)) return;
     }
     special_[static_cast<std::size_t>(row)].push_back(cell);
   });

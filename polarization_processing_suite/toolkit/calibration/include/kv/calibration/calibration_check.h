@@ -17,4 +17,7 @@ inline constexpr double kWorstCondition = 20;
 /// megapixel.
 void check(const Calibration& calibration);
 
+/// The sides alone, before anybody asks for memory for maps.
+void check_sides(const Calibration& calibration);
+
 }  // namespace kv::polarization
