@@ -73,6 +73,17 @@ void check_format(const JsonReader& reader) {
   }
 }
 
+/// Does work on a file, whose name the line of a Fault then begins with.
+template <class Work>
+decltype(auto) with_name(const std::string& name, Work work) {
+  try {
+    return work();
+  } catch (const Fault& fault) {
+    if (fault.kind() == FaultKind::memory) throw;
+    throw Fault(FaultKind::file, name + ": " + fault.what());
+  }
+}
+
 template <class Number>
 void load_map(const JsonReader& reader, const std::filesystem::path& folder, int width, int height,
               Buffer<Number>& map) {
@@ -86,15 +97,16 @@ void load_map(const JsonReader& reader, const std::filesystem::path& folder, int
   if (name.empty() || path.filename() != path || name == "." || name == "..") {
     throw Fault(FaultKind::file, "its map '" + name + "' must be a file beside it");
   }
-  if (type != type_name(map)) {
-    throw Fault(FaultKind::file,
-                "its map " + name + " is of " + type + "; it must be of " + type_name(map));
-  }
-  if (read_npy_map(folder / path, width, height, map) != sum) {
-    throw Fault(FaultKind::file, "its map " + name +
-                                     " was changed or is of another calibration; it must be the "
-                                     "one that was saved with it");
-  }
+  with_name("its map " + name, [&] {
+    if (type != type_name(map)) {
+      throw Fault(FaultKind::file, "it is of " + type + "; it must be of " + type_name(map));
+    }
+    if (read_npy_map(folder / path, width, height, map) != sum) {
+      throw Fault(FaultKind::file,
+                  "it was changed or is of another calibration; it must be the one that was saved "
+                  "with it");
+    }
+  });
 }
 
 Calibration load(const std::filesystem::path& file) {
@@ -148,14 +160,7 @@ void save_calibration(const Calibration& calibration, const std::filesystem::pat
 }
 
 Calibration load_calibration(const std::filesystem::path& file) {
-  return with_memory_faults([&] {
-    try {
-      return load(file);
-    } catch (const Fault& fault) {
-      if (fault.kind() == FaultKind::memory) throw;
-      throw Fault(FaultKind::file, file.string() + ": " + fault.what());
-    }
-  });
+  return with_memory_faults([&] { return with_name(file.string(), [&] { return load(file); }); });
 }
 
 }  // namespace kv::polarization

@@ -114,8 +114,7 @@ class JsonReader {
     for (std::size_t i = 0; i < values.size(); ++i) read_element(json, path, i, values[i]);
   }
   template <class Value>
-  static void read_element(const Json& json, const std::string& path, std::size_t i,
-                           Value& value) {
+  static void read_element(const Json& json, const std::string& path, std::size_t i, Value& value) {
     read(json[i], path + "[" + std::to_string(i) + "]", value);
   }
 

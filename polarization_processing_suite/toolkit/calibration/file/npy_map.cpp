@@ -21,8 +21,7 @@ std::string npy_start(int width, int height) {
   constexpr std::size_t kBeforeText = 10;
   while ((kBeforeText + text.size() + 1) % 64 != 0) text += ' ';
   text += '\n';
-  const char length[] = {static_cast<char>(text.size() & 255),
-                         static_cast<char>(text.size() >> 8)};
+  const char length[] = {static_cast<char>(text.size() & 255), static_cast<char>(text.size() >> 8)};
   return "\x93NUMPY" + std::string{1, 0} + std::string(length, 2) + text;
 }
 
@@ -51,9 +50,9 @@ std::string read_npy_map(const std::filesystem::path& path, int width, int heigh
   const std::size_t bytes = pixel_count(width, height) * sizeof(Number);
   InputFile file(path);
   std::string start(expected.size(), '\0');
-  if (file.size() != expected.size() + bytes || file.read(start.data(), start.size()) != start.size() ||
-      start != expected) {
-    throw Fault(FaultKind::file, path.string() + " is no map of " + std::to_string(width) + " x " +
+  if (file.size() != expected.size() + bytes ||
+      file.read(start.data(), start.size()) != start.size() || start != expected) {
+    throw Fault(FaultKind::file, "it is no map of " + std::to_string(width) + " x " +
                                      std::to_string(height) + " pixels as " +
                                      (std::is_same_v<Number, float> ? "float32" : "uint8") +
                                      " in " + std::to_string(expected.size() + bytes) +
@@ -61,7 +60,7 @@ std::string read_npy_map(const std::filesystem::path& path, int width, int heigh
   }
   map.resize(pixel_count(width, height));
   if (file.read(map.data(), bytes) != bytes) {
-    throw Fault(FaultKind::file, path.string() + " cannot be read to its end; copy it again");
+    throw Fault(FaultKind::file, "it cannot be read to its end; copy it again");
   }
   return sum_of(start, map);
 }

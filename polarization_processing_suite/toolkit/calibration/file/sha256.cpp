@@ -45,7 +45,8 @@ void Sha256::add_block(const std::byte* block) {
   for (std::size_t i = 0; i < 64; ++i) {
     const std::uint32_t choice = (e & f) ^ (~e & g);
     const std::uint32_t majority = (a & b) ^ (a & c) ^ (b & c);
-    const std::uint32_t first = h + rotations(e, 6, 11, 25) + choice + kRoundConstants[i] + words[i];
+    const std::uint32_t first =
+        h + rotations(e, 6, 11, 25) + choice + kRoundConstants[i] + words[i];
     const std::uint32_t second = rotations(a, 2, 13, 22) + majority;
     h = g;
     g = f;
