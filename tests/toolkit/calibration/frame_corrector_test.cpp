@@ -67,9 +67,11 @@ TEST(FrameCorrector, GivesTheSamplesOfAnIdealSensor) {
        }) {
     SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height) + " from " +
                  std::to_string(x) + ", " + std::to_string(y));
-    const Calibration sensor = made_calibration(kWidth, kHeight, {phase, 5, 2}, bit_depth);
+    Calibration sensor = made_calibration(kWidth, kHeight, {phase, 5, 2}, bit_depth);
+    const std::size_t outlier = pixel_count(kWidth, y + 1) + static_cast<std::size_t>(x + 1);
+    sensor.maps.gain[outlier] *= 1.4f;
     const Mosaic mosaic = {phase, 5 + x, 2 + y};
-    const TestLight light = {0.9 * full_scale(bit_depth), 0.7, 20.0 * bit_depth};
+    const TestLight light = {0.8 * full_scale(bit_depth), 0.7, 20.0 * bit_depth};
     FrameCorrector corrector(sensor, mosaic, width, height);
     Frame corrected;
     corrector.correct(take(sensor, x, y, width, height, light), corrected);
@@ -84,7 +86,7 @@ TEST(FrameCorrector, GivesTheSamplesOfAnIdealSensor) {
 TEST(FrameCorrector, CorrectsWithClassMeansWhereAllPixelsAreLikeTheirClass) {
   const Calibration sensor = made_calibration(kWidth, kHeight, {}, 12, 0);
   const TestLight light = {3000, 0.5, -30};
-  FrameCorrector corrector(sensor, {}, kWidth, kHeight, {.per_cell = false, .pedestal = 0});
+  FrameCorrector corrector(sensor, {}, kWidth, kHeight, {.per_cell = false});
   Frame corrected;
   corrector.correct(take(sensor, 0, 0, kWidth, kHeight, light), corrected);
   EXPECT_LT(greatest_error(corrected, {}, light, corrector), 0.95);
@@ -148,7 +150,7 @@ TEST(FrameCorrector, SetsDefectsApart) {
         frame.samples[at(place)] = 77;
       }
       for (const int place : clipped) frame.samples[at(place)] = 4095;
-      FrameCorrector corrector(sensor, {}, kWidth, kHeight, {.rescue = rescue, .pedestal = 0});
+      FrameCorrector corrector(sensor, {}, kWidth, kHeight, {.rescue = rescue});
       Frame corrected;
       std::vector<std::uint8_t> flags(frame.samples.size(), 99);
       corrector.correct(frame, corrected, flags);
@@ -195,7 +197,7 @@ TEST(FrameCorrector, MakesTheSameBytesOnSeveralThreads) {
   std::vector<std::vector<std::uint8_t>> flags(2, std::vector<std::uint8_t>(frame.samples.size()));
   for (const std::size_t i : {0u, 1u}) {
     FrameCorrector corrector(sensor, {}, side, side - 1,
-                             {.rescue = true, .pedestal = 0, .threads = i == 0 ? 1 : 3});
+                             {.rescue = true, .threads = i == 0 ? 1 : 3});
     corrector.correct(frame, corrected[i], flags[i]);
   }
   EXPECT_TRUE(corrected[0].samples == corrected[1].samples);
@@ -209,12 +211,15 @@ TEST(FrameCorrector, RefusesWhatIsNotOfItsSensor) {
     int width, height;
     const char* part;
   };
-  for (const auto& [mosaic, width, height, part] :
+  for (const Case& refused :
        {Case{{kv_polar_phase_0, 4, 4}, 20, 10, "of phase 90, the frame of phase 0"},
         Case{{kv_polar_phase_90, 3, 4}, 10, 10, "from column 3, row 4"},
         Case{{kv_polar_phase_90, 5, 4}, 20, 10, "within the calibrated 20 x 10"},
         Case{{kv_polar_phase_90, 4, 4}, 20, 1, "2 x 2 or more"}}) {
-    EXPECT_PRED2(contains, error_of([&] { FrameCorrector(sensor, mosaic, width, height); }), part);
+    EXPECT_PRED2(contains, error_of([&] {
+                   FrameCorrector(sensor, refused.mosaic, refused.width, refused.height);
+                 }),
+                 refused.part);
   }
   FrameCorrector corrector(sensor, {kv_polar_phase_90, 4, 4}, 20, 10);
   Frame frame = make_frame(20, 10, 10);

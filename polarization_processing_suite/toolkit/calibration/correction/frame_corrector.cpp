@@ -51,7 +51,8 @@ int bits_gained(double greatest_result, const CorrectionSettings& settings) {
            " leaves too little for the light; it must be " + std::to_string(kGreatestPedestal) +
            " or less");
   }
-  const double room = kGreatestCorrected - settings.pedestal;
+  constexpr double kResolution = 8;  // of coefficients in 16 bits, at most some counts
+  const double room = kGreatestCorrected - settings.pedestal - kResolution;
   return static_cast<int>(std::floor(std::log2(room / std::max(greatest_result, 1.0))));
 }
 

@@ -12,8 +12,8 @@ namespace {
 /// Sums over cells; whole numbers, and so exact.
 struct Sums {
   double cells = 0;
-  double own = 0, other = 0;          // sums of the diagonals, black included
-  double x = 0, y = 0;                // differences along them
+  double own = 0, other = 0;  // sums of the diagonals, black included
+  double x = 0, y = 0;        // differences along them
   double xx = 0, xy = 0, yy = 0;
 
   void add(double top_left, double top_right, double bottom_left, double bottom_right) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <numbers>
 
 #include "toolkit/api/memory_checks.h"
 #include "toolkit/api/memory_faults.h"
@@ -37,8 +38,7 @@ struct Arrangement {
 };
 
 Arrangement arrangement_of(const MosaicCandidate& candidate, const TurnedLight& light) {
-  const CellAngles angles =
-      cell_angles(Mosaic{candidate.phase, light.x_origin, light.y_origin});
+  const CellAngles angles = cell_angles(Mosaic{candidate.phase, light.x_origin, light.y_origin});
   const double sense = (angles[1] - angles[0] + 180) % 180 == 45 ? 1 : -1;
   const double mirror = candidate.mirrored ? -1 : 1;
   return {mirror * angles[0], mirror * sense};
@@ -48,9 +48,7 @@ Arrangement arrangement_of(const MosaicCandidate& candidate, const TurnedLight& 
 double misfit_of(const MosaicCandidate& candidate, const TurnedLight& light,
                  const DiagonalLight& first, const DiagonalLight& second) {
   const Arrangement cell = arrangement_of(candidate, light);
-  const auto square = [](double degrees, double variance) {
-    return degrees * degrees / variance;
-  };
+  const auto square = [](double degrees, double variance) { return degrees * degrees / variance; };
   const double own = light.angle_error * light.angle_error;
   const double first_variance = first.angle_sigma * first.angle_sigma;
   const double turn_variance = own + first_variance + second.angle_sigma * second.angle_sigma;
@@ -71,7 +69,8 @@ std::vector<MosaicCandidate> all_candidates(bool may_be_mirrored) {
       all.push_back({phase, mirrored, 0});
     }
   }
-  for (MosaicCandidate& candidate : all) candidate.confidence = 1.0 / static_cast<double>(all.size());
+  for (MosaicCandidate& candidate : all)
+    candidate.confidence = 1.0 / static_cast<double>(all.size());
   return all;
 }
 
@@ -79,8 +78,9 @@ std::vector<MosaicCandidate> all_candidates(bool may_be_mirrored) {
 std::string obstacle(const DiagonalLight& light, const char* frame) {
   const std::string name = std::string("the ") + frame + " frame";
   if (std::isnan(light.dolp)) {
-    return name + " has no light below full scale in the region; take one that is neither dark "
-                  "nor clipped";
+    return name +
+           " has no light below full scale in the region; take one that is neither dark "
+           "nor clipped";
   }
   if (!(light.dolp >= kLeastDolp && light.dolp >= kLeastDolpSigmas * light.dolp_sigma)) {
     return name + " has light of a DoLP of " + degrees_text(100 * light.dolp) +
@@ -113,17 +113,18 @@ double weigh(const TurnedLight& light, const DiagonalLight& first, const Diagona
     sum += candidates[i].confidence;
   }
   for (MosaicCandidate& candidate : candidates) candidate.confidence /= sum;
-  std::stable_sort(candidates.begin(), candidates.end(), [](const auto& a, const auto& b) {
-    return a.confidence > b.confidence;
-  });
+  std::stable_sort(candidates.begin(), candidates.end(),
+                   [](const auto& a, const auto& b) { return a.confidence > b.confidence; });
   return least;
 }
 
 std::string verdict_of(const MosaicIdentity& found, const TurnedLight& light, double least_misfit) {
   if (!(least_misfit <= kGreatestMisfit * kGreatestMisfit)) {
+    std::string known = "a turn of " + degrees_text(light.turn);
+    if (light.angle_of_first) known += " from an angle of " + degrees_text(*light.angle_of_first);
     return "the light turned by " + degrees_text(found.turn) +
-           " degrees in one sense or the other, which is no mosaic's turn of " +
-           degrees_text(light.turn) + "; tell the angles as they were";
+           " degrees in the one or the other sense, and no mosaic sees " + known +
+           " in that; tell the angles as they were";
   }
   if (found.is_told) return "the sensor is of " + name_of(found.candidates.front());
   std::string line = "the sensor may be of";
@@ -133,7 +134,7 @@ std::string verdict_of(const MosaicIdentity& found, const TurnedLight& light, do
     line += between + name_of(candidate);
     between = "; ";
   }
-  const bool turn_is_poor = std::abs(std::sin(light.turn * 3.14159265358979 / 90)) < 0.5;
+  const bool turn_is_poor = std::abs(std::sin(light.turn * std::numbers::pi / 90)) < 0.5;
   if (turn_is_poor) line += ". A turn near 45 degrees would tell the sense";
   if (!light.angle_of_first) line += ". The angle of the light in the first frame would tell which";
   return line;
@@ -156,13 +157,13 @@ void check_light(const FrameView& first, const FrameView& second, const TurnedLi
   const bool is_within = column >= 0 && row >= 0 && width >= 2 && height >= 2 &&
                          width <= first.width - column && height <= first.height - row;
   if (!is_within || width - column % 2 < 2 || height - row % 2 < 2) {
-    refuse("the region is not within the frame, or holds no 2 x 2 cell that begins at an even "
-           "column and row; it must");
+    refuse(
+        "the region is not within the frame, or holds no 2 x 2 cell that begins at an even "
+        "column and row; it must");
   }
 }
 
-MosaicIdentity identify(const FrameView& first, const FrameView& second,
-                        const TurnedLight& light) {
+MosaicIdentity identify(const FrameView& first, const FrameView& second, const TurnedLight& light) {
   const Rectangle region = light.region.value_or(Rectangle{0, 0, first.width, first.height});
   check_light(first, second, light, region);
   const DiagonalLight first_light = diagonal_light(first, region, light.black_level);

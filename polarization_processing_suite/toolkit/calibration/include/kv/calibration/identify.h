@@ -20,16 +20,18 @@ namespace kv::polarization {
 // turn its sense (top right 45 degrees to the other side). So there are eight mosaics, the four
 // phases and their mirror images, and what can be told of them is:
 //
-// - From one frame: nothing. Its own redundancy, I0 + I90 = I45 + I135, holds in all eight alike. It
+// - From one frame: nothing. Its own redundancy, I0 + I90 = I45 + I135, holds in all eight alike.
+// It
 //   tells only whether crossed polarizers lie on the diagonals at all.
 // - From a known turn between two frames: the sense. It leaves four of the eight: two phases, whose
-//   angles differ by 90 degrees, {0, 90} or {45, 135}, and the mirror images of the others. The turn
-//   must be known with its sign, and be far from multiples of 90 degrees, whose two senses look
-//   alike; 45 is best.
+//   angles differ by 90 degrees, {0, 90} or {45, 135}, and the mirror images of the others. The
+//   turn must be known with its sign, and be far from multiples of 90 degrees, whose two senses
+//   look alike; 45 is best.
 // - From a known angle of the light in the first frame, too: which one. The zero of the angles is
 //   the one of that angle.
-// - From a known angle alone: one of four, the top left polarizer in either sense. Where images are
-//   known not to be mirrored, that is one of the phases.
+// - From a known angle alone, with a turn of 0: one, if the angle is known to a few degrees and is
+//   far from multiples of 22.5; two at these, one of either sense. At multiples of 45 one of the
+//   two is a mirror image.
 
 /// One of the eight.
 struct MosaicCandidate {
@@ -76,14 +78,15 @@ struct MosaicIdentity {
   /// How far the angle turned, by the sense of phase 0: above -90 up to 90 degrees.
   double turn = 0;
 
-  /// Difference of the sums of the diagonals over S0, the greater of both frames: near 0 in a mosaic.
+  /// Difference of the sums of the diagonals over S0, the greater of both frames: near 0 in a
+  /// mosaic.
   double imbalance = 0;
 };
 
-/// Counts cells of the frame's own grid that lie within the region and have no sample at full scale.
-/// No candidate gets a confidence of more than its share where the light is polarized by less than
-/// 0.05 or five of its standard deviations, the diagonals differ by more than 0.1, or no candidate
-/// fits within four standard deviations.
+/// Counts cells of the frame's own grid that lie within the region and have no sample at full
+/// scale. No candidate gets a confidence of more than its share where the light is polarized by
+/// less than 0.05 or five of its standard deviations, the diagonals differ by more than 0.1, or no
+/// candidate fits within four standard deviations.
 ///
 /// Throws Fault of kind argument for frames that check() refuses or that differ in size, a negative
 /// origin, a region that is not within the frame or holds no cell, and numbers that are not finite
