@@ -33,8 +33,7 @@ Frame photograph(const Film& film) {
     for (int column = 0; column < kSide; ++column) {
       const int angle = angles[static_cast<std::size_t>(row % 2 * 2 + column % 2)];
       const double light =
-          film.level / 2 *
-          (1 + film.dolp * std::cos((film.angle - angle) * std::numbers::pi / 90));
+          film.level / 2 * (1 + film.dolp * std::cos((film.angle - angle) * std::numbers::pi / 90));
       const int x = film.mirrored ? kSide - 1 - column : column;
       const double noisy = light + static_cast<double>(random() % 51) - 25;
       frame.samples[pixel_count(kSide, row) + static_cast<std::size_t>(x)] =
@@ -64,9 +63,12 @@ TEST(IdentifyMosaic, TellsAllEightByAKnownTurnAndAngle) {
           const Mosaic mosaic{phase, mirrored ? 0 : origin, 1};
           const Film film{.mosaic = mosaic, .angle = 10, .mirrored = mirrored};
           const double sense = mirrored ? -1 : 1;
-          const MosaicIdentity found = identify_mosaic(
-              photograph(film), photograph(turned(film, sense * turn)),
-              {.turn = turn, .angle_of_first = sense * 10, .x_origin = mosaic.x_origin, .y_origin = 1});
+          const MosaicIdentity found =
+              identify_mosaic(photograph(film), photograph(turned(film, sense * turn)),
+                              {.turn = turn,
+                               .angle_of_first = sense * 10,
+                               .x_origin = mosaic.x_origin,
+                               .y_origin = 1});
           ASSERT_TRUE(found.is_told) << found.verdict;
           EXPECT_EQ(found.candidates[0].phase, mirrored ? kTurnedOver[phase] : phase);
           EXPECT_EQ(found.candidates[0].mirrored, mirrored);
@@ -86,8 +88,8 @@ TEST(IdentifyMosaic, TellsNoMoreThanThereIsToTell) {
     double told_turn;  // as it is told
     double told_angle;
     bool may_be_mirrored;
-    int left;              // candidates of more than a per cent
-    double most;           // confidence of the first
+    int left;     // candidates of more than a per cent
+    double most;  // confidence of the first
     const char* verdict;
   };
   const Film film{.mosaic = {kv_polar_phase_45, 0, 0}, .angle = 0};
@@ -96,8 +98,10 @@ TEST(IdentifyMosaic, TellsNoMoreThanThereIsToTell) {
   dark.level = 0;
   clipped.level = 20000;
   between.angle = 22.5;
-  for (const auto& [name, light, turn, told_turn, told_angle, may_be_mirrored, left, most, verdict] :
-       {Case{"turn alone", film, 45, 45, kUnknown, true, 4, 0.25, "angle of the light in the first"},
+  for (const auto& [name, light, turn, told_turn, told_angle, may_be_mirrored, left, most,
+                    verdict] :
+       {Case{"turn alone", film, 45, 45, kUnknown, true, 4, 0.25,
+             "angle of the light in the first"},
         Case{"turn alone, not mirrored", film, 45, 45, kUnknown, false, 2, 0.5, "45; phase 135"},
         Case{"other sense, not mirrored", film, 45, -45, kUnknown, false, 2, 0.5, "0; phase 90"},
         Case{"turn of 90", film, 90, 90, 0, true, 2, 0.5, "A turn near 45"},

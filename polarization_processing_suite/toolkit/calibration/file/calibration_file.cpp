@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "kv/calibration/calibration_check.h"
+#include "kv/image_files/pending_file.h"
 #include "kv/polarization/fault.h"
 #include "toolkit/api/memory_checks.h"
 #include "toolkit/api/memory_faults.h"
 #include "toolkit/calibration/file/json_archive.h"
 #include "toolkit/calibration/file/npy_map.h"
-#include "toolkit/image_files/input_file.h"
-#include "toolkit/image_files/pending_file.h"
+#include "toolkit/image_files/byte_source.h"
 
 namespace kv::polarization {
 namespace {
@@ -41,13 +41,13 @@ std::string text_of(const Json& json) {
 }
 
 Json parsed(const std::filesystem::path& path) {
-  InputFile file(path);
-  if (file.size() > kGreatestText) {
-    throw Fault(FaultKind::file, "it has " + std::to_string(file.size()) +
+  const SourcePointer file = source_of(open_stream(path));
+  if (file->size() > kGreatestText) {
+    throw Fault(FaultKind::file, "it has " + std::to_string(file->size()) +
                                      " bytes; a calibration has some thousand");
   }
-  std::string text(static_cast<std::size_t>(file.size()), '\0');
-  text.resize(file.read(text.data(), text.size()));
+  std::string text(static_cast<std::size_t>(file->size()), '\0');
+  text.resize(file->read(0, text.data(), text.size()));
   try {
     return Json::parse(text);
   } catch (const Json::parse_error& error) {

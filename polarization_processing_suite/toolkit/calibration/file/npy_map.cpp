@@ -6,7 +6,7 @@
 #include "kv/polarization/fault.h"
 #include "kv/polarization/frame.h"
 #include "toolkit/calibration/file/sha256.h"
-#include "toolkit/image_files/input_file.h"
+#include "toolkit/image_files/byte_source.h"
 
 namespace kv::polarization {
 namespace {
@@ -48,10 +48,10 @@ std::string read_npy_map(const std::filesystem::path& path, int width, int heigh
                          Buffer<Number>& map) {
   const std::string expected = npy_start<Number>(width, height);
   const std::size_t bytes = pixel_count(width, height) * sizeof(Number);
-  InputFile file(path);
+  const SourcePointer file = source_of(open_stream(path));
   std::string start(expected.size(), '\0');
-  if (file.size() != expected.size() + bytes ||
-      file.read(start.data(), start.size()) != start.size() || start != expected) {
+  if (file->size() != expected.size() + bytes ||
+      file->read(0, start.data(), start.size()) != start.size() || start != expected) {
     throw Fault(FaultKind::file, "it is no map of " + std::to_string(width) + " x " +
                                      std::to_string(height) + " pixels as " +
                                      (std::is_same_v<Number, float> ? "float32" : "uint8") +
@@ -59,7 +59,7 @@ std::string read_npy_map(const std::filesystem::path& path, int width, int heigh
                                      " bytes of NPY 1.0; take the one that was saved");
   }
   map.resize(pixel_count(width, height));
-  if (file.read(map.data(), bytes) != bytes) {
+  if (file->read(start.size(), map.data(), bytes) != bytes) {
     throw Fault(FaultKind::file, "it cannot be read to its end; copy it again");
   }
   return sum_of(start, map);

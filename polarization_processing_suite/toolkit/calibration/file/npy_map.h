@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <string>
 
+#include "kv/image_files/pending_file.h"
 #include "kv/polarization/buffer.h"
-#include "toolkit/image_files/pending_file.h"
 
 namespace kv::polarization {
 
