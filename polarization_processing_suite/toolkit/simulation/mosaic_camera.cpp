@@ -4,34 +4,10 @@
 #include <cmath>
 #include <numbers>
 
+#include "toolkit/simulation/random.h"
+
 namespace kv::polarization {
 namespace {
-
-/// The finalizer of splitmix64 (Steele, Lea and Flood, 2014): a random word for every counter. The
-/// standard distributions would give other frames with other standard libraries.
-std::uint64_t random_word(std::uint64_t counter) {
-  std::uint64_t word = counter * 0x9E3779B97F4A7C15;
-  word = (word ^ (word >> 30)) * 0xBF58476D1CE4E5B9;
-  word = (word ^ (word >> 27)) * 0x94D049BB133111EB;
-  return word ^ (word >> 31);
-}
-
-/// A number of mean 0 and variance 1, close to normally distributed: the sum of eight uniform
-/// 16-bit numbers, which is within 4.9 standard deviations.
-double random_normal(std::uint64_t seed, std::uint64_t index) {
-  const std::uint64_t start = random_word(seed) + 2 * index;
-  std::int64_t sum = 0;
-  for (const std::uint64_t word : {random_word(start), random_word(start + 1)}) {
-    for (int shift = 0; shift < 64; shift += 16) {
-      sum += static_cast<std::int64_t>((word >> shift) & 0xFFFF);
-    }
-  }
-  constexpr double mean = 8 * 65535 / 2.0;
-  // A uniform whole number from 0 to 65535 has the variance (65536^2 - 1) / 12.
-  constexpr double variance = 8 * (65536.0 * 65536.0 - 1) / 12;
-  static const double deviation = std::sqrt(variance);
-  return (static_cast<double>(sum) - mean) / deviation;
-}
 
 /// Malus' law for partially polarized light behind an ideal polarizer.
 class Polarizer {

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <Eigen/Dense>
+#include <array>
+
+#include "kv/polarization/noise.h"
+#include "toolkit/calibration/fit/stack.h"
+
+namespace kv::polarization {
+
+/// The sums of one pixel, from PixelSums.
+struct PixelMoments {
+  Eigen::Vector4d moments;
+  double squares;
+};
+
+/// What the pixels of one class have in common in the weighted least squares over a set of frames.
+/// Pixels are fitted to u, the Stokes values that the frame's class means would have between ideal
+/// polarizers: they hold the angle and the level of the lamp, and are linear in the light. A pixel
+/// differs from the mean one of its class by a few per cent; that difference is what is solved.
+class ClassNormal {
+ public:
+  struct Source {
+    const Stack& stack;
+    const ClassValues& black;         ///< class means, counts
+    const ClassResponses& responses;  ///< by which u is turned into the source's light
+    double scale;                     ///< of the regressors, counts
+  };
+
+  /// Over those frames of the stack.
+  ClassNormal(const Source& source, const std::vector<std::size_t>& frames, std::size_t number);
+
+  /// Weights of 1, cos 2t and sin 2t for a pixel of that black level, counts.
+  Eigen::Vector3d response(const PixelMoments& pixel, double black) const;
+  const Eigen::Vector3d& mean_response() const { return mean_light_; }
+
+  /// Weighted sum of squared residuals.
+  double residual(const PixelMoments& pixel, double black) const;
+
+  // Both are linear in the noise: terms of the signal, times counts per electron, and of the dark,
+  // times counts squared.
+  double expected_residual(double gain, double dark_variance) const;
+  Eigen::Matrix3d covariance(double gain, double dark_variance) const;  ///< of the response
+  Eigen::Vector3d black_error() const;  ///< of the response by a black level too low by 1 count
+
+ private:
+  Eigen::Vector3d solve(const PixelMoments& pixel, double black, Eigen::Vector3d& sums) const;
+
+  double mean_black_;
+  Eigen::Vector3d offset_;      // of the regressors against u
+  Eigen::Matrix3d inverse_;     // of the normal matrix, in u
+  Eigen::Vector3d weighted_u_;  // sum of w u
+  double weights_ = 0;          // sum of w
+  Eigen::Matrix3d to_light_;    // from weights of u to those of the source's light
+  Eigen::Vector3d mean_light_;
+  Eigen::Matrix3d signal_covariance_;  // of weights of u
+  Eigen::Matrix3d dark_covariance_;
+  double signal_residual_;
+  double dark_residual_;
+};
+
+}  // namespace kv::polarization

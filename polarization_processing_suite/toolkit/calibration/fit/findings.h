@@ -1,0 +1,28 @@
+#pragma once
+
+#include "kv/calibration/calibration_fit.h"
+#include "toolkit/calibration/fit/sensor_noise.h"
+
+namespace kv::polarization {
+
+/// What the fit learnt beside the calibration.
+struct FitFigures {
+  NoiseSource noise{};
+  double dark_variance = 0;    ///< of a sample, counts squared
+  double black_variance = 0;   ///< of a pixel's black level, counts squared
+  double level_deviation = 0;  ///< of the lamp from a steady drift, a share; with solved angles
+};
+
+/// All that the verdict is made of.
+struct FitEvidence {
+  const PixelGrid& grid;
+  const PixelSums& sums;
+  const Stack& stack;
+  const ClassNormal::Source& source;
+  const FitSettings& settings;
+  const FitFigures& figures;
+};
+
+void add_findings(const FitEvidence& evidence, Calibration& calibration);
+
+}  // namespace kv::polarization

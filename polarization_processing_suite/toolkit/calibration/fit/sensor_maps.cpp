@@ -1,0 +1,205 @@
+#include "toolkit/calibration/fit/sensor_maps.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "kv/calibration/analyser.h"
+#include "toolkit/calibration/fit/robust.h"
+
+namespace kv::polarization {
+namespace {
+
+// A pixel is out of range that far from the median of its class: so many robust deviations, and at
+// least so far.
+constexpr double kDeviations = 7;
+constexpr double kLeastGain = 0.05;  // share of the median
+constexpr double kLeastDiattenuation = 0.05;
+constexpr double kLeastOrientation = 2;  // degrees
+
+constexpr double kDegrees = 90 / std::numbers::pi;  // per radian of a doubled angle
+
+/// From weights of the light to gain in counts, diattenuation and deviation from the nominal angle
+/// by the source. A pixel that no light reaches has neither of the two latter.
+void split_responses(const PixelGrid& grid, double source_dolp, WorkerPool& pool, PixelMaps& maps) {
+  for_pixels(grid, pool, [&](std::size_t pixel, std::size_t number) {
+    const double c0 = maps.gain[pixel];
+    const double c1 = maps.diattenuation[pixel];
+    const double c2 = maps.orientation[pixel];
+    const bool lit = c0 > 0;
+    maps.diattenuation[pixel] =
+        lit ? static_cast<float>(std::hypot(c1, c2) / (c0 * source_dolp)) : 0.0f;
+    maps.orientation[pixel] = lit ? static_cast<float>(half_turn(std::atan2(c2, c1) * kDegrees -
+                                                                 45 * static_cast<double>(number)))
+                                  : 0.0f;
+  });
+}
+
+/// The middle of each class, and how far its pixels may be from it.
+struct Range {
+  double middle;
+  double limit;
+};
+std::array<Range, 4> ranges_of(const PixelGrid& grid, const Buffer<float>& values,
+                               const Buffer<std::uint8_t>& bad, double least, bool is_share) {
+  std::array<Range, 4> ranges{};
+  for (std::size_t number = 0; number < 4; ++number) {
+    const RobustSpread spread = robust_spread(class_values(grid, values, bad, number));
+    ranges[number] = {spread.median, std::max(kDeviations * spread.deviation,
+                                              is_share ? least * spread.median : least)};
+  }
+  return ranges;
+}
+
+bool is_within(const Range& range, float value) {
+  return std::abs(value - range.middle) <= range.limit;
+}
+
+void mark_out_of_range(const PixelGrid& grid, WorkerPool& pool, PixelMaps& maps) {
+  const auto gains = ranges_of(grid, maps.gain, maps.bad, kLeastGain, true);
+  const auto diattenuations =
+      ranges_of(grid, maps.diattenuation, maps.bad, kLeastDiattenuation, false);
+  const auto orientations = ranges_of(grid, maps.orientation, maps.bad, kLeastOrientation, false);
+  for_pixels(grid, pool, [&](std::size_t pixel, std::size_t number) {
+    if (is_within(gains[number], maps.gain[pixel]) &&
+        is_within(diattenuations[number], maps.diattenuation[pixel]) &&
+        is_within(orientations[number], maps.orientation[pixel])) {
+      return;
+    }
+    maps.bad[pixel] = static_cast<std::uint8_t>(maps.bad[pixel] | bad_pixel::out_of_range);
+  });
+}
+
+/// Of the good pixels; 0 without one.
+double good_mean(const Buffer<float>& values, const Buffer<std::uint8_t>& bad) {
+  double sum = 0;
+  double count = 0;
+  for (std::size_t pixel = 0; pixel < values.size(); ++pixel) {
+    if (bad[pixel] != 0) continue;
+    sum += values[pixel];
+    count += 1;
+  }
+  return count > 0 ? sum / count : 0;
+}
+
+/// By first-order propagation of the covariance of a class's responses.
+void fill_errors(const PixelGrid& grid, const std::array<Eigen::Matrix3d, 4>& covariances,
+                 double gain_unit, const Calibration& calibration, WorkerPool& pool,
+                 PixelMaps& maps) {
+  for_pixels(grid, pool, [&](std::size_t pixel, std::size_t number) {
+    const double gain = maps.gain[pixel];
+    if (!(gain > 0)) {
+      maps.gain_error[pixel] = 0;
+      maps.diattenuation_error[pixel] = 0;
+      maps.orientation_error[pixel] = 0;
+      return;
+    }
+    const Eigen::Matrix3d& covariance = covariances[number];
+    const double c0 = gain * gain_unit;
+    const double share = maps.diattenuation[pixel] * calibration.source_dolp;
+    const double twice =
+        (45 * static_cast<double>(number) + maps.orientation[pixel] - calibration.source_offset) /
+        kDegrees;
+    const Eigen::Vector3d along(-share, std::cos(twice), std::sin(twice));
+    const Eigen::Vector3d across(0, -std::sin(twice), std::cos(twice));
+    const double length = std::max(share, 1e-3) * c0;
+    maps.gain_error[pixel] = static_cast<float>(std::sqrt(covariance(0, 0)) / gain_unit);
+    maps.diattenuation_error[pixel] = static_cast<float>(std::sqrt(along.dot(covariance * along)) /
+                                                         (c0 * calibration.source_dolp));
+    maps.orientation_error[pixel] =
+        static_cast<float>(std::sqrt(across.dot(covariance * across)) / length * kDegrees);
+  });
+}
+
+/// Mean, its error by noise, and scatter without noise.
+struct Summary {
+  Measured mean;
+  double scatter = 0;
+};
+
+class Gatherer {
+ public:
+  void add(double value, double error) {
+    sum_ += value;
+    squares_ += value * value;
+    error_squares_ += error * error;
+    count_ += 1;
+  }
+  Summary summary() const {
+    if (count_ == 0) return {};
+    const double mean = sum_ / count_;
+    const double noise = error_squares_ / count_;
+    const double spread = squares_ / count_ - mean * mean;
+    return {{mean, std::sqrt(noise / count_)}, std::sqrt(std::max(0.0, spread - noise))};
+  }
+
+ private:
+  double sum_ = 0;
+  double squares_ = 0;
+  double error_squares_ = 0;
+  double count_ = 0;
+};
+
+}  // namespace
+
+void finish_maps(const PixelGrid& grid, const ClassNormals& normals, const MapNoise& noise,
+                 WorkerPool& pool, Calibration& calibration) {
+  PixelMaps& maps = calibration.maps;
+  split_responses(grid, calibration.source_dolp, pool, maps);
+  mark_out_of_range(grid, pool, maps);
+  const double gain_unit = good_mean(maps.gain, maps.bad);
+  calibration.source_offset = -good_mean(maps.orientation, maps.bad);
+  const double turn = calibration.source_offset;
+  for_pixels(grid, pool, [&](std::size_t pixel, std::size_t) {
+    maps.gain[pixel] = static_cast<float>(maps.gain[pixel] / gain_unit);
+    maps.orientation[pixel] = static_cast<float>(maps.orientation[pixel] + turn);
+  });
+  std::array<Eigen::Matrix3d, 4> covariances;
+  for (std::size_t number = 0; number < 4; ++number) {
+    const Eigen::Vector3d by_black = normals[number].black_error();
+    covariances[number] = normals[number].covariance(noise.gain, noise.dark_variance) +
+                          noise.black_variance * by_black * by_black.transpose();
+  }
+  fill_errors(grid, covariances, gain_unit, calibration, pool, maps);
+}
+
+void summarise(const PixelGrid& grid, double black_variance, Calibration& calibration) {
+  const PixelMaps& maps = calibration.maps;
+  struct Gathered {
+    Gatherer black, gain, diattenuation, orientation;
+    std::uint64_t pixels = 0;
+  };
+  std::array<Gathered, 4> classes;
+  for (int row = 0; row < grid.height; ++row) {
+    for (int column = 0; column < grid.width; ++column) {
+      const std::size_t pixel = pixel_count(grid.width, row) + static_cast<std::size_t>(column);
+      if (maps.bad[pixel] != 0) continue;
+      Gathered& gathered = classes[grid.class_at(row, column)];
+      gathered.black.add(maps.black[pixel], std::sqrt(black_variance));
+      gathered.gain.add(maps.gain[pixel], maps.gain_error[pixel]);
+      gathered.diattenuation.add(maps.diattenuation[pixel], maps.diattenuation_error[pixel]);
+      gathered.orientation.add(maps.orientation[pixel], maps.orientation_error[pixel]);
+      ++gathered.pixels;
+    }
+  }
+  for (std::size_t number = 0; number < 4; ++number) {
+    PixelClass& pixels = calibration.classes[number];
+    const Gathered& gathered = classes[number];
+    const Summary gain = gathered.gain.summary();
+    const Summary diattenuation = gathered.diattenuation.summary();
+    const Summary orientation = gathered.orientation.summary();
+    pixels.nominal_angle = 45 * static_cast<int>(number);
+    pixels.pixels = gathered.pixels;
+    pixels.black = gathered.black.summary().mean;
+    pixels.gain = gain.mean;
+    pixels.diattenuation = diattenuation.mean;
+    pixels.orientation = orientation.mean;
+    pixels.orientation.value += pixels.nominal_angle;
+    pixels.gain_scatter = gain.scatter;
+    pixels.diattenuation_scatter = diattenuation.scatter;
+    pixels.orientation_scatter = orientation.scatter;
+  }
+  calibration.condition = condition_of(analyser_matrix(class_responses(calibration)));
+}
+
+}  // namespace kv::polarization

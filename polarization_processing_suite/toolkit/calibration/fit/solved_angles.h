@@ -1,0 +1,15 @@
+#pragma once
+
+#include <vector>
+
+#include "toolkit/calibration/fit/class_light.h"
+
+namespace kv::polarization {
+
+/// Finds the angles of all frames but the first, in the order of time, from their class means:
+/// writes them to `frames`. See FitSettings::angles_known for what is assumed. Returns the rms
+/// deviation of the light levels from a steady drift, as a share. Throws Fault of kind argument for
+/// frames that do not determine the angles.
+double solve_angles(std::vector<ClassLight>& frames);
+
+}  // namespace kv::polarization
