@@ -252,7 +252,8 @@ ClassValues CalibrationFit::Implementation::fill_black() {
   const std::optional<double> variance =
       polarization::fill_black(grid_, *sums_, darks, *dark_reference_, range(), maps);
   figures_.noise.dark_from_frames = variance.has_value();
-  figures_.dark_variance = variance.value_or(figures_.dark_variance);
+  constexpr double rounding = 1.0 / 12;  // variance that whole counts have at least
+  if (variance) figures_.dark_variance = std::max(rounding, *variance);
   figures_.black_variance = figures_.dark_variance / static_cast<double>(darks);
   return black_classes();
 }
@@ -335,7 +336,9 @@ Calibration CalibrationFit::Implementation::finish(const FrameAgain& again) {
               calibration_);
   summarise(grid_, figures_.black_variance, calibration_);
   fill_records(responses);
-  add_findings({grid_, *sums_, stack_, source, settings_, figures_}, calibration_);
+  add_findings({grid_, *sums_, stack_, source, calibration_.noise.gain, figures_.dark_variance,
+                figures_.black_variance},
+               settings_, figures_, calibration_);
   for (StackEntry& entry : stack_) calibration_.frames.push_back(std::move(entry.record));
   return std::move(calibration_);
 }

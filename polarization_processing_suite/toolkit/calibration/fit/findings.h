@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kv/calibration/calibration_fit.h"
-#include "toolkit/calibration/fit/sensor_noise.h"
+#include "toolkit/calibration/fit/cell_checks.h"
 
 namespace kv::polarization {
 
@@ -13,16 +13,8 @@ struct FitFigures {
   double level_deviation = 0;  ///< of the lamp from a steady drift, a share; with solved angles
 };
 
-/// All that the verdict is made of.
-struct FitEvidence {
-  const PixelGrid& grid;
-  const PixelSums& sums;
-  const Stack& stack;
-  const ClassNormal::Source& source;
-  const FitSettings& settings;
-  const FitFigures& figures;
-};
-
-void add_findings(const FitEvidence& evidence, Calibration& calibration);
+/// Writes the lines of the verdict.
+void add_findings(const FitEvidence& evidence, const FitSettings& settings,
+                  const FitFigures& figures, Calibration& calibration);
 
 }  // namespace kv::polarization

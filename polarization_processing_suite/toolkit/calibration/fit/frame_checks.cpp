@@ -114,7 +114,8 @@ void check_angles(Stack& stack, const FrameLimits& limits) {
               std::max(kDolp, kDeviations * dolp.deviation));
     }
     if (by_angle.excess <= 1 && by_dolp.excess <= 1) return;
-    if (by_angle.excess > by_dolp.excess) {
+    // Light that is hardly polarized has no angle.
+    if (by_dolp.excess <= 1) {
       const std::size_t i = by_angle.place;
       refuse_frame(stack[indices[i]],
                    text("moved: its light is %.2f degrees off its angle, by the other frames",
