@@ -59,12 +59,22 @@ std::size_t distinct_angles(const std::vector<ClassLight>& lights) {
   return distinct.size();
 }
 
-void check_angles_determine(const std::vector<ClassLight>& lights) {
-  const std::size_t distinct = distinct_angles(lights);
+/// Empty if no polarized frame was refused.
+std::string first_refusal(const Stack& stack) {
+  for (const StackEntry& entry : stack) {
+    if (entry.record.kind != FrameKind::polarized || entry.record.used) continue;
+    return " (" + entry.record.name + " cannot be used: " + entry.record.refusal + ")";
+  }
+  return "";
+}
+
+void check_angles_determine(const Stack& stack, const std::vector<ClassLight>& lights, bool known) {
+  const std::size_t distinct = known ? distinct_angles(lights) : lights.size();
   if (distinct < 3) {
     refuse("the polarized frames that can be used have " + std::to_string(distinct) +
-           " different angles; it must be 3 or more, modulo 180 degrees");
+           " different angles; it must be 3 or more, modulo 180 degrees" + first_refusal(stack));
   }
+  if (!known) return;
   if (spread_of_angles(lights) < kLeastSpread) {
     refuse(
         "the angles of the polarized frames are too close to each other to determine the "
@@ -90,7 +100,7 @@ class CalibrationFit::Implementation {
   FrameTerms terms_of(const TileMeans& means);
   void take_out_refused(const FrameAgain& again);
   ClassValues black_classes() const;
-  void find_angles();
+  void find_angles(const ClassValues& black);
   ClassValues fill_black();
   void find_noise(const ClassNormals& normals, const RawSolution& solution, std::size_t frames);
   void mark_clipped();
@@ -229,8 +239,8 @@ ClassValues CalibrationFit::Implementation::black_classes() const {
 }
 
 /// Puts solved angles into the records.
-void CalibrationFit::Implementation::find_angles() {
-  std::vector<ClassLight> lights = class_lights(stack_, black_classes());
+void CalibrationFit::Implementation::find_angles(const ClassValues& black) {
+  std::vector<ClassLight> lights = class_lights(stack_, black);
   figures_.level_deviation = solve_angles(lights);
   const std::vector<std::size_t> frames = used_frames(stack_, FrameKind::polarized);
   for (std::size_t i = 0; i < frames.size(); ++i) stack_[frames[i]].record.angle = lights[i].angle;
@@ -309,11 +319,14 @@ Calibration CalibrationFit::Implementation::finish(const FrameAgain& again) {
   if (used_frames(stack_, FrameKind::polarized).empty()) {
     refuse("the stack has no polarized frames; it must have some at 3 angles or more");
   }
-  check_frames(stack_, {black_classes(), range(), settings_.clipped_share, settings_.angles_known});
-  if (!settings_.angles_known) find_angles();
+  check_frames(stack_, {black_classes(), range(), settings_.clipped_share});
   const ClassValues black = black_classes();
+  check_angles_determine(stack_, class_lights(stack_, black), settings_.angles_known);
+  do {
+    if (!settings_.angles_known) find_angles(black);
+  } while (check_angles(stack_, black) && !settings_.angles_known);
   const std::vector<ClassLight> lights = class_lights(stack_, black);
-  check_angles_determine(lights);
+  check_angles_determine(stack_, lights, true);
   const ClassResponses responses = fit_classes(lights);
   check_phase(responses, settings_.mosaic);
   take_out_refused(again);

@@ -56,7 +56,9 @@ Cell cell_of(const FitEvidence& evidence, const Calibration& calibration,
   for (std::size_t place = 0; place < 4; ++place) {
     const std::size_t number = evidence.grid.numbers[place];
     cell.row(static_cast<Eigen::Index>(number)) =
-        normals[number].response(moments(pixels[place]), calibration.maps.black[pixels[place]]);
+        normals[number]
+            .solve(moments(pixels[place]), calibration.maps.black[pixels[place]])
+            .response;
   }
   return cell;
 }

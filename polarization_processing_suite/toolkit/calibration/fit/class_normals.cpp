@@ -43,24 +43,13 @@ ClassNormal::ClassNormal(const Source& source, const std::vector<std::size_t>& f
   dark_residual_ = weights_ - (inverse_ * dark).trace();
 }
 
-/// The deviation from the class's response, in u; and the sums that it is made of.
-Eigen::Vector3d ClassNormal::solve(const PixelMoments& pixel, double black,
-                                   Eigen::Vector3d& sums) const {
-  sums = pixel.moments.tail<3>() - pixel.moments[0] * offset_ + (mean_black_ - black) * weighted_u_;
-  return inverse_ * sums;
-}
-
-Eigen::Vector3d ClassNormal::response(const PixelMoments& pixel, double black) const {
-  Eigen::Vector3d sums;
-  return mean_light_ + to_light_ * solve(pixel, black, sums);
-}
-
-double ClassNormal::residual(const PixelMoments& pixel, double black) const {
-  Eigen::Vector3d sums;
-  const Eigen::Vector3d deviation = solve(pixel, black, sums);
+ClassNormal::Solution ClassNormal::solve(const PixelMoments& pixel, double black) const {
   const double step = mean_black_ - black;
+  const Eigen::Vector3d sums =
+      pixel.moments.tail<3>() - pixel.moments[0] * offset_ + step * weighted_u_;
+  const Eigen::Vector3d deviation = inverse_ * sums;  // from the class's response, in u
   const double squares = pixel.squares + 2 * step * pixel.moments[0] + step * step * weights_;
-  return std::max(0.0, squares - deviation.dot(sums));
+  return {mean_light_ + to_light_ * deviation, std::max(0.0, squares - deviation.dot(sums))};
 }
 
 double ClassNormal::expected_residual(double gain, double dark_variance) const {

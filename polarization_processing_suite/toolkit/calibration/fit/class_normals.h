@@ -30,12 +30,13 @@ class ClassNormal {
   /// Over those frames of the stack.
   ClassNormal(const Source& source, const std::vector<std::size_t>& frames, std::size_t number);
 
-  /// Weights of 1, cos 2t and sin 2t for a pixel of that black level, counts.
-  Eigen::Vector3d response(const PixelMoments& pixel, double black) const;
+  struct Solution {
+    Eigen::Vector3d response;  ///< weights of 1, cos 2t and sin 2t
+    double residual;           ///< weighted sum of squared residuals
+  };
+  /// For a pixel of that black level, counts.
+  Solution solve(const PixelMoments& pixel, double black) const;
   const Eigen::Vector3d& mean_response() const { return mean_light_; }
-
-  /// Weighted sum of squared residuals.
-  double residual(const PixelMoments& pixel, double black) const;
 
   // Both are linear in the noise: terms of the signal, times counts per electron, and of the dark,
   // times counts squared.
@@ -44,8 +45,6 @@ class ClassNormal {
   Eigen::Vector3d black_error() const;  ///< of the response by a black level too low by 1 count
 
  private:
-  Eigen::Vector3d solve(const PixelMoments& pixel, double black, Eigen::Vector3d& sums) const;
-
   double mean_black_;
   Eigen::Vector3d offset_;      // of the regressors against u
   Eigen::Matrix3d inverse_;     // of the normal matrix, in u

@@ -16,6 +16,9 @@ constexpr double kDolp = 0.005;
 constexpr double kTileShare = 0.002;  // of the level
 constexpr double kTileFactor = 4;     // times the median of the others
 
+constexpr double kMostHot =
+    0.05;  // share of the pixels that may be at the clip level in all frames
+
 constexpr double kDarkShare = 0.01;  // of the range: less light is none
 constexpr double kLevelShare = 0.2;  // of the median of the polarized frames
 
@@ -42,7 +45,7 @@ void check_clipped(Stack& stack, const FrameLimits& limits) {
   }
   for (StackEntry& entry : stack) {
     if (!entry.record.used || entry.record.kind == FrameKind::dark) continue;
-    if (entry.means.clipped_share <= least + limits.clipped_share) continue;
+    if (entry.means.clipped_share <= std::min(kMostHot, least) + limits.clipped_share) continue;
     refuse_frame(entry, text("clipped: %.3g per cent of its pixels are at the clip level, %.3g per "
                              "cent in the stack's best frame",
                              100 * entry.means.clipped_share, 100 * least));
@@ -90,46 +93,6 @@ void look_at(Worst& worst, std::size_t place, double deviation, double limit) {
 }
 
 /// One after the other, as a wrong frame makes others look wrong.
-void check_angles(Stack& stack, const FrameLimits& limits) {
-  for (;;) {
-    const std::vector<std::size_t> indices = used_frames(stack, FrameKind::polarized);
-    const std::vector<ClassLight> lights = class_lights(stack, limits.black);
-    if (indices.size() < kLeastFrames || spread_of_angles(lights) < 0.01) return;
-    const ClassResponses responses = fit_classes(lights);
-    std::vector<double> angles;
-    std::vector<double> dolps;
-    for (const ClassLight& light : lights) {
-      const SeenLight seen = seen_light(responses, light.means);
-      angles.push_back(half_turn(seen.angle - light.angle));
-      dolps.push_back(seen.dolp);
-    }
-    const RobustSpread angle = robust_spread(angles);
-    const RobustSpread dolp = robust_spread(dolps);
-    Worst by_angle;
-    Worst by_dolp;
-    for (std::size_t i = 0; i < indices.size(); ++i) {
-      look_at(by_angle, i, std::abs(angles[i] - angle.median),
-              std::max(kAngle, kDeviations * angle.deviation));
-      look_at(by_dolp, i, std::abs(dolps[i] - dolp.median),
-              std::max(kDolp, kDeviations * dolp.deviation));
-    }
-    if (by_angle.excess <= 1 && by_dolp.excess <= 1) return;
-    // Light that is hardly polarized has no angle.
-    if (by_dolp.excess <= 1) {
-      const std::size_t i = by_angle.place;
-      refuse_frame(stack[indices[i]],
-                   text("moved: its light is %.2f degrees off its angle, by the other frames",
-                        angles[i] - angle.median));
-    } else {
-      const std::size_t i = by_dolp.place;
-      refuse_frame(stack[indices[i]],
-                   text("its light is polarized otherwise than that of the other frames: the "
-                        "degree of polarization is %.3f of theirs",
-                        dolps[i] / dolp.median));
-    }
-  }
-}
-
 void check_tiles(Stack& stack, const FrameLimits& limits) {
   for (;;) {
     const std::vector<std::size_t> indices = used_frames(stack, FrameKind::polarized);
@@ -158,7 +121,47 @@ void check_frames(Stack& stack, const FrameLimits& limits) {
   check_clipped(stack, limits);
   check_levels(stack, limits);
   check_tiles(stack, limits);
-  if (limits.angles_known) check_angles(stack, limits);
+}
+
+bool check_angles(Stack& stack, const ClassValues& black) {
+  // One after the other, as a wrong frame makes others look wrong.
+  for (bool refused = false;; refused = true) {
+    const std::vector<std::size_t> indices = used_frames(stack, FrameKind::polarized);
+    const std::vector<ClassLight> lights = class_lights(stack, black);
+    if (indices.size() < kLeastFrames || spread_of_angles(lights) < 0.01) return refused;
+    const ClassResponses responses = fit_classes(lights);
+    std::vector<double> angles;
+    std::vector<double> dolps;
+    for (const ClassLight& light : lights) {
+      const SeenLight seen = seen_light(responses, light.means);
+      angles.push_back(half_turn(seen.angle - light.angle));
+      dolps.push_back(seen.dolp);
+    }
+    const RobustSpread angle = robust_spread(angles);
+    const RobustSpread dolp = robust_spread(dolps);
+    Worst by_angle;
+    Worst by_dolp;
+    for (std::size_t i = 0; i < indices.size(); ++i) {
+      look_at(by_angle, i, std::abs(angles[i] - angle.median),
+              std::max(kAngle, kDeviations * angle.deviation));
+      look_at(by_dolp, i, std::abs(dolps[i] - dolp.median),
+              std::max(kDolp, kDeviations * dolp.deviation));
+    }
+    if (by_angle.excess <= 1 && by_dolp.excess <= 1) return refused;
+    // Light that is hardly polarized has no angle.
+    if (by_dolp.excess <= 1) {
+      const std::size_t i = by_angle.place;
+      refuse_frame(stack[indices[i]],
+                   text("moved: its light is %.2f degrees off its angle, by the other frames",
+                        angles[i] - angle.median));
+    } else {
+      const std::size_t i = by_dolp.place;
+      refuse_frame(stack[indices[i]],
+                   text("its light is polarized otherwise than that of the other frames: the "
+                        "degree of polarization is %.3f of theirs",
+                        dolps[i] / dolp.median));
+    }
+  }
 }
 
 }  // namespace kv::polarization

@@ -28,12 +28,11 @@ void solve_pixels(const PixelGrid& grid, const PixelSums& sums, const Buffer<flo
   for (Buffer<float>* map : solution.responses) map->resize(grid.pixels());
   solution.residuals.resize(grid.pixels());
   for_pixels(grid, pool, [&](std::size_t pixel, std::size_t number) {
-    const PixelMoments moments = both_halves(sums, pixel);
-    const Eigen::Vector3d response = normals[number].response(moments, black[pixel]);
+    const auto [response, residual] = normals[number].solve(both_halves(sums, pixel), black[pixel]);
     for (Eigen::Index i = 0; i < 3; ++i) {
       (*solution.responses[i])[pixel] = static_cast<float>(response[i]);
     }
-    solution.residuals[pixel] = static_cast<float>(normals[number].residual(moments, black[pixel]));
+    solution.residuals[pixel] = static_cast<float>(residual);
   });
 }
 

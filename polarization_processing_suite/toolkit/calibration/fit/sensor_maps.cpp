@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <string>
 
 #include "kv/calibration/analyser.h"
+#include "kv/polarization/fault.h"
 #include "toolkit/calibration/fit/robust.h"
 
 namespace kv::polarization {
@@ -147,6 +149,12 @@ void finish_maps(const PixelGrid& grid, const ClassNormals& normals, const MapNo
   PixelMaps& maps = calibration.maps;
   split_responses(grid, calibration.source_dolp, pool, maps);
   mark_out_of_range(grid, pool, maps);
+  for (std::size_t number = 0; number < 4; ++number) {
+    if (!class_values(grid, maps.gain, maps.bad, number).empty()) continue;
+    throw Fault(FaultKind::argument, "no pixel behind polarizers of " +
+                                         std::to_string(45 * number) +
+                                         " degrees is good; less light or other frames would help");
+  }
   const double gain_unit = good_mean(maps.gain, maps.bad);
   calibration.source_offset = -good_mean(maps.orientation, maps.bad);
   const double turn = calibration.source_offset;

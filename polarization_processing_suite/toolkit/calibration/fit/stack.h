@@ -31,16 +31,19 @@ std::vector<std::size_t> used_frames(const Stack& stack, FrameKind kind);
 /// Of the polarized frames that are used, in order.
 std::vector<ClassLight> class_lights(const Stack& stack, const ClassValues& black);
 
-/// Marks the frames as not used that are clipped, too dark, dark ones with light, whose light does
-/// not fit their angle, or is spread over the frame otherwise than in the others. Fills what the
-/// records tell of the light, but the deviation of angles without known ones.
 struct FrameLimits {
   ClassValues black;     ///< counts
   double range = 65535;  ///< counts, from black to the clip level
   double clipped_share = 0;
-  bool angles_known = true;
 };
+
+/// Marks the frames as not used that are clipped, too dark, dark ones with light, or whose light is
+/// spread over the frame otherwise than in the others. Fills the levels of the records.
 void check_frames(Stack& stack, const FrameLimits& limits);
+
+/// Marks the polarized frames as not used whose light is not that of their angle, or not as
+/// polarized as the others'. Returns whether there were any.
+bool check_angles(Stack& stack, const ClassValues& black);
 
 /// Rms deviation of a frame's tile means from what its class means tell, by the other frames, as a
 /// share of its level; for each of the used polarized frames in order. Empty for fewer than 5.

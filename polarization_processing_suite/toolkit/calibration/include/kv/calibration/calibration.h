@@ -74,21 +74,24 @@ enum class FrameKind : std::uint8_t {
 struct FrameRecord {
   std::string name;  ///< as it was given, such as its path in the manifest
   FrameKind kind = FrameKind::polarized;
-  double angle = 0;  ///< of the polarizer as given, degrees; 0 for other kinds
+  double angle = 0;  ///< of the polarizer as given or solved, degrees; 0 for other kinds
   bool used = false;
   std::string refusal;         ///< why it was not used; empty if it was
   double level = 0;            ///< mean of the samples, counts above black
-  double angle_deviation = 0;  ///< of its light from `angle` plus the offset, degrees
-  double excess = 0;           ///< rms deviation of its samples from the model over that of noise
+  double angle_deviation = 0;  ///< degrees by which its light is off `angle`, by all frames
+
+  /// Rms deviation of its means over tiles, up to 16 x 16 of each class, from what the other frames
+  /// tell, over that of noise: about 1 for a frame that fits. 0 with fewer than 5 polarized frames.
+  double excess = 0;
 };
 
 /// Each line of the verdict: what was found, what noise alone would give, and what that means.
 struct Finding {
   std::string name;  ///< such as "cross-validation: DoLP"
   double found = 0;
-  double expected = 0;
-  std::string unit;  ///< empty for pure numbers
-  bool good = false;
+  double expected = 0;  ///< 0 where noise has no say
+  std::string unit;     ///< empty for pure numbers
+  bool good = false;    ///< false where a careful user would look twice
   std::string verdict;  ///< one line for people
 };
 
