@@ -98,6 +98,7 @@ class CalibrationFit::Implementation {
   void begin(const FrameView& frame);
   void sum(const FramePart& frame, const StackEntry& entry, double sign);
   FrameTerms terms_of(const TileMeans& means);
+  std::size_t next_half(double angle) const;
   void take_out_refused(const FrameAgain& again);
   ClassValues black_classes() const;
   void find_angles(const ClassValues& black);
@@ -148,14 +149,16 @@ void CalibrationFit::Implementation::begin(const FrameView& frame) {
 void CalibrationFit::Implementation::add(const FrameView& frame, const StackFrame& what) {
   if (finished_) throw Fault(FaultKind::state, "the fit is finished; make another one");
   check_mosaic_frame(frame);
-  if (what.kind == FrameKind::polarized && !std::isfinite(what.angle)) {
+  const bool has_angle =
+      what.kind == FrameKind::polarized && (settings_.angles_known || polarized_ == 0);
+  if (has_angle && !std::isfinite(what.angle)) {
     refuse("the polarizer's angle of " + what.name + " is no number; it must be one in degrees");
   }
   if (!sums_) begin(frame);
   StackEntry entry;
   entry.record.name = what.name;
   entry.record.kind = what.kind;
-  entry.record.angle = what.kind == FrameKind::polarized ? what.angle : 0;
+  entry.record.angle = has_angle ? what.angle : 0;
   if (frame.width != grid_.width || frame.height != grid_.height ||
       frame.bit_depth != calibration_.bit_depth) {
     entry.record.refusal = "it has " + size_of(frame.width, frame.height, frame.bit_depth) +
@@ -172,7 +175,8 @@ void CalibrationFit::Implementation::add(const FrameView& frame, const StackFram
     black_guess_ = vector_of(entry.means.classes).mean();
   } else if (what.kind == FrameKind::polarized) {
     entry.terms = terms_of(entry.means);
-    entry.half = polarized_++ % 2;
+    entry.half = next_half(entry.record.angle);
+    ++polarized_;
   }
   sum(part, entry, 1);
   entry.summed = true;
@@ -193,6 +197,17 @@ FrameTerms CalibrationFit::Implementation::terms_of(const TileMeans& means) {
         unit / noise.variance(static_cast<float>(means.classes[number] - black_guess_));
   }
   return terms;
+}
+
+/// In turns; frames of one angle in turns among themselves, so that both halves have all angles.
+std::size_t CalibrationFit::Implementation::next_half(double angle) const {
+  for (auto entry = stack_.rbegin(); settings_.angles_known && entry != stack_.rend(); ++entry) {
+    if (entry->is(FrameKind::polarized) &&
+        std::abs(half_turn(entry->record.angle - angle)) < kSameAngle) {
+      return 1 - entry->half;
+    }
+  }
+  return polarized_ % 2;
 }
 
 void CalibrationFit::Implementation::sum(const FramePart& frame, const StackEntry& entry,
@@ -241,7 +256,11 @@ ClassValues CalibrationFit::Implementation::black_classes() const {
 /// Puts solved angles into the records.
 void CalibrationFit::Implementation::find_angles(const ClassValues& black) {
   std::vector<ClassLight> lights = class_lights(stack_, black);
-  figures_.level_deviation = solve_angles(lights);
+  std::optional<Eigen::Vector4d> unpolarized;
+  if (!used_frames(stack_, FrameKind::flat).empty()) {
+    unpolarized = vector_of(mean_of(stack_, FrameKind::flat)) - vector_of(black);
+  }
+  figures_.level_deviation = solve_angles(lights, unpolarized);
   const std::vector<std::size_t> frames = used_frames(stack_, FrameKind::polarized);
   for (std::size_t i = 0; i < frames.size(); ++i) stack_[frames[i]].record.angle = lights[i].angle;
 }
@@ -265,6 +284,8 @@ ClassValues CalibrationFit::Implementation::fill_black() {
   constexpr double rounding = 1.0 / 12;  // variance that whole counts have at least
   if (variance) figures_.dark_variance = std::max(rounding, *variance);
   figures_.black_variance = figures_.dark_variance / static_cast<double>(darks);
+  // Samples that scatter by less than a third of a count round to one number for ever.
+  if (variance && *variance < 0.1) figures_.black_variance += rounding;
   return black_classes();
 }
 

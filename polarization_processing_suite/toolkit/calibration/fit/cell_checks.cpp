@@ -52,7 +52,7 @@ template <class Moments>
 Cell cell_of(const FitEvidence& evidence, const Calibration& calibration,
              const ClassNormals& normals, const std::array<std::size_t, 4>& pixels,
              const Moments& moments) {
-  Cell cell;
+  Cell cell = Cell::Zero();
   for (std::size_t place = 0; place < 4; ++place) {
     const std::size_t number = evidence.grid.numbers[place];
     cell.row(static_cast<Eigen::Index>(number)) =
@@ -64,7 +64,7 @@ Cell cell_of(const FitEvidence& evidence, const Calibration& calibration,
 }
 
 Cell mean_cell(const ClassNormals& normals) {
-  Cell cell;
+  Cell cell = Cell::Zero();
   for (std::size_t number = 0; number < 4; ++number) {
     cell.row(static_cast<Eigen::Index>(number)) = normals[number].mean_response();
   }
@@ -73,7 +73,7 @@ Cell mean_cell(const ClassNormals& normals) {
 
 /// Ideal polarizers as the source tells their angles, with the sensor's mean gain.
 Inverse ideal_inverse(const Calibration& calibration, const Cell& mean) {
-  Cell cell;
+  Cell cell = Cell::Zero();
   for (int number = 0; number < 4; ++number) {
     cell.row(number) = light_at(45 * number - calibration.source_offset);
   }
@@ -92,7 +92,7 @@ std::vector<std::size_t> frames_of_half(const Stack& stack, std::size_t half) {
 bool determine(const FitEvidence& evidence, const std::vector<std::size_t>& frames) {
   std::vector<ClassLight> lights;
   for (const std::size_t index : frames) {
-    lights.push_back({{}, evidence.stack[index].record.angle});
+    lights.push_back({Eigen::Vector4d::Zero(), evidence.stack[index].record.angle});
   }
   return frames.size() >= 3 && spread_of_angles(lights) > 0.1;
 }

@@ -33,7 +33,7 @@ std::vector<std::array<std::size_t, 4>> good_cells(const PixelGrid& grid,
 LightErrors uncalibrated_errors(const FitEvidence& evidence, const Calibration& calibration);
 
 struct CrossValidation {
-  LightErrors found;     ///< responses by odd frames, corrected as even ones tell
+  LightErrors found;     ///< responses by one half of the frames, corrected as the other tells
   LightErrors expected;  ///< by the noise of both halves
 };
 

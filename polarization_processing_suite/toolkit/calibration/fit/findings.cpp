@@ -47,8 +47,8 @@ void add_cross_validation(const FitEvidence& evidence, Calibration& calibration)
   const std::optional<CrossValidation> check = cross_validate(evidence, calibration);
   if (!check) {
     calibration.findings.push_back({"cross-validation", 0, 0, "", false,
-                                    "not made: frames of even and of odd number must each have 3 "
-                                    "angles that are spread over half a turn"});
+                                    "not made: each half of the frames must have 3 angles that are "
+                                    "spread over half a turn"});
     return;
   }
   const auto& [found, expected] = *check;
@@ -144,13 +144,16 @@ void add_angles(const FitEvidence& evidence, Calibration& calibration) {
                                "is uneven or loose"});
 }
 
-void add_solved_angles(const FitFigures& figures, Calibration& calibration) {
+void add_solved_angles(const FitEvidence& evidence, const FitFigures& figures,
+                       Calibration& calibration) {
+  const bool has_flats = !used_frames(evidence.stack, FrameKind::flat).empty();
   const double found = figures.level_deviation;
   calibration.findings.push_back(
-      {"solved angles: lamp", found, 0, "", found <= kLevelRepeat,
-       text("rms deviation of the lamp from a steady drift; what of it followed the angle leaves "
-            "up to %.2g degrees in the angles",
-            found * std::sqrt(2.0) * 28.6479)});
+      {"solved angles: lamp", found, 0, "", has_flats || found <= kLevelRepeat,
+       has_flats
+           ? "rms deviation of the lamp from a steady drift; the flats make it harmless"
+           : "rms deviation of the lamp from a steady drift; each per cent of brightness that "
+             "follows the angle unseen leaves 0.3 degrees, and flats would show it"});
 }
 
 void add_bad_pixels(const FitEvidence& evidence, Calibration& calibration) {
@@ -172,7 +175,7 @@ void add_findings(const FitEvidence& evidence, const FitSettings& settings,
   if (settings.angles_known) {
     add_angles(evidence, calibration);
   } else {
-    add_solved_angles(figures, calibration);
+    add_solved_angles(evidence, figures, calibration);
   }
   add_noise(settings, figures, calibration);
   add_black(evidence, settings, calibration);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <numeric>
 #include <string>
 
 #include "toolkit/calibration/fit/robust.h"
@@ -22,8 +23,11 @@ constexpr double kMostHot =
 constexpr double kDarkShare = 0.01;  // of the range: less light is none
 constexpr double kLevelShare = 0.2;  // of the median of the polarized frames
 
-/// Fewer frames do not tell which of them is wrong.
+/// Fewer frames do not tell which of them is wrong: by their tiles, and by their angles.
 constexpr std::size_t kLeastFrames = 6;
+constexpr std::size_t kLeastTurned = 8;
+constexpr std::size_t kFewFrames = 24;
+constexpr std::size_t kLeastTiles = 4;
 
 std::string text(const char* format, double a, double b = 0) {
   char line[160];
@@ -97,6 +101,7 @@ void check_tiles(Stack& stack, const FrameLimits& limits) {
   for (;;) {
     const std::vector<std::size_t> indices = used_frames(stack, FrameKind::polarized);
     if (indices.size() < kLeastFrames) return;
+    if (stack[indices[0]].means.tiles.size() < kLeastTiles) return;
     const std::vector<double> deviations = tile_deviations(stack, limits.black);
     std::vector<double> sorted = deviations;
     const double limit = std::max(kTileShare, kTileFactor * median_of(sorted));
@@ -108,6 +113,64 @@ void check_tiles(Stack& stack, const FrameLimits& limits) {
                       "other frames, by %.2g per cent rms",
                       100 * deviations[worst.place]));
   }
+}
+
+/// How far a frame's light is from what the others tell, over what they allow.
+struct AngleCheck {
+  double angle = 0;  ///< degrees
+  double angle_excess = 0;
+  double dolp = 1;  ///< over that of the others
+  double dolp_excess = 0;
+
+  double excess() const { return std::max(angle_excess, dolp_excess); }
+};
+
+/// Robust for many frames; for few ones, the spread of what a fit with 5 free numbers has left.
+double limit_of(const std::vector<double>& values, double least) {
+  const RobustSpread spread = robust_spread(values);
+  double squares = 0;
+  for (const double value : values) squares += (value - spread.median) * (value - spread.median);
+  const bool few = values.size() < kFewFrames;
+  const double left = static_cast<double>(values.size()) - 5;
+  return std::max(least, kDeviations * (few ? std::sqrt(squares / left) : spread.deviation));
+}
+
+AngleCheck check_by_others(std::vector<ClassLight> lights, std::size_t place) {
+  const ClassLight light = lights[place];
+  lights.erase(lights.begin() + static_cast<std::ptrdiff_t>(place));
+  const ClassResponses responses = fit_classes(lights);
+  std::vector<double> angles;
+  std::vector<double> dolps;
+  for (const ClassLight& other : lights) {
+    const SeenLight seen = seen_light(responses, other.means);
+    angles.push_back(half_turn(seen.angle - other.angle));
+    dolps.push_back(seen.dolp);
+  }
+  const SeenLight seen = seen_light(responses, light.means);
+  const double dolp = robust_spread(dolps).median;
+  AngleCheck check;
+  check.angle = half_turn(seen.angle - light.angle - robust_spread(angles).median);
+  check.angle_excess = std::abs(check.angle) / limit_of(angles, kAngle);
+  check.dolp = seen.dolp / dolp;
+  check.dolp_excess = std::abs(seen.dolp - dolp) / limit_of(dolps, kDolp);
+  return check;
+}
+
+/// The frames to look at: the worst one by the fit of all, or every one of few, where a wrong frame
+/// pulls the fit so far that others look wrong.
+std::vector<std::size_t> suspects(const std::vector<ClassLight>& lights) {
+  std::vector<std::size_t> places(lights.size());
+  std::iota(places.begin(), places.end(), std::size_t{0});
+  if (lights.size() < kFewFrames) return places;
+  const ClassResponses responses = fit_classes(lights);
+  const auto misfit = [&](std::size_t place) {
+    const SeenLight seen = seen_light(responses, lights[place].means);
+    Eigen::Vector3d found = seen.dolp * light_at(seen.angle);
+    found[0] = 1;
+    return (found - light_at(lights[place].angle)).norm();
+  };
+  return {*std::max_element(places.begin(), places.end(),
+                            [&](std::size_t a, std::size_t b) { return misfit(a) < misfit(b); })};
 }
 
 }  // namespace
@@ -128,39 +191,24 @@ bool check_angles(Stack& stack, const ClassValues& black) {
   for (bool refused = false;; refused = true) {
     const std::vector<std::size_t> indices = used_frames(stack, FrameKind::polarized);
     const std::vector<ClassLight> lights = class_lights(stack, black);
-    if (indices.size() < kLeastFrames || spread_of_angles(lights) < 0.01) return refused;
-    const ClassResponses responses = fit_classes(lights);
-    std::vector<double> angles;
-    std::vector<double> dolps;
-    for (const ClassLight& light : lights) {
-      const SeenLight seen = seen_light(responses, light.means);
-      angles.push_back(half_turn(seen.angle - light.angle));
-      dolps.push_back(seen.dolp);
+    if (indices.size() < kLeastTurned || spread_of_angles(lights) < 0.01) return refused;
+    AngleCheck worst;
+    std::size_t worst_place = 0;
+    for (const std::size_t place : suspects(lights)) {
+      const AngleCheck check = check_by_others(lights, place);
+      if (check.excess() <= worst.excess()) continue;
+      worst = check;
+      worst_place = place;
     }
-    const RobustSpread angle = robust_spread(angles);
-    const RobustSpread dolp = robust_spread(dolps);
-    Worst by_angle;
-    Worst by_dolp;
-    for (std::size_t i = 0; i < indices.size(); ++i) {
-      look_at(by_angle, i, std::abs(angles[i] - angle.median),
-              std::max(kAngle, kDeviations * angle.deviation));
-      look_at(by_dolp, i, std::abs(dolps[i] - dolp.median),
-              std::max(kDolp, kDeviations * dolp.deviation));
-    }
-    if (by_angle.excess <= 1 && by_dolp.excess <= 1) return refused;
+    if (worst.excess() <= 1) return refused;
     // Light that is hardly polarized has no angle.
-    if (by_dolp.excess <= 1) {
-      const std::size_t i = by_angle.place;
-      refuse_frame(stack[indices[i]],
-                   text("moved: its light is %.2f degrees off its angle, by the other frames",
-                        angles[i] - angle.median));
-    } else {
-      const std::size_t i = by_dolp.place;
-      refuse_frame(stack[indices[i]],
-                   text("its light is polarized otherwise than that of the other frames: the "
-                        "degree of polarization is %.3f of theirs",
-                        dolps[i] / dolp.median));
-    }
+    refuse_frame(stack[indices[worst_place]],
+                 worst.dolp_excess <= 1
+                     ? text("moved: its light is %.2f degrees off its angle, by the other frames",
+                            worst.angle)
+                     : text("its light is polarized otherwise than that of the other frames: the "
+                            "degree of polarization is %.3f of theirs",
+                            worst.dolp));
   }
 }
 

@@ -21,8 +21,8 @@ class PixelSums {
  public:
   static constexpr std::size_t kMoments = 4;
 
-  /// Weighted sums of deviations times each regressor, and of squared deviations, over the
-  /// polarized frames of even or of odd number.
+  /// Weighted sums of deviations times each regressor, and of squared deviations, over one
+  /// half of the polarized frames.
   struct Half {
     std::array<Buffer<float>, kMoments> moments;
     Buffer<float> squares;

@@ -53,7 +53,8 @@ Eigen::Vector3d fit_level(const Points& points, double& deviation) {
 
 }  // namespace
 
-double solve_angles(std::vector<ClassLight>& frames) {
+double solve_angles(std::vector<ClassLight>& frames,
+                    const std::optional<Eigen::Vector4d>& unpolarized) {
   if (frames.size() < 6) refuse_angles("there are " + std::to_string(frames.size()) + " frames");
   Points points(static_cast<Eigen::Index>(frames.size()), 3);
   for (Eigen::Index i = 0; i < points.rows(); ++i) {
@@ -62,7 +63,12 @@ double solve_angles(std::vector<ClassLight>& frames) {
   points /= points.col(0).mean();
   const Eigen::Matrix3d cone = fit_cone(points);
   double deviation = 0;
-  const Eigen::Vector3d level = fit_level(points, deviation);
+  Eigen::Vector3d level = fit_level(points, deviation);
+  if (unpolarized) {
+    // No S1 and S2 there: of the cone's three squares that of S0 alone is left.
+    level = -(cone * ideal_stokes(*unpolarized));
+    level /= (points * level).mean();
+  }
 
   // With S0 = level^T u, what is left of the scaled cone is S1^2 + S2^2.
   const double scale = -level.dot(cone.fullPivLu().solve(level));
