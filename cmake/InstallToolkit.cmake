@@ -10,10 +10,8 @@ set(toolkit_dir ${PROJECT_SOURCE_DIR}/polarization_processing_suite/toolkit)
 set(toolkit_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kv_polarization)
 
 install(TARGETS ${toolkit_libraries} EXPORT kv_polarization ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-foreach(folder api image_files pictures)
-  if(IS_DIRECTORY ${toolkit_dir}/${folder}/include)
-    install(DIRECTORY ${toolkit_dir}/${folder}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-  endif()
+foreach(folder api calibration image_files pictures)
+  install(DIRECTORY ${toolkit_dir}/${folder}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 endforeach()
 # The headers include it as "planes/plane_list.h", which is found beside them.
 install(FILES ${PROJECT_SOURCE_DIR}/polarization_processing_suite/planes/plane_list.h
@@ -51,3 +49,7 @@ install_pkg_config(kv-pictures
   DESCRIPTION "Pictures of polarization"
   REQUIRES "kv-polarization = ${PROJECT_VERSION}"
   LIBS -lkv_pictures)
+install_pkg_config(kv-calibration
+  DESCRIPTION "Calibration of polarization cameras"
+  REQUIRES "kv-image-files = ${PROJECT_VERSION} kv-pictures = ${PROJECT_VERSION}"
+  LIBS -lkv_calibration)

@@ -28,10 +28,12 @@ $lib/${name}_vector_avx512.so
 $lib/lib$name.so -> lib$name.so.0
 $lib/lib$name.so.$version
 $lib/lib$name.so.0 -> lib$name.so.$version
+$lib/libkv_calibration.a
 $lib/libkv_image_files.a
 $lib/libkv_pictures.a
 $lib/libkv_polarization.a
 $lib/pkgconfig/$name.pc
+$lib/pkgconfig/kv-calibration.pc
 $lib/pkgconfig/kv-image-files.pc
 $lib/pkgconfig/kv-pictures.pc
 $lib/pkgconfig/kv-polarization.pc"
