@@ -1,0 +1,174 @@
+#include "toolkit/calibration/report/chart.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "toolkit/calibration/report/number_text.h"
+
+namespace kv::polarization {
+namespace {
+
+// In units of the SVG, which are about a pixel each on a phone.
+constexpr double kWidth = 340;
+constexpr double kHeight = 220;
+constexpr double kLeft = 52;
+constexpr double kRight = 330;
+constexpr double kTop = 26;
+constexpr double kBottom = 178;
+constexpr double kCrossArm = 3.5;
+
+constexpr double kLongestDecades = 10;
+constexpr double kLargest = 1e100;  ///< that an axis goes to, so that differences stay finite
+
+struct Range {
+  double low = std::numeric_limits<double>::infinity();
+  double high = -std::numeric_limits<double>::infinity();
+};
+
+Range range_of(std::span<const double> values, double above) {
+  Range range;
+  for (const double value : values) {
+    if (!(std::abs(value) <= kLargest) || value <= above) continue;
+    range.low = std::min(range.low, value);
+    range.high = std::max(range.high, value);
+  }
+  return range;
+}
+
+/// 1, 2 or 5 times a power of ten, so that some five of them make the length.
+double tick_distance(double length) {
+  const double rough = length / 5;
+  const double decade = std::pow(10, std::floor(std::log10(rough)));
+  for (const double factor : {1.0, 2.0, 5.0}) {
+    if (factor * decade >= rough) return factor * decade;
+  }
+  return 10 * decade;
+}
+
+}  // namespace
+
+double Axis::place(double value) const {
+  const double share = logarithmic
+                           ? std::log(value / low) / std::log(high / low)
+                           : (value - low) / (high - low);
+  return share > 0 ? std::min(share, 1.0) : 0;
+}
+
+Axis linear_axis(std::string title, std::span<const double> values, double smallest_range) {
+  Range range = range_of(values, -std::numeric_limits<double>::infinity());
+  if (range.low > range.high) range = {0, 0};
+  // Of numbers that large their differences are rounding.
+  const double least = std::max(smallest_range, 1e-9 * std::max(-range.low, range.high));
+  if (!(range.high - range.low >= least)) {
+    const double middle = range.low / 2 + range.high / 2;
+    range = {middle - least / 2, middle + least / 2};
+  }
+  const double step = tick_distance(range.high - range.low);
+  const double first = std::floor(range.low / step + 1e-9);
+  const double last = std::ceil(range.high / step - 1e-9);
+  Axis axis{std::move(title), first * step, last * step, false, {}};
+  const int decimals = static_cast<int>(std::clamp(-std::floor(std::log10(step) + 1e-9), 0.0, 9.0));
+  for (double i = first; i <= last; ++i) {
+    const double value = i * step;
+    axis.ticks.push_back({value, step < 1e6 ? fixed(value, decimals) : significant(value, 2)});
+  }
+  return axis;
+}
+
+Axis decade_axis(std::string title, std::span<const double> values) {
+  Range range = range_of(values, 0);
+  if (range.low > range.high) range = {1, 10};
+  const double last = std::ceil(std::log10(range.high) - 1e-9);
+  double first = std::floor(std::log10(range.low) + 1e-9);
+  first = std::clamp(first, last - kLongestDecades, last - 1);
+  Axis axis{std::move(title), std::pow(10, first), std::pow(10, last), true, {}};
+  for (double power = first; power <= last; ++power) {
+    const double value = std::pow(10, power);
+    axis.ticks.push_back({value, significant(value, 1)});
+  }
+  return axis;
+}
+
+Chart::Chart(HtmlWriter& page, std::string_view description, Axis horizontal, Axis vertical)
+    : page_(page),
+      svg_(page.open("svg", {{"viewBox", "0 0 " + coordinate(kWidth) + " " + coordinate(kHeight)},
+                             {"role", "img"},
+                             {"aria-label", std::string(description)}})),
+      horizontal_(std::move(horizontal)),
+      vertical_(std::move(vertical)) {
+  draw_axes();
+}
+
+double Chart::left_of(double x) const { return kLeft + horizontal_.place(x) * (kRight - kLeft); }
+
+double Chart::top_of(double y) const { return kBottom - vertical_.place(y) * (kBottom - kTop); }
+
+void Chart::draw_axes() {
+  const auto rule = [this](double x1, double y1, double x2, double y2, std::string_view style) {
+    page_.empty("line", {{"x1", coordinate(x1)},
+                         {"y1", coordinate(y1)},
+                         {"x2", coordinate(x2)},
+                         {"y2", coordinate(y2)},
+                         {"class", std::string(style)}});
+  };
+  const auto label = [this](double x, double y, std::string_view style, std::string_view text) {
+    page_.element(
+        "text", text,
+        {{"x", coordinate(x)}, {"y", coordinate(y)}, {"class", std::string(style)}});
+  };
+  for (const Tick& tick : vertical_.ticks) {
+    const double y = top_of(tick.value);
+    rule(kLeft, y, kRight, y, "grid");
+    label(kLeft - 5, y + 4, "end", tick.text);
+  }
+  for (const Tick& tick : horizontal_.ticks) {
+    const double x = left_of(tick.value);
+    rule(x, kBottom, x, kBottom + 4, "axis");
+    label(x, kBottom + 17, "middle", tick.text);
+  }
+  rule(kLeft, kBottom, kRight, kBottom, "axis");
+  label(2, 13, "title", vertical_.title);
+  label((kLeft + kRight) / 2, kHeight - 7, "middle title", horizontal_.title);
+}
+
+std::string Chart::path_through(std::span<const Point> points) const {
+  std::string path;
+  for (const Point& point : points) {
+    if (!std::isfinite(point.x) || !std::isfinite(point.y)) continue;
+    path += (path.empty() ? "M" : "L") + coordinate(left_of(point.x)) + " " +
+            coordinate(top_of(point.y));
+  }
+  return path;
+}
+
+void Chart::line(std::span<const Point> points, std::string_view style) {
+  page_.empty("path", {{"d", path_through(points)}, {"class", "line " + std::string(style)}});
+}
+
+void Chart::area(std::span<const Point> points, std::string_view style) {
+  page_.empty("path", {{"d", path_through(points)}, {"class", std::string(style)}});
+}
+
+void Chart::dot(const Point& point, std::string_view style) {
+  if (!std::isfinite(point.x) || !std::isfinite(point.y)) return;
+  page_.empty("circle", {{"cx", coordinate(left_of(point.x))},
+                         {"cy", coordinate(top_of(point.y))},
+                         {"r", "3"},
+                         {"class", std::string(style)}});
+}
+
+void Chart::cross(const Point& point, std::string_view style) {
+  if (!std::isfinite(point.x) || !std::isfinite(point.y)) return;
+  const double x = left_of(point.x);
+  const double y = top_of(point.y);
+  std::string path;
+  for (const double slope : {-1.0, 1.0}) {
+    path += "M" + coordinate(x - kCrossArm) + " " + coordinate(y - slope * kCrossArm) + "L" +
+            coordinate(x + kCrossArm) + " " + coordinate(y + slope * kCrossArm);
+  }
+  page_.empty("path", {{"d", path}, {"class", "line " + std::string(style)}});
+}
+
+}  // namespace kv::polarization
