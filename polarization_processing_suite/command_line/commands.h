@@ -28,5 +28,7 @@ class Command {
 // Each adds its command to the application, which must outlive it.
 std::unique_ptr<Command> make_transform_command(CLI::App& app);
 std::unique_ptr<Command> make_simulate_command(CLI::App& app);
+std::unique_ptr<Command> make_calibrate_command(CLI::App& app);
+std::unique_ptr<Command> make_identify_command(CLI::App& app);
 
 }  // namespace kv::polarization

@@ -35,8 +35,9 @@ std::vector<std::string> split_list(const std::string& list) {
   return items;
 }
 
-void add_phase(CLI::App& command, int& degrees) {
-  command.add_option("--phase", degrees, "Polarizer behind the sensor's first pixel, in degrees")
+CLI::Option* add_phase(CLI::App& command, int& degrees) {
+  return command
+      .add_option("--phase", degrees, "Polarizer behind the sensor's first pixel, in degrees")
       ->type_name("DEGREES")
       ->check(CLI::IsMember({0, 45, 90, 135}))
       ->capture_default_str();
@@ -51,13 +52,12 @@ void add_bit_depth(CLI::App& command, std::optional<int>& bit_depth) {
       ->check(CLI::Range(1, 16));
 }
 
-MosaicOptions::MosaicOptions(CLI::App& command) {
-  add_phase(command, phase_degrees_);
-  command
-      .add_option_function<std::string>(
+MosaicOptions::MosaicOptions(CLI::App& command)
+    : phase_(add_phase(command, phase_degrees_)),
+      origin_(command.add_option_function<std::string>(
           "--origin", [this](const std::string& text) { parse_origin(text, mosaic_); },
-          "Column and row of the frame's first pixel on the sensor (default 0,0)")
-      ->type_name("X,Y");
+          "Column and row of the frame's first pixel on the sensor (default 0,0)")) {
+  origin_->type_name("X,Y");
 }
 
 Mosaic MosaicOptions::value() const {

@@ -22,12 +22,17 @@ class MosaicOptions {
   explicit MosaicOptions(CLI::App& command);
   Mosaic value() const;
 
+  /// Whether the command line says anything of it.
+  bool given() const { return phase_->count() + origin_->count() > 0; }
+
  private:
+  CLI::Option* phase_;
+  CLI::Option* origin_;
   int phase_degrees_ = 0;
   Mosaic mosaic_{};
 };
 
-void add_phase(CLI::App& command, int& degrees);
+CLI::Option* add_phase(CLI::App& command, int& degrees);
 void add_bit_depth(CLI::App& command, std::optional<int>& bit_depth);
 
 /// --width, --height, --raw-format and --raw-bits.

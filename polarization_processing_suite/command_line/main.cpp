@@ -20,7 +20,8 @@ constexpr const char* kFooter =
     "Examples:\n"
     "  kv-polarize simulate -o frame.png\n"
     "  kv-polarize transform frame.png -o planes\n"
-    "  kv-polarize transform night/*.tif -o planes --phase 90 --planes azimuth,dolp --no-pictures\n"
+    "  kv-polarize calibrate --manifest stack.csv -o camera.json\n"
+    "  kv-polarize transform night/*.tif -o planes --phase 90 --calibration camera.json\n"
     "  kv-polarize transform dump.raw -o planes --width 2448 --height 2048 --raw-format Mono12p\n"
     "\n"
     "Exit status: 0 all went well; 1 a frame or the whole work failed; 2 the command line is "
@@ -42,7 +43,8 @@ int main(int argc, char** argv) {
     app.footer(kFooter);
     app.set_version_flag("--version", "kv-polarize " KV_VERSION);
     app.require_subcommand(1);
-    std::unique_ptr<Command> commands[] = {make_transform_command(app), make_simulate_command(app)};
+    std::unique_ptr<Command> commands[] = {make_transform_command(app), make_simulate_command(app),
+                                           make_calibrate_command(app), make_identify_command(app)};
     try {
       app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

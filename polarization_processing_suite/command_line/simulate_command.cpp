@@ -4,6 +4,7 @@
 #include <string>
 
 #include "command_line/exit_status.h"
+#include "command_line/simulated_stack.h"
 #include "kv/image_files/image_writer.h"
 
 namespace kv::polarization {
@@ -24,11 +25,27 @@ std::string transform_arguments(const SimulateOptions& options, ImageFormat form
   return arguments;
 }
 
+Frame frame_of(const SimulateOptions& options) {
+  const Scene scene(options.width, options.height);
+  if (!options.scatter) return photograph(scene, options.width, options.height, options.camera);
+  return sensor_of(options).take(
+      [&scene](double column, double row) { return scene.at(column, row); }, 0);
+}
+
 }  // namespace
 
 int run_simulate(const SimulateOptions& options) {
-  const Scene scene(options.width, options.height);
-  const Frame frame = photograph(scene, options.width, options.height, options.camera);
+  if (options.calibration_stack) {
+    const std::filesystem::path manifest = write_calibration_stack(options);
+    std::cout << "52 frames of " << options.width << " x " << options.height
+              << " pixels, and what the sensor truly is, in " << options.file.string()
+              << "; next: kv-polarize calibrate --manifest " << manifest.string()
+              << (options.phase_degrees != 0 ? " --phase " + std::to_string(options.phase_degrees)
+                                             : "")
+              << " -o camera.json" << std::endl;
+    return exit_success;
+  }
+  const Frame frame = frame_of(options);
   save_image(options.file, grey_image(frame));
   std::cout << "frame of " << options.width << " x " << options.height << " pixels with "
             << frame.bit_depth << " bits in " << options.file.string()

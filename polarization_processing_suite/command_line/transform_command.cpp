@@ -13,6 +13,8 @@
 #include "command_line/frame_output.h"
 #include "command_line/output_names.h"
 #include "command_line/progress_bar.h"
+#include "kv/calibration/calibration_file.h"
+#include "kv/calibration/frame_corrector.h"
 #include "kv/pictures/picture_kinds.h"
 #include "kv/polarization/fault.h"
 #include "kv/polarization/mean_plane.h"
@@ -27,7 +29,14 @@ constexpr const char* kLoggerLibrary = "kevrinth_qrm_logger";
 class TransformRun {
  public:
   explicit TransformRun(const TransformOptions& options)
-      : options_(options), names_(options.folder, options.files), progress_(options.files.size()) {
+      : options_(options),
+        mosaic_(options.mosaic),
+        names_(options.folder, options.files),
+        progress_(options.files.size()) {
+    if (options.calibration) {
+      calibration_ = load_calibration(*options.calibration);
+      if (!options.mosaic_given) mosaic_ = calibration_->mosaic;
+    }
     if (options.log_level &&
         !platform::is_loaded((std::string(kLoggerLibrary) + platform::kLibrarySuffix).c_str())) {
       throw Fault(FaultKind::argument,
@@ -94,11 +103,11 @@ class TransformRun {
 
   void transform_frame(const std::filesystem::path& file, FrameReader& reader, std::size_t page,
                        const std::string& name) {
-    Frame& frame = frame_;
-    reader.read(page, frame);
+    reader.read(page, frame_);
     for (const std::string& note : reader.notes()) report("warning: " + name + ": " + note);
-    if (options_.bit_depth) frame.bit_depth = *options_.bit_depth;
-    warn_of_excess(frame, name);
+    if (options_.bit_depth) frame_.bit_depth = *options_.bit_depth;
+    warn_of_excess(frame_, name);
+    const Frame& frame = calibration_ ? corrected() : frame_;
     const std::string stem = names_.stem_for(file, page, reader.count());
 
     if (options_.log_level) progress_.hide();
@@ -112,11 +121,20 @@ class TransformRun {
     ++frames_;
   }
 
+  const Frame& corrected() {
+    if (!corrector_ || corrected_.width != frame_.width || corrected_.height != frame_.height) {
+      corrector_.emplace(*calibration_, mosaic_, frame_.width, frame_.height,
+                         CorrectionSettings{.threads = 0});
+    }
+    corrector_->correct(frame_, corrected_);
+    return corrected_;
+  }
+
   void compute_planes(const Frame& frame) {
     planes_.reshape(frame.width, frame.height, options_.planes, options_.output_max);
     if (options_.planes.empty()) return;
     const auto start = std::chrono::steady_clock::now();
-    processor_.transform(frame, options_.mosaic, planes_.views());
+    processor_.transform(frame, mosaic_, planes_.views());
     seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     pixels_ += static_cast<double>(frame.samples.size());
     if (!options_.planes.has(Plane::intensity)) return;
@@ -178,7 +196,7 @@ class TransformRun {
   }
 
   void add_pictures(const Frame& frame, const std::string& stem, FrameOutput& output) {
-    picture_source_.fill(processor_, frame, options_.mosaic, planes_for(options_.pictures));
+    picture_source_.fill(processor_, frame, mosaic_, planes_for(options_.pictures));
     const PictureMaps maps = picture_source_.maps();
     PictureRanges ranges = ranges_of(maps);
     if (options_.dolp_white) ranges.dolp_white = *options_.dolp_white;
@@ -213,6 +231,10 @@ class TransformRun {
   }
 
   const TransformOptions& options_;
+  Mosaic mosaic_;
+  std::optional<Calibration> calibration_;
+  std::optional<FrameCorrector> corrector_;  // for frames of the size of corrected_
+  Frame corrected_;
   OutputNames names_;
   ProgressBar progress_;
   Processor processor_;

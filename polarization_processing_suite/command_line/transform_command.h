@@ -21,6 +21,8 @@ struct TransformOptions {
   std::uint16_t output_max = 65535;
   std::optional<int> bit_depth;  ///< instead of the files' own
   std::optional<RawShape> raw_shape;
+  std::optional<std::filesystem::path> calibration;
+  bool mosaic_given = false;  ///< else a calibration tells it
   ImageFormat format = ImageFormat::pgm;
   std::vector<PictureKind> pictures = {PictureKind::intensity, PictureKind::dolp,
                                        PictureKind::angle};

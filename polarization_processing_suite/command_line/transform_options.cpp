@@ -123,6 +123,10 @@ class TransformCommand : public Command {
         ->type_name("FOLDER")
         ->required();
     add_bit_depth(command_, options_.bit_depth);
+    command_
+        .add_option("--calibration", options_.calibration,
+                    "Correct the frames by what kv-polarize calibrate found of their camera")
+        ->type_name("FILE");
     command_.add_option("--output-max", options_.output_max, "Full scale of the 16-bit planes")
         ->type_name("N")
         ->check(CLI::Range(1, 65535))
@@ -156,6 +160,7 @@ class TransformCommand : public Command {
 
   int run() override {
     options_.mosaic = mosaic_.value();
+    options_.mosaic_given = mosaic_.given();
     options_.raw_shape = raw_shape_.value();
     options_.format = format_named(format_name_).value();
     if (no_pictures_) options_.pictures.clear();

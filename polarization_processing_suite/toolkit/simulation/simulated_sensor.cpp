@@ -73,17 +73,26 @@ SimulatedSensor::SimulatedSensor(const SimulatedSensorSettings& settings) : sett
   }
 }
 
-double SimulatedSensor::electrons_of(std::size_t index, double brightness,
-                                     const SensorLight& light) const {
+double SimulatedSensor::electrons_of(std::size_t index, const Stokes& light) const {
   const auto flaw = static_cast<PixelFlaw>(truth_.flaws[index]);
   if (flaw == PixelFlaw::dead) return 0;
-  const double passed = brightness / 2 *
-                        (truth_.gain[index] * light.stokes.s0 + gain_cos_[index] * light.stokes.s1 +
-                         gain_sin_[index] * light.stokes.s2);
+  const double passed =
+      (truth_.gain[index] * light.s0 + gain_cos_[index] * light.s1 + gain_sin_[index] * light.s2) /
+      2;
   return settings_.full_well * (passed + (flaw == PixelFlaw::hot ? kHotElectrons : 0));
 }
 
 Frame SimulatedSensor::take(const SensorLight& light, std::uint64_t number) const {
+  return take(
+      [&](double column, double) {
+        const double brightness = 1 + light.gradient * ((column + 0.5) / settings_.width - 0.5);
+        return Stokes{brightness * light.stokes.s0, brightness * light.stokes.s1,
+                      brightness * light.stokes.s2};
+      },
+      number);
+}
+
+Frame SimulatedSensor::take(const LightField& light, std::uint64_t number) const {
   Frame frame = make_frame(static_cast<std::uint64_t>(settings_.width),
                            static_cast<std::uint64_t>(settings_.height), settings_.bit_depth);
   const double limit = full_scale(settings_.bit_depth);
@@ -93,8 +102,7 @@ Frame SimulatedSensor::take(const SensorLight& light, std::uint64_t number) cons
   std::size_t index = 0;
   for (int row = 0; row < settings_.height; ++row) {
     for (int column = 0; column < settings_.width; ++column, ++index) {
-      const double brightness = 1 + light.gradient * ((column + 0.5) / settings_.width - 0.5);
-      double electrons = electrons_of(index, brightness, light);
+      double electrons = electrons_of(index, light(column, row));
       if (settings_.temporal_noise) {
         const bool noisy = truth_.flaws[index] == static_cast<std::uint8_t>(PixelFlaw::noisy);
         electrons += (noisy ? kNoisyFactor : 1) * std::sqrt(electrons + read_variance) *

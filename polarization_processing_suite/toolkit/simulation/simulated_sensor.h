@@ -6,7 +6,7 @@
 #include "kv/polarization/buffer.h"
 #include "kv/polarization/frame.h"
 #include "kv/polarization/mosaic.h"
-#include "toolkit/simulation/light.h"
+#include "toolkit/simulation/mosaic_camera.h"
 
 namespace kv::polarization {
 
@@ -67,9 +67,10 @@ class SimulatedSensor {
 
   /// Frames of different numbers have different noise. A dark frame is one of no light.
   Frame take(const SensorLight& light, std::uint64_t number) const;
+  Frame take(const LightField& light, std::uint64_t number) const;
 
  private:
-  double electrons_of(std::size_t index, double brightness, const SensorLight& light) const;
+  double electrons_of(std::size_t index, const Stokes& light) const;
 
   SimulatedSensorSettings settings_;
   SensorTruth truth_;

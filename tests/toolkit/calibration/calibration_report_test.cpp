@@ -1,5 +1,3 @@
-#include "kv/calibration/report.h"
-
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -7,6 +5,7 @@
 #include <regex>
 
 #include "error_of.h"
+#include "kv/calibration/report.h"
 #include "made_up_calibration.h"
 #include "temporary_folder.h"
 #include "toolkit/calibration/report/html_writer.h"
@@ -20,7 +19,8 @@ namespace {
 
 int count_of(const std::string& text, const std::string& part) {
   int count = 0;
-  for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size()) ++count;
+  for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size())
+    ++count;
   return count;
 }
 
@@ -130,7 +130,8 @@ TEST(CalibrationReport, OutlastsNumbersThatAreNone) {
 }
 
 TEST(CalibrationReport, StaysSmallForLargeSensors) {
-  for (const auto& [width, height] : {std::pair(2448, 2048), std::pair(4000, 4000), std::pair(2, 9000)}) {
+  for (const auto& [width, height] :
+       {std::pair(2448, 2048), std::pair(4000, 4000), std::pair(2, 9000)}) {
     Calibration made = made_up_calibration(width, height);
     for (std::size_t i = 0; i < made.maps.bad.size(); i += 37) made.maps.bad[i] = 2;
     made.frames[0].name = std::string(5'000'000, 'x');
@@ -161,8 +162,9 @@ TEST(CalibrationReport, RoundsToWhatTheErrorWarrants) {
   EXPECT_EQ(significant(54321), "54321");
   EXPECT_EQ(count_text(5013504), "5\u202F013\u202F504");
   // A sign of three bytes is not cut.
-  const std::string cut = shortened("a" + std::string(300, 'x') + std::string("€€€€€€€€€€€€€€€€€€€€€€"
-                                    "€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€"));
+  const std::string cut = shortened("a" + std::string(300, 'x') +
+                                    std::string("€€€€€€€€€€€€€€€€€€€€€€"
+                                                "€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€"));
   EXPECT_TRUE(cut.find("… €") != std::string::npos) << cut;
 }
 
@@ -174,7 +176,8 @@ TEST(MeasurementErrors, MeetThoseOfSimulatedPixels) {
   std::normal_distribution<double> normal;
   std::uniform_real_distribution<double> turn(0, std::numbers::pi);
   constexpr double kDegree = std::numbers::pi / 180;
-  for (const auto& [s0, dolp] : {std::pair(3000.0, 0.1), std::pair(300.0, 0.4), std::pair(3000.0, 1.0)}) {
+  for (const auto& [s0, dolp] :
+       {std::pair(3000.0, 0.1), std::pair(300.0, 0.4), std::pair(3000.0, 1.0)}) {
     constexpr int kTrials = 40000;
     double dolp_square = 0, angle_square = 0;
     for (int trial = 0; trial < kTrials; ++trial) {
@@ -184,7 +187,8 @@ TEST(MeasurementErrors, MeetThoseOfSimulatedPixels) {
         const PixelClass& of = made.classes[i];
         const double gain = of.gain.value + of.gain_scatter * normal(random);
         const double blocks = of.diattenuation.value + of.diattenuation_scatter * normal(random);
-        const double at = (of.orientation.value + of.orientation_scatter * normal(random)) * kDegree;
+        const double at =
+            (of.orientation.value + of.orientation_scatter * normal(random)) * kDegree;
         x[i] = gain / 2 * s0 * (1 + blocks * dolp * std::cos(2 * (at - angle)));
         x[i] += std::sqrt(0.37 * x[i] + 0.37 * 0.37 * 2.3 * 2.3 + 1.0 / 12) * normal(random);
       }
@@ -208,7 +212,8 @@ TEST(IndexedImage, IsABitmapOfWholeWords) {
   // another program.
   EXPECT_TRUE(address.starts_with("data:image/bmp;base64,Qk06BAAAAAAAADYEAAAoAAAAAgAAAAEAAAABAAgA"))
       << address.substr(0, 90);
-  EXPECT_TRUE(address.ends_with("AQAAAA==") || address.ends_with("AAEAAAA=") || address.ends_with("AAABAAAA"));
+  EXPECT_TRUE(address.ends_with("AQAAAA==") || address.ends_with("AAEAAAA=") ||
+              address.ends_with("AAABAAAA"));
 }
 
 }  // namespace

@@ -37,8 +37,9 @@ inline kv::polarization::Calibration made_up_calibration(int width, int height) 
 
   const std::size_t pixels = pixel_count(width, height);
   PixelMaps& maps = made.maps;
-  for (Buffer<float>* map : {&maps.black, &maps.gain, &maps.diattenuation, &maps.orientation,
-                             &maps.gain_error, &maps.diattenuation_error, &maps.orientation_error}) {
+  for (Buffer<float>* map :
+       {&maps.black, &maps.gain, &maps.diattenuation, &maps.orientation, &maps.gain_error,
+        &maps.diattenuation_error, &maps.orientation_error}) {
     map->resize(pixels);
   }
   maps.bad.resize(pixels);
@@ -48,8 +49,8 @@ inline kv::polarization::Calibration made_up_calibration(int width, int height) 
   for (std::size_t i = 0; i < pixels; ++i) {
     const auto column = static_cast<int>(i) % width;
     const auto row = static_cast<int>(i) / width;
-    const PixelClass& pixel =
-        made.classes[static_cast<std::size_t>(angles[static_cast<std::size_t>(row % 2 * 2 + column % 2)] / 45)];
+    const PixelClass& pixel = made.classes[static_cast<std::size_t>(
+        angles[static_cast<std::size_t>(row % 2 * 2 + column % 2)] / 45)];
     const double x = 2.0 * column / width - 1;
     const double y = 2.0 * row / height - 1;
     const auto around = [&](double mean, double scatter) {
@@ -77,8 +78,10 @@ inline kv::polarization::Calibration made_up_calibration(int width, int height) 
     made.frames.push_back(frame);
   }
   made.findings = {
-      {"cross-validation: DoLP", 0.00312, 0.00305, "", true, "frames left out are met as noise allows"},
-      {"angles of the frames", 0.0213, 0.0187, "°", true, "the polarizer was where it was said to be"},
+      {"cross-validation: DoLP", 0.00312, 0.00305, "", true,
+       "frames left out are met as noise allows"},
+      {"angles of the frames", 0.0213, 0.0187, "°", true,
+       "the polarizer was where it was said to be"},
   };
   made.camera = "Example P5, serial number 0042";
   made.date = "2024-05-17";

@@ -50,9 +50,8 @@ double tick_distance(double length) {
 }  // namespace
 
 double Axis::place(double value) const {
-  const double share = logarithmic
-                           ? std::log(value / low) / std::log(high / low)
-                           : (value - low) / (high - low);
+  const double share =
+      logarithmic ? std::log(value / low) / std::log(high / low) : (value - low) / (high - low);
   return share > 0 ? std::min(share, 1.0) : 0;
 }
 
@@ -114,9 +113,8 @@ void Chart::draw_axes() {
                          {"class", std::string(style)}});
   };
   const auto label = [this](double x, double y, std::string_view style, std::string_view text) {
-    page_.element(
-        "text", text,
-        {{"x", coordinate(x)}, {"y", coordinate(y)}, {"class", std::string(style)}});
+    page_.element("text", text,
+                  {{"x", coordinate(x)}, {"y", coordinate(y)}, {"class", std::string(style)}});
   };
   for (const Tick& tick : vertical_.ticks) {
     const double y = top_of(tick.value);

@@ -25,8 +25,8 @@ std::string extinction_interval(double diattenuation, double margin) {
 
 std::string condition_text(double condition) {
   if (!std::isfinite(condition) || !(condition > 0)) return "The condition number is unknown.";
-  return "The condition number of the mean measured analyser matrix is " +
-         fixed(condition, 4) + "; four ideal polarizers have √2 = 1.4142. In the "
+  return "The condition number of the mean measured analyser matrix is " + fixed(condition, 4) +
+         "; four ideal polarizers have √2 = 1.4142. In the "
          "worst case, relative errors of the samples come out as so many times larger relative "
          "errors of the Stokes values: this sensor's polarizers cost " +
          percentage(std::max(condition / std::numbers::sqrt2 - 1, 0.0)) +

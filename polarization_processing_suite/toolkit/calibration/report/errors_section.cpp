@@ -58,7 +58,8 @@ void add_error_table(HtmlWriter& page, const Comparison& comparison) {
       const double s0 = share * comparison.largest_s0();
       const Compared errors = comparison.at(s0, dolp);
       table.row({fixed(s0, 0), with_unit(100 * share, "%", share < 1 ? 1 : 3),
-                 significant(dolp, dolp < 1 ? 1 : 2), arrow(errors.before.dolp, errors.after.dolp, ""),
+                 significant(dolp, dolp < 1 ? 1 : 2),
+                 arrow(errors.before.dolp, errors.after.dolp, ""),
                  arrow(errors.before.angle, errors.after.angle, "°")});
     }
   }
@@ -70,8 +71,8 @@ void add_error_chart(HtmlWriter& page, const Comparison& comparison, double Stok
   std::vector<double> sizes;
   std::vector<double> levels;
   for (int i = 0; i <= kDecades * kPointsADecade; ++i) {
-    const double s0 = comparison.largest_s0() *
-                      std::pow(10, static_cast<double>(i) / kPointsADecade - kDecades);
+    const double s0 =
+        comparison.largest_s0() * std::pow(10, static_cast<double>(i) / kPointsADecade - kDecades);
     const Compared errors = comparison.at(s0, kChartDolp);
     const double values[] = {errors.before.*value, errors.after.*value, errors.noise.*value};
     levels.push_back(s0);
@@ -90,9 +91,9 @@ void add_error_chart(HtmlWriter& page, const Comparison& comparison, double Stok
 
 void add_key(HtmlWriter& page) {
   const auto key = page.open("p", {{"class", "key"}});
-  for (const auto& [style, name] : {std::pair("before", "before calibration"),
-                                    std::pair("after", "after calibration"),
-                                    std::pair("noise", "noise alone, which no calibration takes off")}) {
+  for (const auto& [style, name] :
+       {std::pair("before", "before calibration"), std::pair("after", "after calibration"),
+        std::pair("noise", "noise alone, which no calibration takes off")}) {
     const auto entry = page.open("span");
     {
       const auto svg = page.open("svg", {{"viewBox", "0 0 30 10"}, {"aria-hidden", "true"}});
@@ -134,19 +135,19 @@ void add_measurement_errors(HtmlWriter& page, const Calibration& calibration,
   const auto section = page.open("section");
   page.element("h2", "What it means for measurements");
   if (!(comparison.largest_s0() > 0) || !(calibration.noise.gain > 0)) {
-    return page.element("p", "Without a gain above 0, and a clip level above black, errors cannot "
-                             "be told.");
+    return page.element("p",
+                        "Without a gain above 0, and a clip level above black, errors cannot "
+                        "be told.");
   }
   const Compared bright = comparison.at(comparison.largest_s0(), kChartDolp);
-  page.element("p", "In bright light of DoLP " + fixed(kChartDolp, 1) +
-                        ", the error of DoLP in one 2×2 neighbourhood goes from " +
-                        arrow(bright.before.dolp, bright.after.dolp, "") +
-                        ", and that of the angle from " +
-                        arrow(bright.before.angle, bright.after.angle, "°") +
-                        ". Noise alone makes " + significant(bright.noise.dolp, 2) + " and " +
-                        with_unit(bright.noise.angle, "°", 2) +
-                        "; means over regions take noise down, but not what the pixels of a class "
-                        "have in common.");
+  page.element(
+      "p", "In bright light of DoLP " + fixed(kChartDolp, 1) +
+               ", the error of DoLP in one 2×2 neighbourhood goes from " +
+               arrow(bright.before.dolp, bright.after.dolp, "") + ", and that of the angle from " +
+               arrow(bright.before.angle, bright.after.angle, "°") + ". Noise alone makes " +
+               significant(bright.noise.dolp, 2) + " and " + with_unit(bright.noise.angle, "°", 2) +
+               "; means over regions take noise down, but not what the pixels of a class "
+               "have in common.");
   {
     const auto row = page.open("div", {{"class", "row two"}});
     add_error_chart(page, comparison, &StokesErrors::dolp, "Error of DoLP, at DoLP 0.2");

@@ -20,8 +20,8 @@ struct HistogramRange {
 };
 
 /// One for all classes, so that they compare.
-HistogramRange range_of(const PixelProperty& property,
-                        const std::array<PropertySample, 4>& samples, double reference) {
+HistogramRange range_of(const PixelProperty& property, const std::array<PropertySample, 4>& samples,
+                        double reference) {
   HistogramRange range;
   for (const PropertySample& sample : samples) {
     if (sample.values.empty()) continue;

@@ -51,8 +51,8 @@ std::array<ReducedMap, 4> reduced_maps(const Calibration& calibration,
     if (calibration.maps.bad[index] != 0 || !std::isfinite(values[index])) return;
     const int block_row = row / 2 / shape.block;
     const int block_column = column / 2 / shape.block;
-    BlockSum& block = sums[pixel_class][static_cast<std::size_t>(block_row * shape.width +
-                                                                 block_column)];
+    BlockSum& block =
+        sums[pixel_class][static_cast<std::size_t>(block_row * shape.width + block_column)];
     block.sum += property.scale * (values[index] - samples[pixel_class].mean);
     ++block.count;
   });

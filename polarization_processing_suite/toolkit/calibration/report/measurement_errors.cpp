@@ -16,8 +16,7 @@ double square(double value) { return value * value; }
 
 /// What a sample, in units of S0, changes by for a unit of each deviation.
 PixelDeviation response(double dolp, double diattenuation, double cosine, double sine) {
-  return {(1 + diattenuation * dolp * cosine) / 2, dolp * cosine / 2,
-          -diattenuation * dolp * sine};
+  return {(1 + diattenuation * dolp * cosine) / 2, dolp * cosine / 2, -diattenuation * dolp * sine};
 }
 
 double change(const PixelDeviation& response, const PixelDeviation& deviation) {

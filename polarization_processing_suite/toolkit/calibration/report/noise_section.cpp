@@ -34,10 +34,12 @@ std::string capacity_text(const Calibration& calibration, double range) {
 }
 
 void add_levels(HtmlWriter& page, const SensorNoise& noise, double range) {
-  Table table(page, {"Sample above black", "counts", "electrons", "noise, counts", "signal to noise"});
+  Table table(page,
+              {"Sample above black", "counts", "electrons", "noise, counts", "signal to noise"});
   for (const double share : {1.0, 0.5, 0.1, 0.01}) {
     const double counts = share * range;
-    const double scatter = std::sqrt(static_cast<double>(noise.variance(static_cast<float>(counts))));
+    const double scatter =
+        std::sqrt(static_cast<double>(noise.variance(static_cast<float>(counts))));
     table.row({percentage(share, share < 1 ? 1 : 3) + " of the range", fixed(counts, 0),
                significant(counts / noise.gain), significant(scatter),
                significant(counts / scatter)});

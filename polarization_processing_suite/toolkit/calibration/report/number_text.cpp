@@ -31,7 +31,8 @@ int decimals_for(double value, int digits) {
   return std::clamp(digits - 1 - exponent, 0, kMostDecimals);
 }
 
-/// A degree or per cent sign stands as typographers have it: the one at the number, the other apart.
+/// A degree or per cent sign stands as typographers have it: the one at the number, the other
+/// apart.
 std::string unit_behind(std::string_view unit) {
   if (unit.empty() || unit.starts_with("°")) return std::string(unit);
   return "\u00A0" + std::string(unit);

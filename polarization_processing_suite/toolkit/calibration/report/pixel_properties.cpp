@@ -26,7 +26,8 @@ std::array<PropertySample, 4> samples_of(const Calibration& calibration,
   for (PropertySample& sample : samples) sample.values.reserve(values.size() / 4);
   for_each_pixel(calibration, [&](std::size_t pixel_class, int, int, std::size_t index) {
     const double error = errors[index];
-    if (calibration.maps.bad[index] != 0 || !std::isfinite(values[index]) || !std::isfinite(error)) {
+    if (calibration.maps.bad[index] != 0 || !std::isfinite(values[index]) ||
+        !std::isfinite(error)) {
       return;
     }
     samples[pixel_class].values.push_back(values[index]);

@@ -15,8 +15,8 @@ void check(const Calibration& calibration) {
   const int height = calibration.height;
   const std::string size = std::to_string(width) + " x " + std::to_string(height) + " pixels";
   if (width < 2 || height < 2 || width % 2 != 0 || height % 2 != 0) {
-    throw Fault(FaultKind::argument, "a calibration of " + size +
-                                         " cannot be reported; both must be even and above 0");
+    throw Fault(FaultKind::argument,
+                "a calibration of " + size + " cannot be reported; both must be even and above 0");
   }
   const auto check_map = [&](std::size_t values) {
     if (values == pixel_count(width, height)) return;
@@ -35,9 +35,8 @@ void add_head(HtmlWriter& page, const Calibration& calibration) {
   page.empty("meta", {{"charset", "utf-8"}});
   page.empty("meta", {{"name", "viewport"}, {"content", "width=device-width, initial-scale=1"}});
   // Holds browsers to the page's promise, whatever might slip into it.
-  page.empty("meta",
-             {{"http-equiv", "Content-Security-Policy"},
-              {"content", "default-src 'none'; img-src data:; style-src 'unsafe-inline'"}});
+  page.empty("meta", {{"http-equiv", "Content-Security-Policy"},
+                      {"content", "default-src 'none'; img-src data:; style-src 'unsafe-inline'"}});
   page.element("title", "Calibration of " + (calibration.camera.empty()
                                                  ? std::string("a polarization camera")
                                                  : shortened(calibration.camera)));

@@ -17,8 +17,8 @@ std::string verdict_of(const Calibration& calibration) {
   const std::size_t failed = failed_count(calibration);
   if (all == 0) return "Unproven: the calibration has no findings, nothing was checked.";
   if (failed == 0) {
-    return "Good: " + (all == 1 ? "the one finding is" : "all " + count_text(all) +
-                                                             " findings are") +
+    return "Good: " +
+           (all == 1 ? "the one finding is" : "all " + count_text(all) + " findings are") +
            " as expected.";
   }
   std::string names;
@@ -37,17 +37,16 @@ std::string phase_text(const Mosaic& mosaic) {
 }
 
 std::string frames_text(const Calibration& calibration) {
-  const auto used = static_cast<std::size_t>(
-      std::count_if(calibration.frames.begin(), calibration.frames.end(),
-                    [](const FrameRecord& frame) { return frame.used; }));
+  const auto used =
+      static_cast<std::size_t>(std::count_if(calibration.frames.begin(), calibration.frames.end(),
+                                             [](const FrameRecord& frame) { return frame.used; }));
   return count_text(used) + " used, " + count_text(calibration.frames.size() - used) + " refused";
 }
 
 std::string angles_text(const Calibration& calibration) {
   return (calibration.angles_solved ? "found by the fit, but for one"
                                     : "taken as they were given") +
-         std::string("; the source's zero lies ") +
-         with_unit(calibration.source_offset, "°", 4) +
+         std::string("; the source's zero lies ") + with_unit(calibration.source_offset, "°", 4) +
          " counter-clockwise of the sensor's";
 }
 

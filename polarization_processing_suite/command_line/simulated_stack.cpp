@@ -1,0 +1,109 @@
+#include "command_line/simulated_stack.h"
+
+#include <string>
+#include <vector>
+
+#include "kv/image_files/image_writer.h"
+#include "kv/polarization/fault.h"
+
+namespace kv::polarization {
+namespace {
+
+/// S0 that leaves the brightest class of pixels, behind a parallel polarizer, a tenth of its range.
+constexpr double kBrightness = 0.85;
+
+/// A format that records the bit depth, so that nobody has to tell it.
+std::string frame_ending() {
+  return std::string(ending_of(traits_of(ImageFormat::tiff).available() ? ImageFormat::tiff
+                                                                        : ImageFormat::pgm));
+}
+
+class StackWriter {
+ public:
+  StackWriter(const SimulatedSensor& sensor, std::filesystem::path folder)
+      : sensor_(sensor), folder_(std::move(folder)) {}
+
+  void add(const std::string& name, const std::string& kind, const std::string& angle,
+           const SensorLight& light) {
+    const std::string file = name + frame_ending();
+    save_image(folder_ / file, grey_image(sensor_.take(light, ++number_)));
+    manifest_ += file + "," + kind + "," + angle + "\n";
+  }
+
+  std::filesystem::path write_manifest() const {
+    PendingFile file(folder_ / "stack.csv");
+    file.write(manifest_.data(), manifest_.size());
+    file.close();
+    file.publish();
+    return file.target();
+  }
+
+  void write_truth() const {
+    const SensorTruth& truth = sensor_.truth();
+    const auto save = [&](const char* name, const Buffer<float>& values) {
+      save_image(folder_ / (std::string("truth_") + name + ".npy"),
+                 FloatImage{sensor_.settings().width, sensor_.settings().height, 1, values});
+    };
+    save("black", truth.black);
+    save("gain", truth.gain);
+    save("diattenuation", truth.diattenuation);
+    save("orientation", truth.orientation);
+    const std::vector<std::uint16_t> flaws(truth.flaws.begin(), truth.flaws.end());
+    save_image(folder_ / "truth_flaws.npy",
+               GreyImage{sensor_.settings().width, sensor_.settings().height, 8, flaws});
+  }
+
+ private:
+  const SimulatedSensor& sensor_;
+  std::filesystem::path folder_;
+  std::string manifest_ = "file,kind,angle\n";
+  std::uint64_t number_ = 0;
+};
+
+std::string numbered(const std::string& name, int number) {
+  const std::string digits = std::to_string(number);
+  return name + "_" + std::string(3 - digits.size(), '0') + digits;
+}
+
+}  // namespace
+
+SimulatedSensor sensor_of(const SimulateOptions& options) {
+  const double scatter = options.scatter.value_or(0);
+  SimulatedSensorSettings sensor;
+  sensor.width = options.width;
+  sensor.height = options.height;
+  sensor.mosaic.phase = options.camera.phase;
+  sensor.bit_depth = options.camera.bit_depth;
+  sensor.seed = options.camera.seed;
+  sensor.temporal_noise = options.camera.noise;
+  sensor.black_level = full_scale(sensor.bit_depth) / 64.0;
+  sensor.class_gains = {1 - 0.02 * scatter, 1, 1 - 0.02 * scatter, 1};
+  sensor.gain_scatter *= scatter;
+  sensor.diattenuation_scatter *= scatter;
+  sensor.orientation_scatter *= scatter;
+  sensor.bad_share = options.bad_share;
+  return SimulatedSensor(sensor);
+}
+
+std::filesystem::path write_calibration_stack(const SimulateOptions& options) {
+  std::error_code failure;
+  std::filesystem::create_directories(options.file, failure);
+  if (!std::filesystem::is_directory(options.file)) {
+    throw Fault(FaultKind::file, "the folder " + options.file.string() +
+                                     " cannot be made; choose one that you may write to");
+  }
+  const SimulatedSensor sensor = sensor_of(options);
+  StackWriter stack(sensor, options.file);
+  for (int angle = 0; angle < 180; angle += 5) {
+    stack.add(numbered("polarized", angle), "polarized", std::to_string(angle),
+              polarized_light(kBrightness, angle));
+  }
+  for (int number = 0; number < 8; ++number) {
+    stack.add(numbered("dark", number), "dark", "", unpolarized_light(0));
+    stack.add(numbered("flat", number), "flat", "", unpolarized_light(kBrightness));
+  }
+  stack.write_truth();
+  return stack.write_manifest();
+}
+
+}  // namespace kv::polarization
