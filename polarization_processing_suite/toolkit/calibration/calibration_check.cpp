@@ -21,6 +21,7 @@ struct Range {
 // What a pixel behind a polarizer can be at all; the fit marks more of them as bad. A
 // diattenuation is relative to the source's, and its error may take it above 1.
 constexpr Range kGains = {0.05, 20};
+constexpr Range kMeanGains = {0.5, 2};  // it is 1 over all good pixels
 constexpr Range kDiattenuations = {0.02, 1.5};
 constexpr Range kDeviations = {-45, 45};
 constexpr Range kBlacks = {-1000, 65535};
@@ -61,6 +62,12 @@ void check(const PixelClass& all, int angle) {
   check_range("the scatter of gains" + of_class, all.gain_scatter, kErrors);
   check_range("the scatter of diattenuations" + of_class, all.diattenuation_scatter, kErrors);
   check_range("the scatter of orientations" + of_class, all.orientation_scatter, kErrors);
+}
+
+double mean_gain(const Calibration& calibration) {
+  double sum = 0;
+  for (const PixelClass& all : calibration.classes) sum += all.gain.value;
+  return sum / 4;
 }
 
 /// Of the analyser matrix of the class means.
@@ -163,6 +170,7 @@ void check(const Calibration& calibration) {
   for (int index = 0; index < 4; ++index) {
     check(calibration.classes[static_cast<std::size_t>(index)], 45 * index);
   }
+  check_range("the mean gain of the classes", mean_gain(calibration), kMeanGains);
   check_condition(calibration);
   check_maps(calibration);
   check_records(calibration);

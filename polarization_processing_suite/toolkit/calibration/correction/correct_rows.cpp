@@ -85,14 +85,14 @@ class RowCorrector {
       const std::uint16_t* upper = from.upper + 2 * (column - first);
       const std::uint16_t* lower = from.lower + 2 * (column - first);
       if (std::max({upper[0], upper[1], lower[0], lower[1]}) < settings_.clip_level) continue;
-      SpecialCell cell;
+      CellRecord cell;
       cell.column = column;
       cell.coefficients = table_.coefficients(row_, column);
       correct_cell(cell, from, index * kBlockColumns);
     }
   }
 
-  void correct_cell(const SpecialCell& cell, const RowPair<const std::uint16_t*>& from, int begin) {
+  void correct_cell(const CellRecord& cell, const RowPair<const std::uint16_t*>& from, int begin) {
     const int column = 2 * cell.column;
     const std::uint16_t* upper = from.upper + (column - begin);
     const std::uint16_t* lower = from.lower + (column - begin);
@@ -115,7 +115,7 @@ class RowCorrector {
   RowPair<const std::uint16_t*> source_{};
   RowPair<std::uint16_t*> corrected_{};
   RowPair<std::uint8_t*> flags_{};
-  std::span<const SpecialCell> special_;
+  std::span<const CellRecord> special_;
   BlockRow upper_end_, lower_end_, upper_result_, lower_result_;
 };
 

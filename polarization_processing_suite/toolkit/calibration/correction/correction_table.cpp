@@ -8,20 +8,6 @@
 namespace kv::polarization {
 namespace {
 
-std::size_t class_of(int angle) { return static_cast<std::size_t>(angle / 45); }
-
-CellCoefficients coefficients_of(const CellOf<PixelModel>& pixels,
-                                 const CellMatrix<double>& matrix) {
-  CellCoefficients all;
-  for (std::size_t place = 0; place < 4; ++place) {
-    all[place] = static_cast<float>(pixels[place].black);
-    all[kMean + place] = static_cast<float>(matrix.mean[place]);
-    all[kFirst + place] = static_cast<float>(matrix.first[place]);
-    all[kSecond + place] = static_cast<float>(matrix.second[place]);
-  }
-  return all;
-}
-
 /// The greatest of the four results from samples anywhere between 0 and `greatest`.
 double greatest_of(const CellCoefficients& cell, double greatest) {
   double most = 0;
@@ -37,61 +23,6 @@ double greatest_of(const CellCoefficients& cell, double greatest) {
   }
   return most;
 }
-
-/// Cells from the calibration, as a table wants them.
-class CellSource {
- public:
-  CellSource(const Calibration& calibration, const FramePlace& place, bool per_cell)
-      : calibration_(calibration), place_(place), per_cell_(per_cell) {}
-
-  SpecialCell at(int row, int column) const {
-    CellOf<PixelModel> pixels;
-    std::size_t bad_pixels = 0;
-    SpecialCell cell;
-    cell.column = column;
-    for (std::size_t place = 0; place < 4; ++place) {
-      const int y = place < 2 ? 2 * row : second_of_cell(row, place_.height);
-      const int x = place % 2 == 0 ? 2 * column : second_of_cell(column, place_.width);
-      const std::size_t pixel = pixel_count(calibration_.width, place_.row + y) +
-                                static_cast<std::size_t>(place_.column + x);
-      pixels[place] = per_cell_ ? pixel_model(pixel) : class_model(place);
-      if (calibration_.maps.bad[pixel] == 0) continue;
-      ++bad_pixels;
-      cell.bad_place = place;
-      pixels[place] = class_model(place);
-    }
-    const auto matrix = bad_pixels == 0   ? solve(pixels, place_.angles)
-                        : bad_pixels == 1 ? solve_without(cell.bad_place, pixels, place_.angles)
-                                          : std::nullopt;
-    cell.kind = !matrix           ? SpecialCell::Kind::not_solvable
-                : bad_pixels == 1 ? SpecialCell::Kind::one_bad
-                                  : SpecialCell::Kind::outlier;
-    cell.coefficients = coefficients_of(pixels, matrix.value_or(CellMatrix<double>{}));
-    return cell;
-  }
-
-  CellCoefficients of_class_means() const {
-    CellOf<PixelModel> pixels;
-    for (std::size_t place = 0; place < 4; ++place) pixels[place] = class_model(place);
-    return coefficients_of(pixels, solve(pixels, place_.angles).value_or(CellMatrix<double>{}));
-  }
-
- private:
-  PixelModel class_model(std::size_t place) const {
-    const PixelClass& all = calibration_.classes[class_of(place_.angles[place])];
-    return {all.black.value, all.gain.value, all.diattenuation.value,
-            all.orientation.value - place_.angles[place]};
-  }
-  PixelModel pixel_model(std::size_t pixel) const {
-    const PixelMaps& maps = calibration_.maps;
-    return {maps.black[pixel], maps.gain[pixel], maps.diattenuation[pixel],
-            maps.orientation[pixel]};
-  }
-
-  const Calibration& calibration_;
-  const FramePlace& place_;
-  bool per_cell_;
-};
 
 /// How far the matrices of cells lie from the common one.
 struct Spread {
@@ -119,11 +50,23 @@ struct Spread {
   }
 };
 
-/// What a band of rows of a table tells of its scale.
-struct Found {
+/// What a row of cells tells of the scale.
+struct RowExtent {
   Spread spread;
   double greatest_result = 0;
 };
+
+/// Calls work(row) for each of a table's rows, in bands.
+template <class Work>
+void for_rows(WorkerPool& pool, int rows, const Work& work) {
+  const int bands = std::min(pool.threads(), rows);
+  const auto boundary = [&](int band) {
+    return static_cast<int>(std::int64_t{rows} * band / bands);
+  };
+  pool.run(bands, [&](int band) {
+    for (int row = boundary(band); row < boundary(band + 1); ++row) work(row);
+  });
+}
 
 }  // namespace
 
@@ -135,54 +78,59 @@ CorrectionTable::CorrectionTable(const Calibration& calibration, const FramePlac
       scale_{.bit_depth = calibration.bit_depth},
       special_(static_cast<std::size_t>(rows_)) {
   const CellSource source(calibration, place, per_cell);
+  WorkerPool pool(WorkerPool::threads_of(threads));
+  find_scale(source, pool,
+             std::min<int>(calibration.clip_level, full_scale(calibration.bit_depth)));
+  fill(source, pool);
+}
+
+void CorrectionTable::find_scale(const CellSource& source, WorkerPool& pool,
+                                 double greatest_sample) {
   const CellCoefficients means = source.of_class_means();
   for (std::size_t i = kMean; i < kCoefficients; ++i) {
     scale_.common[i] = static_cast<std::int16_t>(std::lround(means[i] * kCommonSteps));
   }
-  WorkerPool pool(std::min(WorkerPool::threads_of(threads), rows_));
-  const auto for_cells = [&](const auto& work) {
-    pool.run(pool.threads(), [&](int band) {
-      const auto boundary = [&](int index) {
-        return static_cast<int>(std::int64_t{rows_} * index / pool.threads());
-      };
-      for (int row = boundary(band); row < boundary(band + 1); ++row) {
-        for (int column = 0; column < columns_; ++column) work(band, row, source.at(row, column));
+  // Row by row, so that sums are the same on any number of threads.
+  std::vector<RowExtent> extents(static_cast<std::size_t>(rows_));
+  for_rows(pool, rows_, [&](int row) {
+    RowExtent extent;
+    for (int column = 0; column < columns_; ++column) {
+      const CellRecord cell = source.at(row, column);
+      if (cell.kind != CellRecord::Kind::all_good) continue;
+      extent.greatest_result =
+          std::max(extent.greatest_result, greatest_of(cell.coefficients, greatest_sample));
+      for (std::size_t i = kMean; i < kCoefficients; ++i) {
+        extent.spread.add(cell.coefficients[i] -
+                          static_cast<float>(scale_.common[i]) / kCommonSteps);
       }
-    });
-  };
-
-  const double greatest_sample =
-      std::min<int>(calibration.clip_level, full_scale(calibration.bit_depth));
-  std::vector<Found> found(static_cast<std::size_t>(pool.threads()));
-  for_cells([&](int band, int, const SpecialCell& cell) {
-    if (cell.kind != SpecialCell::Kind::outlier) return;
-    Found& of_band = found[static_cast<std::size_t>(band)];
-    of_band.greatest_result =
-        std::max(of_band.greatest_result, greatest_of(cell.coefficients, greatest_sample));
-    for (std::size_t i = kMean; i < kCoefficients; ++i) {
-      of_band.spread.add(cell.coefficients[i] -
-                         static_cast<float>(scale_.common[i]) / kCommonSteps);
     }
+    extents[static_cast<std::size_t>(row)] = extent;
   });
   Spread spread;
-  for (const Found& of_band : found) {
-    spread.add(of_band.spread);
-    greatest_result_ = std::max(greatest_result_, of_band.greatest_result);
+  for (const RowExtent& extent : extents) {
+    spread.add(extent.spread);
+    greatest_result_ = std::max(greatest_result_, extent.greatest_result);
   }
   scale_.step = spread.step();
+}
 
-  deviations_.resize(per_cell ? kBlockSize * pixel_count(blocks(), rows_) : kBlockSize);
+void CorrectionTable::fill(const CellSource& source, WorkerPool& pool) {
+  deviations_.resize(per_cell_ ? kBlockSize * pixel_count(blocks(), rows_) : kBlockSize);
   std::fill(deviations_.begin(), deviations_.end(), std::int16_t{0});
-  if (!per_cell) {
+  if (!per_cell_) {
+    const CellCoefficients means = source.of_class_means();
     for (std::size_t cell = 0; cell < kBlockCells; ++cell) store(means, deviations_.data(), cell);
   }
-  for_cells([&](int, int row, const SpecialCell& cell) {
-    if (cell.kind == SpecialCell::Kind::outlier) {
-      std::int16_t* block = deviations_.data() + start_of_block(row, cell.column / kBlockCells);
-      const auto cell_place = static_cast<std::size_t>(cell.column % kBlockCells);
-      if (!per_cell_ || store(cell.coefficients, block, cell_place)) return;
+  for_rows(pool, rows_, [&](int row) {
+    for (int column = 0; column < columns_; ++column) {
+      const CellRecord cell = source.at(row, column);
+      if (cell.kind == CellRecord::Kind::all_good) {
+        std::int16_t* block = deviations_.data() + start_of_block(row, column / kBlockCells);
+        const auto place = static_cast<std::size_t>(column % kBlockCells);
+        if (!per_cell_ || store(cell.coefficients, block, place)) continue;
+      }
+      special_[static_cast<std::size_t>(row)].push_back(cell);
     }
-    special_[static_cast<std::size_t>(row)].push_back(cell);
   });
 }
 

@@ -4,40 +4,13 @@
 #include <span>
 #include <vector>
 
-#include "kv/calibration/calibration.h"
 #include "kv/polarization/buffer.h"
 #include "kv/polarization/frame.h"
-#include "toolkit/calibration/correction/coefficient_blocks.h"
+#include "toolkit/calibration/correction/cell_source.h"
 
 namespace kv::polarization {
 
-/// A cell that its block does not hold.
-struct SpecialCell {
-  enum class Kind : std::uint8_t {
-    outlier,      ///< coefficients beyond the block's range
-    one_bad,      ///< `bad_place` has coefficients of 0
-    not_solvable  ///< black levels alone
-  };
-
-  int column = 0;  ///< of cells
-  Kind kind = Kind::outlier;
-  std::size_t bad_place = 0;
-  CellCoefficients coefficients{};
-};
-
-/// Place and size of the frames within the calibrated region.
-struct FramePlace {
-  int column;
-  int row;
-  int width;
-  int height;
-  CellAngles angles;  ///< of the frame's first cell
-};
-
-/// The row or column of a cell's second pixels: at an odd edge the ones before take the place.
-constexpr int second_of_cell(int cell, int size) {
-  return 2 * cell + 1 < size ? 2 * cell + 1 : size - 2;
-}
+class WorkerPool;
 
 /// What all cells of a frame are corrected with.
 class CorrectionTable {
@@ -54,11 +27,11 @@ class CorrectionTable {
     return deviations_.data() + start_of_block(row, index);
   }
 
-  /// Coefficients of a cell that is not special.
+  /// Coefficients of a cell that a block holds.
   CellCoefficients coefficients(int row, int column) const;
 
-  /// From left to right.
-  std::span<const SpecialCell> special_cells(int row) const {
+  /// Those that no block holds, from left to right: of bad pixels, and outliers.
+  std::span<const CellRecord> special_cells(int row) const {
     return special_[static_cast<std::size_t>(row)];
   }
 
@@ -70,6 +43,9 @@ class CorrectionTable {
     if (!per_cell_) return 0;
     return kBlockSize * (pixel_count(blocks(), row) + static_cast<std::size_t>(index));
   }
+  void find_scale(const CellSource& source, WorkerPool& pool, double greatest_sample);
+  void fill(const CellSource& source, WorkerPool& pool);
+
   /// Returns whether the cell fits into a block; what does not is not stored.
   bool store(const CellCoefficients& coefficients, std::int16_t* block, std::size_t cell) const;
 
@@ -79,7 +55,7 @@ class CorrectionTable {
   CoefficientScale scale_;
   double greatest_result_ = 0;
   Buffer<std::int16_t> deviations_;  // of blocks; of a single one for all if not per cell
-  std::vector<std::vector<SpecialCell>> special_;  // of each row of cells
+  std::vector<std::vector<CellRecord>> special_;  // of each row of cells
 };
 
 }  // namespace kv::polarization

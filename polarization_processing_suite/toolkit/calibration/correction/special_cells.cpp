@@ -45,9 +45,9 @@ bool encode(const CellOf<double>& values, const OutputScale& output,
 
 }  // namespace
 
-CorrectedCell correct_special(const SpecialCell& cell, const CellOf<std::uint16_t>& samples,
+CorrectedCell correct_special(const CellRecord& cell, const CellOf<std::uint16_t>& samples,
                               std::uint16_t clip_level, bool rescue, const OutputScale& output) {
-  using Kind = SpecialCell::Kind;
+  using Kind = CellRecord::Kind;
   CellOf<double> counts;
   std::size_t clipped = 0;
   std::size_t clipped_place = 0;
@@ -59,7 +59,7 @@ CorrectedCell correct_special(const SpecialCell& cell, const CellOf<std::uint16_
     clipped_place = place;
   }
   const auto flag = [](bool holds, quality::Flag bit) { return holds ? bit : 0; };
-  const bool has_bad = cell.kind != Kind::outlier;
+  const bool has_bad = cell.kind != Kind::all_good;
   CorrectedCell corrected{};
   corrected.flags = static_cast<std::uint8_t>(flag(clipped != 0, quality::clipped) |
                                               flag(has_bad, quality::bad_pixel));

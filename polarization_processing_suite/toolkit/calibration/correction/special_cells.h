@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "toolkit/calibration/correction/correction_table.h"
+#include "toolkit/calibration/correction/cell_source.h"
 
 namespace kv::polarization {
 
@@ -12,7 +12,7 @@ struct CorrectedCell {
 };
 
 /// A cell whose samples reach `clip_level`, or that its block does not hold.
-CorrectedCell correct_special(const SpecialCell& cell, const CellOf<std::uint16_t>& samples,
+CorrectedCell correct_special(const CellRecord& cell, const CellOf<std::uint16_t>& samples,
                               std::uint16_t clip_level, bool rescue, const OutputScale& output);
 
 }  // namespace kv::polarization
