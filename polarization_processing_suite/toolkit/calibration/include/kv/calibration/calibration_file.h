@@ -10,7 +10,8 @@ namespace kv::polarization {
 // map as NAME.MAP.npy, where MAP is black, gain, diattenuation, orientation, gain_error,
 // diattenuation_error, orientation_error (float32) or bad (uint8). The JSON names them with their
 // SHA-256, so that maps and values of different calibrations are never mixed up. numpy.load reads
-// the maps; whoever changes one has to change its sum.
+// the maps; whoever changes one has to change its sum. Saving and loading take some 0.2 seconds a
+// megapixel each, mostly for the sums.
 
 /// Writes one, in place of one of the same name. All files are complete under temporary names
 /// before any gets its own, the JSON last; if that fails half-way, maps that do not belong to the

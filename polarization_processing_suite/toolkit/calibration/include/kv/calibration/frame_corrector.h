@@ -53,7 +53,8 @@ struct CorrectionSettings {
 /// - one clipped sample: likewise, when settings ask for it. `clipped` and `rescued`
 /// - other clipped samples, or results beyond the range: all four become 65535, so that whoever
 ///   takes that for the clip level knows them. `clipped`, and `bad_pixel` if there is one, too
-/// - more bad pixels: less their black levels, else left as they are. `bad_pixel`
+/// - more bad pixels: less their black levels, else left as they are. `bad_pixel`.
+///   Maps do not know these cells; join their quality with the flags.
 ///
 /// Threads: one thread at a time uses a corrector; several work side by side.
 ///
@@ -62,9 +63,9 @@ struct CorrectionSettings {
 /// classes: their resolution() follows their scatter, some 5e-6 for one of 1 per cent. The few
 /// cells further out are kept apart in floats. Results are rounded by the thread's rounding mode.
 ///
-/// Memory: 8 bytes a pixel. Time: 1.6 times the copy of these and the frames on one thread, 3.5 ms
-/// for 5 megapixels on a server of 2023; frames with many clipped samples, up to 0.1 microseconds
-/// more for each.
+/// Memory: 8 bytes a pixel. Time: some 1.7 times the copy of these and the frames on one
+/// thread, 3.5 ms for 5 megapixels on a server of 2023; frames with many clipped samples, up to 0.1
+/// microseconds more for each.
 class FrameCorrector {
  public:
   /// For frames of that place and size within the calibrated region. It keeps nothing of the
