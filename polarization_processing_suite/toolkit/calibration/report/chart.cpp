@@ -20,6 +20,8 @@ constexpr double kBottom = 178;
 constexpr double kCrossArm = 3.5;
 
 constexpr double kLongestDecades = 10;
+constexpr double kEndsATick = 5;    ///< places between two ticks where an axis can end
+constexpr double kSlack = 1e-9;     ///< for quotients that should be whole
 constexpr double kLargest = 1e100;  ///< that an axis goes to, so that differences stay finite
 
 struct Range {
@@ -47,6 +49,20 @@ double tick_distance(double length) {
   return 10 * decade;
 }
 
+/// 1, 2 or 5 times a power of ten, three a decade: 0 is 1, 4 is 20, -1 is 0.5.
+double round_number(int third) {
+  const int decade = static_cast<int>(std::floor(third / 3.0));
+  constexpr double kFactors[] = {1, 2, 5};
+  return kFactors[third - 3 * decade] * std::pow(10, decade);
+}
+
+/// The largest round number up to the value.
+int third_below(double value) {
+  int third = 3 * static_cast<int>(std::floor(std::log10(value)));
+  while (round_number(third + 1) <= value * (1 + kSlack)) ++third;
+  return third;
+}
+
 }  // namespace
 
 double Axis::place(double value) const {
@@ -65,10 +81,16 @@ Axis linear_axis(std::string title, std::span<const double> values, double small
     range = {middle - least / 2, middle + least / 2};
   }
   const double step = tick_distance(range.high - range.low);
-  const double first = std::floor(range.low / step + 1e-9);
-  const double last = std::ceil(range.high / step - 1e-9);
-  Axis axis{std::move(title), first * step, last * step, false, {}};
-  const int decimals = static_cast<int>(std::clamp(-std::floor(std::log10(step) + 1e-9), 0.0, 9.0));
+  const double end_step = step / kEndsATick;
+  Axis axis{std::move(title),
+            end_step * std::floor(range.low / end_step + kSlack),
+            end_step * std::ceil(range.high / end_step - kSlack),
+            false,
+            {}};
+  const double first = std::ceil(axis.low / step - kSlack);
+  const double last = std::floor(axis.high / step + kSlack);
+  const int decimals =
+      static_cast<int>(std::clamp(-std::floor(std::log10(step) + kSlack), 0.0, 9.0));
   for (double i = first; i <= last; ++i) {
     const double value = i * step;
     axis.ticks.push_back({value, step < 1e6 ? fixed(value, decimals) : significant(value, 2)});
@@ -76,16 +98,19 @@ Axis linear_axis(std::string title, std::span<const double> values, double small
   return axis;
 }
 
-Axis decade_axis(std::string title, std::span<const double> values) {
+Axis logarithmic_axis(std::string title, std::span<const double> values) {
   Range range = range_of(values, 0);
   if (range.low > range.high) range = {1, 10};
-  const double last = std::ceil(std::log10(range.high) - 1e-9);
-  double first = std::floor(std::log10(range.low) + 1e-9);
-  first = std::clamp(first, last - kLongestDecades, last - 1);
-  Axis axis{std::move(title), std::pow(10, first), std::pow(10, last), true, {}};
-  for (double power = first; power <= last; ++power) {
-    const double value = std::pow(10, power);
-    axis.ticks.push_back({value, significant(value, 1)});
+  range.low = std::max(range.low, range.high / std::pow(10, kLongestDecades));
+  // In thirds of a decade, which begin at 1, 2 and 5.
+  const int first = third_below(range.low);
+  int last = third_below(range.high);
+  if (last == first || round_number(last) < range.high * (1 - kSlack)) ++last;
+  Axis axis{std::move(title), round_number(first), round_number(last), true, {}};
+  const bool decades_alone = last - first > 7;
+  for (int third = first; third <= last; ++third) {
+    if (decades_alone && third % 3 != 0) continue;
+    axis.ticks.push_back({round_number(third), significant(round_number(third), 1)});
   }
   return axis;
 }

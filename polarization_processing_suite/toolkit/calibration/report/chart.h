@@ -26,12 +26,14 @@ struct Axis {
   double place(double value) const;
 };
 
-/// Takes all finite values in, with ends and ticks at round numbers. Values that hardly differ get
+/// Takes all finite values in, with ticks at round numbers, and ends at fifths
+/// between them. Values that hardly differ get
 /// a range of `smallest_range` about them.
 Axis linear_axis(std::string title, std::span<const double> values, double smallest_range);
 
-/// Whole decades that take in all finite values above 0, up to ten of them.
-Axis decade_axis(std::string title, std::span<const double> values);
+/// Takes all finite values above 0 in, up to ten decades, with ends at 1, 2 or 5 times a power of
+/// ten.
+Axis logarithmic_axis(std::string title, std::span<const double> values);
 
 struct Point {
   double x = 0;

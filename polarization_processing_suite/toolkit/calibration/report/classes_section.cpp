@@ -28,7 +28,7 @@ std::string condition_text(double condition) {
   return "The condition number of the mean measured analyser matrix is " + fixed(condition, 4) +
          "; four ideal polarizers have √2 = 1.4142. In the "
          "worst case, relative errors of the samples come out as so many times larger relative "
-         "errors of the Stokes values: this sensor's polarizers cost " +
+         "errors of the Stokes values: this sensor's polarizers cost up to " +
          percentage(std::max(condition / std::numbers::sqrt2 - 1, 0.0)) +
          " of precision against ideal ones.";
 }
@@ -64,7 +64,7 @@ void add_classes(HtmlWriter& page, const Calibration& calibration) {
     for (const PixelClass& pixels : calibration.classes) {
       table.row({class_name(pixels), count_text(pixels.pixels), with_error(pixels.gain),
                  percentage(pixels.gain_scatter), with_error(pixels.diattenuation),
-                 percentage(pixels.diattenuation_scatter), with_error(pixels.orientation, "°"),
+                 significant(pixels.diattenuation_scatter, 2), with_error(pixels.orientation, "°"),
                  with_unit(pixels.orientation_scatter, "°", 2)});
     }
   }

@@ -8,14 +8,16 @@
 namespace kv::polarization {
 namespace {
 
-constexpr double kChartDolp = 0.2;
+constexpr double kShownDolp = 0.2;
 constexpr int kPointsADecade = 8;
-constexpr int kDecades = 3;
+constexpr int kDecades = 2;
+
+/// Of a mean in which noise counts for a tenth.
+constexpr int kManyFrames = 100;
 
 struct Compared {
   StokesErrors before;
   StokesErrors after;
-  StokesErrors noise;  ///< what a perfect calibration would leave
 };
 
 class Comparison {
@@ -24,7 +26,6 @@ class Comparison {
       : noise_(calibration.noise),
         before_(uncalibrated(calibration)),
         after_(calibrated(calibration, samples)) {
-    perfect_.diattenuation = after_.diattenuation;
     double black = 0;
     for (const PixelClass& pixels : calibration.classes) black += pixels.black.value / 4;
     largest_s0_ = calibration.clip_level - black;
@@ -33,73 +34,81 @@ class Comparison {
   /// Counts: at a DoLP of 1 the brightest pixel is at the clip level.
   double largest_s0() const { return largest_s0_; }
 
-  Compared at(double s0, double dolp) const {
-    return {errors_of(before_, noise_, s0, dolp), errors_of(after_, noise_, s0, dolp),
-            errors_of(perfect_, noise_, s0, dolp)};
+  Compared at(const Measurement& measurement) const {
+    return {errors_of(before_, noise_, measurement), errors_of(after_, noise_, measurement)};
   }
 
  private:
   SensorNoise noise_;
   CellDeviations before_;
   CellDeviations after_;
-  CellDeviations perfect_;
   double largest_s0_ = 0;
 };
 
-std::string arrow(double before, double after, std::string_view unit) {
+std::string arrow(double before, double after, std::string_view unit = {}) {
   return with_unit(before, unit, 2) + " → " + with_unit(after, unit, 2);
 }
 
 void add_error_table(HtmlWriter& page, const Comparison& comparison) {
-  Table table(page, {"S₀, counts", "of the range", "DoLP", "DoLP error, before → after",
-                     "Angle error, before → after"});
+  Table table(page, {"S₀, counts", "of the range", "DoLP", "DoLP error, one frame", "100 frames",
+                     "Angle error, one frame", "100 frames"});
   for (const double share : {1.0, 0.1, 0.01}) {
-    for (const double dolp : {0.05, 0.3, 1.0}) {
+    for (const double dolp : {0.05, 0.2, 1.0}) {
       const double s0 = share * comparison.largest_s0();
-      const Compared errors = comparison.at(s0, dolp);
+      const Compared one = comparison.at({s0, dolp, 1});
+      const Compared many = comparison.at({s0, dolp, kManyFrames});
       table.row({fixed(s0, 0), with_unit(100 * share, "%", share < 1 ? 1 : 3),
-                 significant(dolp, dolp < 1 ? 1 : 2),
-                 arrow(errors.before.dolp, errors.after.dolp, ""),
-                 arrow(errors.before.angle, errors.after.angle, "°")});
+                 significant(dolp, dolp < 1 ? 1 : 2), arrow(one.before.dolp, one.after.dolp),
+                 arrow(many.before.dolp, many.after.dolp),
+                 arrow(one.before.angle, one.after.angle, "°"),
+                 arrow(many.before.angle, many.after.angle, "°")});
     }
   }
 }
 
+struct ErrorLine {
+  StokesErrors Compared::*state;
+  int frames;
+  std::string_view style;
+  std::string_view name;
+};
+constexpr std::array<ErrorLine, 4> kErrorLines{{
+    {&Compared::before, 1, "before", "before, one frame"},
+    {&Compared::after, 1, "after", "after, one frame"},
+    {&Compared::before, kManyFrames, "before averaged", "before, mean of 100 frames"},
+    {&Compared::after, kManyFrames, "after averaged", "after, mean of 100 frames"},
+}};
+
 void add_error_chart(HtmlWriter& page, const Comparison& comparison, double StokesErrors::*value,
                      const std::string& title) {
-  std::array<std::vector<Point>, 3> lines;
+  std::array<std::vector<Point>, kErrorLines.size()> lines;
   std::vector<double> sizes;
   std::vector<double> levels;
   for (int i = 0; i <= kDecades * kPointsADecade; ++i) {
-    const double s0 =
-        comparison.largest_s0() * std::pow(10, static_cast<double>(i) / kPointsADecade - kDecades);
-    const Compared errors = comparison.at(s0, kChartDolp);
-    const double values[] = {errors.before.*value, errors.after.*value, errors.noise.*value};
+    const double decade = static_cast<double>(i) / kPointsADecade - kDecades;
+    const double s0 = comparison.largest_s0() * std::pow(10, decade);
     levels.push_back(s0);
     for (std::size_t j = 0; j < lines.size(); ++j) {
-      lines[j].push_back({s0, values[j]});
-      sizes.push_back(values[j]);
+      const Compared errors = comparison.at({s0, kShownDolp, kErrorLines[j].frames});
+      lines[j].push_back({s0, errors.*kErrorLines[j].state.*value});
+      sizes.push_back(lines[j].back().y);
     }
   }
   const auto figure = page.open("figure");
-  Chart chart(page, title + " against S0, before and after calibration",
-              decade_axis("S₀, counts", levels), decade_axis(title, sizes));
-  chart.line(lines[2], "noise");
-  chart.line(lines[0], "before");
-  chart.line(lines[1], "after");
+  Chart chart(page, title + " against S₀, before and after calibration",
+              logarithmic_axis("S₀, counts", levels), logarithmic_axis(title, sizes));
+  for (std::size_t j = 0; j < lines.size(); ++j) chart.line(lines[j], kErrorLines[j].style);
 }
 
 void add_key(HtmlWriter& page) {
   const auto key = page.open("p", {{"class", "key"}});
-  for (const auto& [style, name] :
-       {std::pair("before", "before calibration"), std::pair("after", "after calibration"),
-        std::pair("noise", "noise alone, which no calibration takes off")}) {
+  for (const ErrorLine& line : kErrorLines) {
     const auto entry = page.open("span");
     {
       const auto svg = page.open("svg", {{"viewBox", "0 0 30 10"}, {"aria-hidden", "true"}});
-      page.empty("path", {{"d", "M1 5L29 5"}, {"class", std::string("line ") + style}});
+      page.empty("path", {{"d", "M1 5L29 5"}, {"class", "line " + std::string(line.style)}});
     }
-    page.text(name);
+    page.text(line.name);
   }
 }
 
@@ -121,7 +130,8 @@ void add_formulas(HtmlWriter& page) {
                "on its own. After: D the mean of the sensor, and the errors of the maps, each "
                "pixel on its own. Both have the noise of the samples, of variance K x + σ² over S₀ "
                "squared, with K the gain in counts per electron, x the sample and σ² the variance "
-               "in the dark. Errors are root mean squares over all angles φ; those of the angle "
+               "in the dark, divided by the number of frames. Errors are root mean squares over "
+               "all angles φ; those of the angle "
                "are bounded by 52°, that of pure chance. First order holds where DoLP is several "
                "times its error. What lenses add, and what the source had of its own, is not part "
                "of it.");
@@ -139,15 +149,17 @@ void add_measurement_errors(HtmlWriter& page, const Calibration& calibration,
                         "Without a gain above 0, and a clip level above black, errors cannot "
                         "be told.");
   }
-  const Compared bright = comparison.at(comparison.largest_s0(), kChartDolp);
-  page.element(
-      "p", "In bright light of DoLP " + fixed(kChartDolp, 1) +
-               ", the error of DoLP in one 2×2 neighbourhood goes from " +
-               arrow(bright.before.dolp, bright.after.dolp, "") + ", and that of the angle from " +
-               arrow(bright.before.angle, bright.after.angle, "°") + ". Noise alone makes " +
-               significant(bright.noise.dolp, 2) + " and " + with_unit(bright.noise.angle, "°", 2) +
-               "; means over regions take noise down, but not what the pixels of a class "
-               "have in common.");
+  const Compared one = comparison.at({comparison.largest_s0(), kShownDolp, 1});
+  const Compared many = comparison.at({comparison.largest_s0(), kShownDolp, kManyFrames});
+  page.element("p", "In bright light of DoLP " + fixed(kShownDolp, 1) +
+                        ", the calibration takes the error of DoLP in one 2×2 neighbourhood of "
+                        "one frame from " +
+                        arrow(one.before.dolp, one.after.dolp) + ", and that of the angle from " +
+                        arrow(one.before.angle, one.after.angle, "°") +
+                        ". In the mean of 100 frames, which has a tenth of the noise, they go "
+                        "from " +
+                        arrow(many.before.dolp, many.after.dolp) + " and from " +
+                        arrow(many.before.angle, many.after.angle, "°") + ".");
   {
     const auto row = page.open("div", {{"class", "row two"}});
     add_error_chart(page, comparison, &StokesErrors::dolp, "Error of DoLP, at DoLP 0.2");

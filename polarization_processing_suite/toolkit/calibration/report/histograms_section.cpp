@@ -9,6 +9,18 @@
 namespace kv::polarization {
 namespace {
 
+/// What the pixels of a property are shown against: maps of orientation hold deviations already.
+struct Shown {
+  double reference;
+  std::string_view heading;
+  std::string_view axis;
+};
+constexpr std::array<Shown, 3> kShown{{
+    {1, "Gain, deviation from the mean of all pixels", "%"},
+    {0, "Diattenuation", "diattenuation"},
+    {0, "Orientation, deviation from the nominal angle", "degrees"},
+}};
+
 constexpr std::size_t kBins = 60;
 constexpr double kShownScatters = 4;
 constexpr int kCurvePoints = 80;
@@ -81,11 +93,11 @@ std::string caption_of(const PixelProperty& property, const PropertySample& samp
 }
 
 void add_histogram(HtmlWriter& page, const PixelProperty& property, const PropertySample& sample,
-                   double reference, const HistogramRange& range, std::string_view class_name) {
+                   const Shown& shown, const HistogramRange& range, std::string_view class_name) {
   const auto figure = page.open("figure");
   const double ends[] = {range.low, range.high};
-  Axis horizontal = linear_axis(std::string(property.unit), ends, 1e-6);
-  const std::vector<Point> bars = bars_of(property, sample, reference, horizontal);
+  Axis horizontal = linear_axis(std::string(shown.axis), ends, 1e-6);
+  const std::vector<Point> bars = bars_of(property, sample, shown.reference, horizontal);
   std::vector<double> shares;
   for (const Point& point : bars) shares.push_back(point.y);
   const double peak = *std::max_element(shares.begin(), shares.end());
@@ -94,20 +106,10 @@ void add_histogram(HtmlWriter& page, const PixelProperty& property, const Proper
     Chart chart(page, std::string(property.name) + " of pixels at " + title, horizontal,
                 linear_axis(title, shares, 1e-3));
     chart.area(bars, "bars");
-    chart.line(noise_curve(property, sample, reference, horizontal, peak), "noise");
+    chart.line(noise_curve(property, sample, shown.reference, horizontal, peak), "noise");
   }
   page.element("figcaption", caption_of(property, sample));
 }
-
-/// What deviations of a property are shown from: ideal pixels where they are the same for all
-/// classes. Maps of orientation hold deviations.
-struct Reference {
-  double value;
-  std::string_view heading;
-};
-constexpr std::array<Reference, 3> kReferences{{{1, "Gain, from the mean of all pixels"},
-                                                {1, "Diattenuation, from 1"},
-                                                {0, "Orientation, from the nominal angle"}}};
 
 }  // namespace
 
@@ -121,11 +123,11 @@ void add_histograms(HtmlWriter& page, const PropertySamples& samples) {
                "it is narrow, pixels truly differ, and a correction pixel by pixel pays. The share "
                "explained by noise is the mean square of the errors over the variance.");
   for (std::size_t i = 0; i < samples.size(); ++i) {
-    page.element("h3", kReferences[i].heading);
+    page.element("h3", kShown[i].heading);
     const auto row = page.open("div", {{"class", "row four"}});
-    const HistogramRange range = range_of(kPixelProperties[i], samples[i], kReferences[i].value);
+    const HistogramRange range = range_of(kPixelProperties[i], samples[i], kShown[i].reference);
     for (std::size_t j = 0; j < 4; ++j) {
-      add_histogram(page, kPixelProperties[i], samples[i][j], kReferences[i].value, range,
+      add_histogram(page, kPixelProperties[i], samples[i][j], kShown[i], range,
                     std::to_string(45 * j) + "°");
     }
   }

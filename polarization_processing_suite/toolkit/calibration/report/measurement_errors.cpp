@@ -56,8 +56,9 @@ CellDeviations calibrated(const Calibration& calibration,
   return deviations;
 }
 
-StokesErrors errors_of(const CellDeviations& deviations, const SensorNoise& noise, double s0,
-                       double dolp) {
+StokesErrors errors_of(const CellDeviations& deviations, const SensorNoise& noise,
+                       const Measurement& measurement) {
+  const auto [s0, dolp, frames] = measurement;
   const double diattenuation = deviations.diattenuation;
   double dolp_square = 0;
   double angle_square = 0;
@@ -73,7 +74,7 @@ StokesErrors errors_of(const CellDeviations& deviations, const SensorNoise& nois
       const double counts = s0 * unit.gain;
       const double sample_variance =
           variance(unit, deviations.scatter[i]) +
-          static_cast<double>(noise.variance(static_cast<float>(counts))) / square(s0);
+          static_cast<double>(noise.variance(static_cast<float>(counts))) / (square(s0) * frames);
       const double dolp_weight = cosine / diattenuation - dolp / 2;
       const double angle_weight = sine / (2 * dolp * diattenuation);
       dolp_bias += dolp_weight * change(unit, deviations.common[i]);

@@ -37,9 +37,16 @@ struct StokesErrors {
 /// Largest rms error of an angle: that of one by chance, 180 / sqrt(12).
 inline constexpr double kChanceAngle = 51.96;
 
-/// To first order, for one 2x2 neighbourhood in light of intensity S0, in counts, and a DoLP above
-/// 0 and up to 1; noise included.
-StokesErrors errors_of(const CellDeviations& deviations, const SensorNoise& noise, double s0,
-                       double dolp);
+/// What is measured: light of intensity S0, in counts, and a DoLP above 0 and up to 1, in the mean
+/// of so many frames.
+struct Measurement {
+  double s0 = 0;
+  double dolp = 0;
+  int frames = 1;
+};
+
+/// To first order, for one 2x2 neighbourhood, noise included.
+StokesErrors errors_of(const CellDeviations& deviations, const SensorNoise& noise,
+                       const Measurement& measurement);
 
 }  // namespace kv::polarization

@@ -25,9 +25,10 @@ std::string with_minus(std::string digits) {
   return (zero ? "" : "\u2212") + digits.substr(1);
 }
 
+/// By the exponent that the value has when it is rounded: that of 9.96 is 1 for two digits.
 int decimals_for(double value, int digits) {
-  if (value == 0) return digits - 1;
-  const int exponent = static_cast<int>(std::floor(std::log10(std::abs(value))));
+  const std::string rounded = digits_of(value, std::chars_format::scientific, digits - 1);
+  const int exponent = std::stoi(rounded.substr(rounded.find('e') + 1));
   return std::clamp(digits - 1 - exponent, 0, kMostDecimals);
 }
 
@@ -64,12 +65,14 @@ std::string with_error(const Measured& measured, std::string_view unit) {
     return with_unit(measured.value, unit, 4);
   }
   const int decimals = decimals_for(measured.error, 2);
-  return fixed(measured.value, decimals) + "\u00A0±\u00A0" + fixed(measured.error, decimals) +
-         unit_behind(unit);
+  const std::string behind = unit_behind(unit);
+  return fixed(measured.value, decimals) + (unit == "°" ? behind : "") + "\u00A0±\u00A0" +
+         fixed(measured.error, decimals) + behind;
 }
 
 std::string count_text(std::uint64_t count) {
   const std::string digits = std::to_string(count);
+  if (digits.size() < 5) return digits;
   std::string text;
   for (std::size_t i = 0; i < digits.size(); ++i) {
     if (i > 0 && (digits.size() - i) % 3 == 0) text += "\u202F";

@@ -22,7 +22,7 @@ std::string with_unit(double value, std::string_view unit, int digits = 3);
 /// A value with its error, which has two significant digits, and a unit.
 std::string with_error(const Measured& measured, std::string_view unit = {});
 
-/// In groups of three digits.
+/// In groups of three digits, where there are more than four.
 std::string count_text(std::uint64_t count);
 
 /// A ratio as a percentage.

@@ -12,7 +12,7 @@ namespace kv::polarization {
 /// What is found of each pixel, and how to show it.
 struct PixelProperty {
   std::string_view name;
-  std::string_view unit;  ///< in which deviations are shown
+  std::string_view unit;  ///< in which deviations are shown; empty for pure numbers
   double scale;           ///< from the map's numbers to that unit
   Buffer<float> PixelMaps::*values;
   Buffer<float> PixelMaps::*errors;
@@ -20,7 +20,7 @@ struct PixelProperty {
 
 inline constexpr std::array<PixelProperty, 3> kPixelProperties{{
     {"Gain", "%", 100, &PixelMaps::gain, &PixelMaps::gain_error},
-    {"Diattenuation", "%", 100, &PixelMaps::diattenuation, &PixelMaps::diattenuation_error},
+    {"Diattenuation", "", 1, &PixelMaps::diattenuation, &PixelMaps::diattenuation_error},
     {"Orientation", "°", 1, &PixelMaps::orientation, &PixelMaps::orientation_error},
 }};
 

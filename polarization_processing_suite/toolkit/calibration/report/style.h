@@ -49,10 +49,11 @@ svg { display: block; width: 100%; height: auto; overflow: visible; }
 svg text { font-size: 12px; fill: var(--ink); } svg .title { fill: var(--soft); }
 .four svg text { font-size: 16px; }
 svg .middle { text-anchor: middle; } svg .end { text-anchor: end; } svg .start { text-anchor: start; }
-svg.scale { max-width: 22rem; margin: .6rem 0; }
+svg.scale rect { shape-rendering: crispEdges; } svg.scale { max-width: 22rem; margin: .6rem 0; }
 .grid { stroke: var(--rule); } .axis { stroke: var(--soft); } .bars { fill: var(--bars); }
 .line { fill: none; stroke-width: 2; } .used { fill: var(--after); } .refused { stroke: var(--bad); }
 .before { stroke: var(--before); stroke-dasharray: 7 3; } .after { stroke: var(--after); }
+.averaged { stroke-width: 1; }
 .noise { stroke: var(--ink); stroke-width: 1.5; stroke-dasharray: 2 3; }
 .key span { display: inline-flex; align-items: center; gap: .4rem; margin-right: 1.2rem; }
 .key svg { width: 2rem; flex: none; }

@@ -43,6 +43,14 @@ std::string frames_text(const Calibration& calibration) {
   return count_text(used) + " used, " + count_text(calibration.frames.size() - used) + " refused";
 }
 
+std::string bad_pixels_text(const Calibration& calibration) {
+  const Buffer<std::uint8_t>& bad = calibration.maps.bad;
+  const auto good = static_cast<std::size_t>(std::count(bad.begin(), bad.end(), 0));
+  const std::size_t count = bad.size() - good;
+  return count_text(count) + ", " +
+         percentage(static_cast<double>(count) / static_cast<double>(bad.size()));
+}
+
 std::string angles_text(const Calibration& calibration) {
   return (calibration.angles_solved ? "found by the fit, but for one"
                                     : "taken as they were given") +
@@ -87,6 +95,7 @@ void add_summary(HtmlWriter& page, const Calibration& calibration) {
   facts.add("Samples", std::to_string(calibration.bit_depth) + " bits, clipped at " +
                            count_text(calibration.clip_level) + " counts");
   facts.add("Frames", frames_text(calibration));
+  facts.add("Bad pixels", bad_pixels_text(calibration));
   facts.add("Angles", angles_text(calibration));
   facts.add("Source's DoLP", "taken for " + significant(calibration.source_dolp, 5));
 }
@@ -102,7 +111,8 @@ void add_findings(HtmlWriter& page, const Calibration& calibration) {
   const auto table = page.open("table", {{"class", "findings"}});
   {
     const auto row = page.open("tr");
-    for (const std::string_view heading : {"Mark", "Finding", "Found", "By noise", "Verdict"}) {
+    for (const std::string_view heading :
+         {"Mark", "Finding", "Found", "Expected from noise", "Verdict"}) {
       page.element("th", heading, {{"scope", "col"}});
     }
   }
