@@ -122,8 +122,8 @@ void add_formulas(HtmlWriter& page) {
                "units of S₀, by");
   page.element("p", "δx = g (1 + D p c) / 2 + d p c / 2 − e D p s,", {{"class", "formula"}});
   page.element("p", "and the results by the sums over the four pixels of a neighbourhood");
-  page.element("p", "δDoLP = Σ (c / D − p / 2) δx,     δφ = Σ s δx / (2 p D).",
-               {{"class", "formula"}});
+  page.element("p", "δDoLP = Σ (c / D − p / 2) δx,", {{"class", "formula"}});
+  page.element("p", "δφ = Σ s δx / (2 p D).", {{"class", "formula"}});
   page.element("p",
                "Before: D = 1, and the deviations of pixels from ideal ones, which are those of "
                "the mean of their class, the same for all, and the scatter within it, each pixel "
@@ -151,15 +151,17 @@ void add_measurement_errors(HtmlWriter& page, const Calibration& calibration,
   }
   const Compared one = comparison.at({comparison.largest_s0(), kShownDolp, 1});
   const Compared many = comparison.at({comparison.largest_s0(), kShownDolp, kManyFrames});
+  const auto change = [](double before, double after, std::string_view unit) {
+    return "from " + with_unit(before, unit, 2) + " to " + with_unit(after, unit, 2);
+  };
   page.element("p", "In bright light of DoLP " + fixed(kShownDolp, 1) +
                         ", the calibration takes the error of DoLP in one 2×2 neighbourhood of "
-                        "one frame from " +
-                        arrow(one.before.dolp, one.after.dolp) + ", and that of the angle from " +
-                        arrow(one.before.angle, one.after.angle, "°") +
-                        ". In the mean of 100 frames, which has a tenth of the noise, they go "
-                        "from " +
-                        arrow(many.before.dolp, many.after.dolp) + " and from " +
-                        arrow(many.before.angle, many.after.angle, "°") + ".");
+                        "one frame " +
+                        change(one.before.dolp, one.after.dolp, "") + ", and that of the angle " +
+                        change(one.before.angle, one.after.angle, "°") +
+                        ". In the mean of 100 frames, which has a tenth of the noise, they go " +
+                        change(many.before.dolp, many.after.dolp, "") + " and " +
+                        change(many.before.angle, many.after.angle, "°") + ".");
   {
     const auto row = page.open("div", {{"class", "row two"}});
     add_error_chart(page, comparison, &StokesErrors::dolp, "Error of DoLP, at DoLP 0.2");

@@ -33,7 +33,7 @@ constexpr std::array<FrameChart, 3> kFrameCharts{{
     {&FrameRecord::angle_deviation, "Angle deviation, °", 0.001,
      "Of the frame's light from the angle as given. A wave of one or two periods in a turn tells "
      "of a wobbling mount; a single point that stands out, of a wrong angle."},
-    {&FrameRecord::excess, "Deviation from the model / noise", 0.1,
+    {&FrameRecord::excess, "Excess: deviation from the model / noise", 0.1,
      "1 is noise alone. Frames far above hold light that is not uniform, stray light, or moved."},
 }};
 
@@ -43,9 +43,12 @@ void add_chart(HtmlWriter& page, const std::vector<const FrameRecord*>& frames,
   {
     std::vector<double> angles;
     std::vector<double> values;
+    const bool any_used = std::any_of(frames.begin(), frames.end(),
+                                      [](const FrameRecord* frame) { return frame->used; });
     for (const FrameRecord* frame : frames) {
       angles.push_back(frame->angle);
-      values.push_back(frame->*shown.value);
+      // A refused frame far away would press all others into a line.
+      if (frame->used || !any_used) values.push_back(frame->*shown.value);
     }
     Chart chart(page, std::string(shown.title) + " of each frame against its angle",
                 linear_axis("Polarizer, °", angles, 1),
@@ -68,12 +71,18 @@ void add_charts(HtmlWriter& page, const Calibration& calibration) {
     if (frame.kind == FrameKind::polarized) polarized.push_back(&frame);
   }
   if (polarized.empty()) return page.element("p", "There are none behind a polarizer to plot.");
-  page.element("p", "Frames behind the polarizer: dots were used, crosses refused.");
+  page.element(
+      "p",
+      "Frames behind the polarizer: dots were used, crosses refused. Crosses at the upper or "
+      "lower rim lie beyond it.");
   const auto row = page.open("div", {{"class", "row three"}});
   for (const FrameChart& chart : kFrameCharts) add_chart(page, polarized, chart);
 }
 
-/// The mark, name and numbers of a frame; a reason takes a row of its own.
+std::string in_degrees(double angle, int decimals) {
+  return fixed(angle, decimals) + (std::isfinite(angle) ? "°" : "");
+}
+
 void add_frame(HtmlWriter& page, const FrameRecord& frame) {
   const auto row = page.open("tr", {{"class", frame.used ? "good" : "bad"}});
   page.element("td", frame.used ? "✓ used" : "✗ refused", {{"class", "mark"}});
@@ -83,9 +92,9 @@ void add_frame(HtmlWriter& page, const FrameRecord& frame) {
   }
   const bool polarized = frame.kind == FrameKind::polarized;
   page.element("td", kind_name(frame.kind));
-  page.element("td", polarized ? with_unit(frame.angle, "°", 5) : "");
+  page.element("td", polarized ? in_degrees(frame.angle, 2) : "");
   page.element("td", fixed(frame.level, frame.level < 100 ? 2 : 0));
-  page.element("td", polarized ? fixed(frame.angle_deviation, 3) + "°" : "");
+  page.element("td", polarized ? in_degrees(frame.angle_deviation, 3) : "");
   page.element("td", fixed(frame.excess, 2));
   const auto reason = page.open("td", {{"class", "words"}});
   if (!frame.used) page.foreign(frame.refusal.empty() ? "no reason was kept" : frame.refusal);
@@ -101,15 +110,10 @@ void add_frames(HtmlWriter& page, const Calibration& calibration) {
   for (const FrameRecord& frame : calibration.frames) frames.push_back(&frame);
   std::stable_partition(frames.begin(), frames.end(),
                         [](const FrameRecord* frame) { return !frame->used; });
-  const auto part = page.open("div", {{"class", "wide"}});
+  const auto part = page.open("div", {{"class", "wide long"}});
   const auto table = page.open("table", {{"class", "frames"}});
-  {
-    const auto row = page.open("tr");
-    for (const std::string_view heading : {"Mark", "Frame", "Kind", "Polarizer", "Level, counts",
-                                           "Deviation", "/ noise", "Why refused"}) {
-      page.element("th", heading, {{"scope", "col"}});
-    }
-  }
+  add_headings(page, {"Mark", "Frame", "Kind", "Polarizer", "Level, counts", "Deviation", "Excess",
+                      "Why refused"});
   for (const FrameRecord* frame : frames) add_frame(page, *frame);
 }
 

@@ -7,6 +7,12 @@
 namespace kv::polarization {
 namespace {
 
+/// Of numbers whose error is not known, three digits are enough.
+std::string whole_number(double value) {
+  const double step = std::pow(10, std::max(0.0, std::floor(std::log10(std::max(value, 1.0))) - 2));
+  return fixed(step * std::round(value / step), 0);
+}
+
 double mean_black(const Calibration& calibration) {
   double sum = 0;
   for (const PixelClass& pixels : calibration.classes) sum += pixels.black.value;
@@ -22,13 +28,13 @@ std::string capacity_text(const Calibration& calibration, double range) {
     return "Without a gain above 0, and a clip level above black, nothing can be told of the full "
            "well.";
   }
-  return "A sample clips at " + significant(capacity, 3) +
+  return "A sample clips at " + whole_number(capacity) +
          " electrons: the full well at this camera's setting. There its signal to noise ratio is "
          "best, " +
          fixed(range / std::sqrt(static_cast<double>(noise.variance(static_cast<float>(range)))),
                0) +
-         "; against the noise in the dark its range is " + fixed(capacity / read, 0) + " to 1, " +
-         fixed(20 * std::log10(capacity / read), 1) + " dB. Above " +
+         "; against the noise in the dark its range is " + whole_number(capacity / read) +
+         " to 1, " + fixed(20 * std::log10(capacity / read), 1) + " dB. Above " +
          significant(static_cast<double>(noise.dark_variance()) / gain, 2) +
          " counts, light's own noise is larger than that of the readout.";
 }
@@ -41,7 +47,7 @@ void add_levels(HtmlWriter& page, const SensorNoise& noise, double range) {
     const double scatter =
         std::sqrt(static_cast<double>(noise.variance(static_cast<float>(counts))));
     table.row({percentage(share, share < 1 ? 1 : 3) + " of the range", fixed(counts, 0),
-               significant(counts / noise.gain), significant(scatter),
+               whole_number(counts / noise.gain), significant(scatter),
                significant(counts / scatter)});
   }
 }

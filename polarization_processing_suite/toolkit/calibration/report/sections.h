@@ -24,6 +24,9 @@ void add_noise(HtmlWriter& page, const Calibration& calibration);
 void add_frames(HtmlWriter& page, const Calibration& calibration);
 void add_glossary(HtmlWriter& page);
 
+/// The row that names a table's columns, which printers repeat.
+void add_headings(HtmlWriter& page, std::initializer_list<std::string_view> headings);
+
 /// A table that can be wider than a phone: it is scrolled by itself. The first column names the
 /// row.
 class Table {

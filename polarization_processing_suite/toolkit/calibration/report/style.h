@@ -35,7 +35,7 @@ th, td { padding: .3rem .7rem; text-align: right; vertical-align: top;
 tr > :first-child, th[scope=row], .words { text-align: left; }
 th[scope=col] { color: var(--soft); font-weight: 600; vertical-align: bottom; white-space: normal; }
 th[scope=row] { font-weight: 500; white-space: normal; }
-td.words { white-space: normal; min-width: 14rem; } th.words { min-width: 8rem; overflow-wrap: anywhere; }
+td.words { white-space: normal; min-width: 14rem; } th.words { min-width: 12rem; overflow-wrap: anywhere; }
 th:last-child.words, .findings th:last-child, .frames th:last-child { text-align: left; }
 .findings tr > :nth-child(2), .frames tr > :nth-child(2) { text-align: left; }
 .findings tr.bad, .frames tr.bad { background: var(--shade); }
@@ -47,7 +47,7 @@ figcaption { color: var(--soft); font-size: .85rem; line-height: 1.35; }
 img { display: block; width: 100%; height: auto; image-rendering: pixelated; border: 1px solid var(--rule); }
 svg { display: block; width: 100%; height: auto; overflow: visible; }
 svg text { font-size: 12px; fill: var(--ink); } svg .title { fill: var(--soft); }
-.four svg text { font-size: 16px; }
+.two svg text { font-size: 10px; } .four svg text { font-size: 16px; }
 svg .middle { text-anchor: middle; } svg .end { text-anchor: end; } svg .start { text-anchor: start; }
 svg.scale rect { shape-rendering: crispEdges; } svg.scale { max-width: 22rem; margin: .6rem 0; }
 .grid { stroke: var(--rule); } .axis { stroke: var(--soft); } .bars { fill: var(--bars); }
@@ -59,12 +59,19 @@ svg.scale rect { shape-rendering: crispEdges; } svg.scale { max-width: 22rem; ma
 .key svg { width: 2rem; flex: none; }
 .formula { font-style: italic; padding-left: 1.5rem; white-space: pre-wrap; }
 .method { font-size: .9rem; }
-@media (max-width: 44rem) {
+@media screen and (max-width: 44rem) {
+  .two svg text { font-size: 12px; } .four svg text { font-size: 18px; }
+  .findings, .findings tbody, .findings tr, .findings td, .findings th { display: block; }
+  .findings thead { display: none; } .findings tr { padding: .6rem; border-bottom: 1px solid var(--rule); }
+  .findings td, .findings th, .findings tr > :nth-child(n) { padding: 0; border: 0; text-align: left;
+    white-space: normal; min-width: 0; }
+  .findings td::before { content: attr(data-label); color: var(--soft); }
   .four { grid-template-columns: repeat(2, 1fr); } .two { grid-template-columns: 1fr; }
   dl { grid-template-columns: 1fr; gap: 0; } dd { margin-bottom: .5rem; } }
 @media print {
   @page { margin: 15mm; }
-  body { padding: 0; max-width: none; font-size: 9.5pt; } .wide { overflow: visible; }
+  body { padding: 0; max-width: none; font-size: 9.5pt; } .wide { overflow: visible; break-inside: avoid; }
+  .wide.long { break-inside: auto; }
   h2, h3 { break-after: avoid; } tr, .row, .verdict { break-inside: avoid; }
   * { print-color-adjust: exact; -webkit-print-color-adjust: exact; } }
 )css";

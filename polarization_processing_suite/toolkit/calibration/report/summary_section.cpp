@@ -109,13 +109,7 @@ void add_findings(HtmlWriter& page, const Calibration& calibration) {
   if (calibration.findings.empty()) return page.element("p", "There are none.");
   const auto frame = page.open("div", {{"class", "wide"}});
   const auto table = page.open("table", {{"class", "findings"}});
-  {
-    const auto row = page.open("tr");
-    for (const std::string_view heading :
-         {"Mark", "Finding", "Found", "Expected from noise", "Verdict"}) {
-      page.element("th", heading, {{"scope", "col"}});
-    }
-  }
+  add_headings(page, {"Mark", "Finding", "Found", "Expected from noise", "Verdict"});
   for (const Finding& finding : calibration.findings) {
     const std::string unit = shortened(finding.unit);
     const auto row = page.open("tr", {{"class", finding.good ? "good" : "bad"}});
@@ -124,8 +118,8 @@ void add_findings(HtmlWriter& page, const Calibration& calibration) {
       const auto name = page.open("th", {{"scope", "row"}});
       page.foreign(finding.name);
     }
-    page.element("td", with_unit(finding.found, unit));
-    page.element("td", with_unit(finding.expected, unit));
+    page.element("td", with_unit(finding.found, unit), {{"data-label", "found "}});
+    page.element("td", with_unit(finding.expected, unit), {{"data-label", "expected "}});
     const auto verdict = page.open("td", {{"class", "words"}});
     page.foreign(finding.verdict);
   }

@@ -2,10 +2,15 @@
 
 namespace kv::polarization {
 
-Table::Table(HtmlWriter& page, std::initializer_list<std::string_view> headings)
-    : page_(page), frame_(page.open("div", {{"class", "wide"}})), table_(page.open("table")) {
+void add_headings(HtmlWriter& page, std::initializer_list<std::string_view> headings) {
+  const auto head = page.open("thead");
   const auto row = page.open("tr");
   for (const std::string_view heading : headings) page.element("th", heading, {{"scope", "col"}});
+}
+
+Table::Table(HtmlWriter& page, std::initializer_list<std::string_view> headings)
+    : page_(page), frame_(page.open("div", {{"class", "wide"}})), table_(page.open("table")) {
+  add_headings(page, headings);
 }
 
 void Table::row(std::initializer_list<std::string_view> cells) {
