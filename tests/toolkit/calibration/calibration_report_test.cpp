@@ -10,6 +10,7 @@
 #include "temporary_folder.h"
 #include "toolkit/calibration/report/html_writer.h"
 #include "toolkit/calibration/report/indexed_image.h"
+#include "toolkit/calibration/report/map_pictures.h"
 #include "toolkit/calibration/report/measurement_errors.h"
 #include "toolkit/calibration/report/number_text.h"
 
@@ -205,16 +206,53 @@ TEST(MeasurementErrors, MeetThoseOfSimulatedPixels) {
   }
 }
 
-TEST(IndexedImage, IsABitmapOfWholeWords) {
-  IndexedImage image{2, 1, {1, 0}, {}};
+/// A pixel that stands out is found at its place of its class, and a bad one is left out.
+TEST(MapPictures, KeepPixelsAtTheirPlaces) {
+  Calibration made = made_up_calibration(6, 4);
+  std::fill(made.maps.gain.begin(), made.maps.gain.end(), 1.0f);
+  // Column 5, row 2 is the upper right pixel of its cell: 45 degrees, as the phase is that of 90.
+  made.maps.gain[2 * 6 + 5] = 1.06f;
+  made.maps.gain[0] = 9;
+  made.maps.bad[0] = bad_pixel::noisy;
+  const PixelProperty& gain = kPixelProperties[0];
+  const auto samples = samples_of(made, gain);
+  const auto maps = reduced_maps(made, gain, samples);
+  for (std::size_t i = 0; i < 4; ++i) {
+    ASSERT_EQ(maps[i].values.size(), 6u);
+    for (std::size_t place = 0; place < 6; ++place) {
+      // Per cent, from a mean of 1.01 of the class of 45 degrees, whose six pixels have one
+      // at 1.06.
+      const double expected = i != 1 ? 0 : place == 5 ? 5 : -1;
+      if (i == 2 && place == 0) {
+        EXPECT_TRUE(std::isnan(maps[i].values[place]));
+      } else {
+        EXPECT_NEAR(maps[i].values[place], expected, 1e-4) << i << ", " << place;
+      }
+    }
+  }
+  EXPECT_EQ(scale_end(maps), 1);  // of 23 points 99 per cent are within it
+  const IndexedImage image = diverging_image(maps[1], 5);
+  EXPECT_EQ(image.pixels, (std::vector<std::uint8_t>{102, 102, 102, 102, 102, 254}));
+
+  made.maps.bad[23] = bad_pixel::clipped;
+  const BadPixelMap bad = bad_pixel_map(made);
+  EXPECT_EQ(bad.most, 1);
+  EXPECT_EQ(bad.image.pixels[0], 255);
+  EXPECT_EQ(bad.image.pixels[23], 255);
+  EXPECT_EQ(std::count(bad.image.pixels.begin(), bad.image.pixels.end(), 0), 22);
+}
+
+TEST(IndexedImage, IsABitmapFromTheBottomUp) {
+  IndexedImage image{2, 2, {1, 0, 0, 1}, {}};
   image.palette[1] = {0x12, 0x34, 0x56};
   const std::string address = data_address(image);
-  // "BM", size 1082 = 0x43A, nothing, start of pixels 1078 = 0x436, in base64 by hand and by
-  // another program.
-  EXPECT_TRUE(address.starts_with("data:image/bmp;base64,Qk06BAAAAAAAADYEAAAoAAAAAgAAAAEAAAABAAgA"))
-      << address.substr(0, 90);
-  EXPECT_TRUE(address.ends_with("AQAAAA==") || address.ends_with("AAEAAAA=") ||
-              address.ends_with("AAABAAAA"));
+  // The bytes put together and encoded by another program.
+  EXPECT_TRUE(address.starts_with(
+      "data:image/bmp;base64,"
+      "Qk0+BAAAAAAAADYEAAAoAAAAAgAAAAIAAAABAAgAAAAAAAgAAAAAAAAAAAAAAAAAAAAAAAAA"))
+      << address.substr(0, 110);
+  EXPECT_PRED2(contains, address, "AAAAAFY0");  // the second colour, blue first
+  EXPECT_TRUE(address.ends_with("AAABAAABAAAA")) << address.substr(address.size() - 20);
 }
 
 }  // namespace

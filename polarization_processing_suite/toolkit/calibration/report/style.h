@@ -35,7 +35,7 @@ th, td { padding: .3rem .7rem; text-align: right; vertical-align: top;
 tr > :first-child, th[scope=row], .words { text-align: left; }
 th[scope=col] { color: var(--soft); font-weight: 600; vertical-align: bottom; white-space: normal; }
 th[scope=row] { font-weight: 500; white-space: normal; }
-td.words { white-space: normal; min-width: 14rem; } th.words { min-width: 12rem; overflow-wrap: anywhere; }
+td.words { white-space: normal; min-width: 12rem; } th.words { min-width: 15rem; overflow-wrap: anywhere; }
 th:last-child.words, .findings th:last-child, .frames th:last-child { text-align: left; }
 .findings tr > :nth-child(2), .frames tr > :nth-child(2) { text-align: left; }
 .findings tr.bad, .frames tr.bad { background: var(--shade); }
@@ -72,7 +72,7 @@ svg.scale rect { shape-rendering: crispEdges; } svg.scale { max-width: 22rem; ma
   @page { margin: 15mm; }
   body { padding: 0; max-width: none; font-size: 9.5pt; } .wide { overflow: visible; break-inside: avoid; }
   .wide.long { break-inside: auto; }
-  h2, h3 { break-after: avoid; } tr, .row, .verdict { break-inside: avoid; }
+  h2, h3, h2 + p { break-after: avoid; } tr, .row, .verdict { break-inside: avoid; }
   * { print-color-adjust: exact; -webkit-print-color-adjust: exact; } }
 )css";
 
