@@ -28,7 +28,8 @@ class Stack {
       open(index);
       for (std::size_t page = 0; page < reader_->count(); ++page) {
         read(page);
-        const std::string page_name = reader_->count() > 1 ? ", page " + std::to_string(page + 1) : "";
+        const std::string page_name =
+            reader_->count() > 1 ? ", page " + std::to_string(page + 1) : "";
         fit.add(frame_, {entry.kind, entry.angle, entry.name + page_name});
         places_.push_back({index, page});
       }
@@ -106,7 +107,8 @@ void print_result(const Calibration& calibration, const CalibrateOptions& option
 
 int run_calibrate(const CalibrateOptions& options) {
   const std::filesystem::path report =
-      options.report ? *options.report : std::filesystem::path(options.file).replace_extension(".html");
+      options.report ? *options.report
+                     : std::filesystem::path(options.file).replace_extension(".html");
   Stack stack(options);
   CalibrationFit fit(options.fit);
   {

@@ -15,7 +15,8 @@ constexpr const char* kManifest =
     "  flat.tiff,flat,\n"
     "\n"
     "polarized: a uniform source behind a linear polarizer at that angle, in degrees, 0 along the\n"
-    "image's rows and counter-clockwise as seen in the image. dark: no light, same exposure. flat:\n"
+    "image's rows and counter-clockwise as seen in the image. dark: no light, same exposure. "
+    "flat:\n"
     "the source without a polarizer. Paths are relative to the manifest.\n"
     "\n"
     "The report, a page for any browser, tells whether the calibration is good.";
@@ -23,7 +24,8 @@ constexpr const char* kManifest =
 class CalibrateCommand : public Command {
  public:
   explicit CalibrateCommand(CLI::App& app)
-      : Command(*app.add_subcommand("calibrate", "Find what a sensor is from frames of known light")),
+      : Command(
+            *app.add_subcommand("calibrate", "Find what a sensor is from frames of known light")),
         command_(options()),
         mosaic_(command_),
         raw_shape_(command_) {
@@ -31,7 +33,9 @@ class CalibrateCommand : public Command {
     command_.add_option("--manifest", options_.manifest, "The list of the frames")
         ->type_name("FILE")
         ->required();
-    command_.add_option("-o,--output", options_.file, "The calibration to write: NAME.json, maps beside it")
+    command_
+        .add_option("-o,--output", options_.file,
+                    "The calibration to write: NAME.json, maps beside it")
         ->type_name("FILE")
         ->required();
     command_.add_option("--report", options_.report, "The report to write (default: NAME.html)")

@@ -9,10 +9,14 @@ namespace kv::polarization {
 namespace {
 
 constexpr const char* kWhatCanBeTold =
-    "One frame cannot tell how the polarizers lie: the redundancy of its cells holds for all phases\n"
-    "alike. A polarizing film, or a screen, that is turned between two frames by a known angle tells\n"
-    "the sense, which leaves two phases that differ by 90 degrees; with the known angle of its light\n"
-    "in the first frame, by --angle, it tells the phase. Turn by some 45 degrees; exit status 1 says\n"
+    "One frame cannot tell how the polarizers lie: the redundancy of its cells holds for all "
+    "phases\n"
+    "alike. A polarizing film, or a screen, that is turned between two frames by a known angle "
+    "tells\n"
+    "the sense, which leaves two phases that differ by 90 degrees; with the known angle of its "
+    "light\n"
+    "in the first frame, by --angle, it tells the phase. Turn by some 45 degrees; exit status 1 "
+    "says\n"
     "that nothing could be told.";
 
 class IdentifyCommand : public Command {
@@ -44,8 +48,7 @@ class IdentifyCommand : public Command {
         ->check(CLI::Range(0.01, 45.0))
         ->capture_default_str();
     command_.add_flag("--not-mirrored", not_mirrored_, "The image is known not to be mirrored");
-    command_
-        .add_option("--region", region_, "Column, row, width and height of where the light is")
+    command_.add_option("--region", region_, "Column, row, width and height of where the light is")
         ->type_name("X,Y,W,H")
         ->delimiter(',')
         ->expected(4);

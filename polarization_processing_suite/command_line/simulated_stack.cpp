@@ -14,8 +14,8 @@ constexpr double kBrightness = 0.85;
 
 /// A format that records the bit depth, so that nobody has to tell it.
 std::string frame_ending() {
-  return std::string(ending_of(traits_of(ImageFormat::tiff).available() ? ImageFormat::tiff
-                                                                        : ImageFormat::pgm));
+  return std::string(
+      ending_of(traits_of(ImageFormat::tiff).available() ? ImageFormat::tiff : ImageFormat::pgm));
 }
 
 class StackWriter {

@@ -90,8 +90,7 @@ class ManifestReader {
 
   /// Empty where the line ends before that column.
   std::string field(const std::vector<std::string>& fields, const char* name) const {
-    const auto index =
-        static_cast<std::size_t>(std::ranges::find(names_, name) - names_.begin());
+    const auto index = static_cast<std::size_t>(std::ranges::find(names_, name) - names_.begin());
     return index < fields.size() ? fields[index] : "";
   }
 
@@ -112,7 +111,8 @@ class ManifestReader {
     double angle = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), angle);
     if (error != std::errc{} || end != text.data() + text.size() || !std::isfinite(angle)) {
-      refuse("the angle is '" + text + "'; a polarized frame needs one in degrees, such as 35 or 2.5");
+      refuse("the angle is '" + text +
+             "'; a polarized frame needs one in degrees, such as 35 or 2.5");
     }
     return angle;
   }

@@ -16,10 +16,11 @@ struct ManifestEntry {
   double angle = 0;  ///< degrees, of polarized frames
 };
 
-/// Reads a manifest of comma-separated values: a line of names, in which stand file, kind and angle in
-/// any order beside others, then a line for each file. Kinds are polarized, dark and flat; the others
-/// than polarized need no angle. Texts may stand in double quotes; empty lines and those that begin
-/// with # are left out. Throws Fault that names the line, what is wrong, and what would be right.
+/// Reads a manifest of comma-separated values: a line of names, in which stand file, kind and angle
+/// in any order beside others, then a line for each file. Kinds are polarized, dark and flat; the
+/// others than polarized need no angle. Texts may stand in double quotes; empty lines and those
+/// that begin with # are left out. Throws Fault that names the line, what is wrong, and what would
+/// be right.
 std::vector<ManifestEntry> read_manifest(const std::filesystem::path& file);
 
 }  // namespace kv::polarization
