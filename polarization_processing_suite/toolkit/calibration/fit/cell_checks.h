@@ -14,9 +14,8 @@ struct FitEvidence {
   const PixelSums& sums;
   const Stack& stack;
   const ClassNormal::Source& source;
-  double gain;            ///< of the noise, counts per electron
-  double dark_variance;   ///< of a sample, counts squared
-  double black_variance;  ///< of a pixel's black level, counts squared
+  double gain;           ///< of the noise, counts per electron
+  double dark_variance;  ///< of a sample, counts squared
 };
 
 /// Rms errors of light of full polarization, over cells and angles.

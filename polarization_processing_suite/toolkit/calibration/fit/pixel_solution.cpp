@@ -25,7 +25,6 @@ PixelMoments both_halves(const PixelSums& sums, std::size_t pixel) {
 
 void solve_pixels(const PixelGrid& grid, const PixelSums& sums, const Buffer<float>& black,
                   const ClassNormals& normals, WorkerPool& pool, RawSolution& solution) {
-  for (Buffer<float>* map : solution.responses) map->resize(grid.pixels());
   solution.residuals.resize(grid.pixels());
   for_pixels(grid, pool, [&](std::size_t pixel, std::size_t number) {
     const auto [response, residual] = normals[number].solve(both_halves(sums, pixel), black[pixel]);
