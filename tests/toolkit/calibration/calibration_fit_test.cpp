@@ -248,6 +248,23 @@ TEST(CalibrationFit, TellsItsErrorsAndTheNoise) {
   }
 }
 
+// A film that polarizes by 0.9 only must not be taken for pixels that do.
+TEST(CalibrationFit, KnowsThePolarizationOfTheSource) {
+  SimulatedStack stack{SimulatedSensor({})};
+  stack.add_darks(4);
+  for (int angle = 0; angle < 180; angle += 5) {
+    SensorLight light = polarized_light(0.8, angle);
+    light.stokes.s1 *= 0.9;
+    light.stokes.s2 *= 0.9;
+    stack.add(FrameKind::polarized, angle, light);
+  }
+  FitSettings settings = stack.settings();
+  settings.source_dolp = 0.9;
+  for (const PixelClass& pixels : stack.fit(settings).classes) {
+    EXPECT_NEAR(pixels.diattenuation.value, 0.95, 2e-3);
+  }
+}
+
 // As if the wrong frames had not been in the stack.
 TEST(CalibrationFit, TakesOutFramesThatDoNotFit) {
   SimulatedStack stack{SimulatedSensor({.bad_share = 0.01})};

@@ -1,8 +1,9 @@
 #include "toolkit/calibration/fit/findings.h"
 
 #include <cmath>
-#include <cstdio>
 #include <string>
+
+#include "toolkit/calibration/fit/line_text.h"
 
 namespace kv::polarization {
 namespace {
@@ -16,19 +17,12 @@ constexpr double kFlatDolp = 0.005;   // of a source that passes for unpolarized
 constexpr double kBadShare = 0.02;
 constexpr double kLevelRepeat = 0.005;
 
-template <class... Values>
-std::string text(const char* format, Values... values) {
-  char line[200];
-  std::snprintf(line, sizeof line, format, values...);
-  return line;
-}
-
 Finding against_noise(const std::string& name, double found, double expected,
                       const std::string& unit) {
   Finding finding{name, found, expected, unit, found <= kFactor * expected, {}};
   finding.verdict = finding.good
-                        ? text("%.2g times what noise gives: the model holds", found / expected)
-                        : text(
+                        ? line_of("%.2g times what noise gives: the model holds", found / expected)
+                        : line_of(
                               "%.2g times what noise gives: the light, the angles or the sensor do "
                               "something that the model does not know",
                               found / expected);
