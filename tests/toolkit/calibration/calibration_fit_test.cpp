@@ -215,13 +215,14 @@ TEST(CalibrationFit, TellsItsErrorsAndTheNoise) {
   const SensorTruth& truth = stack.sensor.truth();
   Rms gain_unit;
   for (const float gain : truth.gain) gain_unit.add(gain);
+  const double zero = true_zero(truth, c);
   Rms gain, diattenuation, orientation;
   for (std::size_t i = 0; i < truth.gain.size(); ++i) {
     gain.add((c.maps.gain[i] - truth.gain[i] / gain_unit.mean()) / c.maps.gain_error[i]);
     diattenuation.add((c.maps.diattenuation[i] - truth.diattenuation[i]) /
                       c.maps.diattenuation_error[i]);
     orientation.add((nominal_at(c, i) + static_cast<double>(c.maps.orientation[i]) -
-                     truth.orientation[i] + true_zero(truth, c)) /
+                     truth.orientation[i] + zero) /
                     c.maps.orientation_error[i]);
   }
   EXPECT_NEAR(gain.rms(), 1, 0.05);
