@@ -107,9 +107,9 @@ TEST(CalibrationReport, CountsBadPixelsByReason) {
 }
 
 TEST(CalibrationReport, OutlastsNumbersThatAreNone) {
-  constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-  constexpr float kInfinity = std::numeric_limits<float>::infinity();
-  for (const float strange : {kNan, kInfinity, -kInfinity, 0.0f, 3e38f}) {
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  constexpr float infinity = std::numeric_limits<float>::infinity();
+  for (const float strange : {nan, infinity, -infinity, 0.0f, 3e38f}) {
     Calibration made = made_up_calibration(8, 6);
     for (auto map : {&PixelMaps::gain, &PixelMaps::diattenuation_error, &PixelMaps::orientation}) {
       std::fill((made.maps.*map).begin(), (made.maps.*map).end(), strange);
@@ -177,32 +177,31 @@ TEST(MeasurementErrors, MeetThoseOfSimulatedPixels) {
   std::mt19937 random(3);
   std::normal_distribution<double> normal;
   std::uniform_real_distribution<double> turn(0, std::numbers::pi);
-  constexpr double kDegree = std::numbers::pi / 180;
+  constexpr double degree = std::numbers::pi / 180;
   for (const auto& [s0, dolp] :
        {std::pair(3000.0, 0.1), std::pair(300.0, 0.4), std::pair(3000.0, 1.0)}) {
-    constexpr int kTrials = 40000;
+    constexpr int trials = 40000;
     double dolp_square = 0, angle_square = 0;
-    for (int trial = 0; trial < kTrials; ++trial) {
+    for (int trial = 0; trial < trials; ++trial) {
       const double angle = turn(random);
       double x[4];
       for (std::size_t i = 0; i < 4; ++i) {
         const PixelClass& of = made.classes[i];
         const double gain = of.gain.value + of.gain_scatter * normal(random);
         const double blocks = of.diattenuation.value + of.diattenuation_scatter * normal(random);
-        const double at =
-            (of.orientation.value + of.orientation_scatter * normal(random)) * kDegree;
+        const double at = (of.orientation.value + of.orientation_scatter * normal(random)) * degree;
         x[i] = gain / 2 * s0 * (1 + blocks * dolp * std::cos(2 * (at - angle)));
         x[i] += std::sqrt(0.37 * x[i] + 0.37 * 0.37 * 2.3 * 2.3 + 1.0 / 12) * normal(random);
       }
       const double s1 = x[0] - x[2], s2 = x[1] - x[3];
       const double dolp_error = 2 * std::hypot(s1, s2) / (x[0] + x[1] + x[2] + x[3]) - dolp;
       const double angle_error = std::remainder(std::atan2(s2, s1) / 2 - angle, std::numbers::pi);
-      dolp_square += dolp_error * dolp_error / kTrials;
-      angle_square += angle_error * angle_error / kTrials;
+      dolp_square += dolp_error * dolp_error / trials;
+      angle_square += angle_error * angle_error / trials;
     }
     const StokesErrors errors = errors_of(deviations, made.noise, {s0, dolp});
     EXPECT_NEAR(errors.dolp / std::sqrt(dolp_square), 1, 0.04) << s0 << ", " << dolp;
-    EXPECT_NEAR(errors.angle * kDegree / std::sqrt(angle_square), 1, 0.04) << s0 << ", " << dolp;
+    EXPECT_NEAR(errors.angle * degree / std::sqrt(angle_square), 1, 0.04) << s0 << ", " << dolp;
   }
 }
 

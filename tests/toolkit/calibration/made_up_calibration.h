@@ -20,16 +20,16 @@ inline kv::polarization::Calibration made_up_calibration(int width, int height) 
   made.condition = 1.4312;
   made.source_offset = 12.3456;
   made.source_dolp = 0.9999;
-  constexpr double kGains[] = {1.012, 0.993, 0.985, 1.010};
-  constexpr double kTurns[] = {0.31, -0.22, 0.14, -0.23};
+  constexpr double gains[] = {1.012, 0.993, 0.985, 1.010};
+  constexpr double turns[] = {0.31, -0.22, 0.14, -0.23};
   for (std::size_t i = 0; i < 4; ++i) {
     const int angle = 45 * static_cast<int>(i);
     made.classes[i] = {angle,
                        pixel_count(width, height) / 4,
                        {240.12 + static_cast<double>(i), 0.013},
-                       {kGains[i], 0.0000213},
+                       {gains[i], 0.0000213},
                        {0.9871 - 0.002 * static_cast<double>(i), 0.0000345},
-                       {angle + kTurns[i], 0.00123},
+                       {angle + turns[i], 0.00123},
                        0.0102,
                        0.0031,
                        0.271};

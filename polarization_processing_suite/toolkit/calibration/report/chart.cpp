@@ -52,8 +52,8 @@ double tick_distance(double length) {
 /// 1, 2 or 5 times a power of ten, three a decade: 0 is 1, 4 is 20, -1 is 0.5.
 double round_number(int third) {
   const int decade = static_cast<int>(std::floor(third / 3.0));
-  constexpr double kFactors[] = {1, 2, 5};
-  return kFactors[third - 3 * decade] * std::pow(10, decade);
+  constexpr double factors[] = {1, 2, 5};
+  return factors[third - 3 * decade] * std::pow(10, decade);
 }
 
 /// The largest round number up to the value.
@@ -91,8 +91,9 @@ Axis linear_axis(std::string title, std::span<const double> values, double small
   const double last = std::floor(axis.high / step + kSlack);
   const int decimals =
       static_cast<int>(std::clamp(-std::floor(std::log10(step) + kSlack), 0.0, 9.0));
-  for (double i = first; i <= last; ++i) {
-    const double value = i * step;
+  const int ticks = static_cast<int>(last - first);
+  for (int i = 0; i <= ticks; ++i) {
+    const double value = step * (first + i);
     axis.ticks.push_back({value, step < 1e6 ? fixed(value, decimals) : significant(value, 2)});
   }
   return axis;

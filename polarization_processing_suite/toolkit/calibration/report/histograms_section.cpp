@@ -99,6 +99,7 @@ void add_histogram(HtmlWriter& page, const PixelProperty& property, const Proper
   Axis horizontal = linear_axis(std::string(shown.axis), ends, 1e-6);
   const std::vector<Point> bars = bars_of(property, sample, shown.reference, horizontal);
   std::vector<double> shares;
+  shares.reserve(bars.size());
   for (const Point& point : bars) shares.push_back(point.y);
   const double peak = *std::max_element(shares.begin(), shares.end());
   {

@@ -33,7 +33,7 @@ class HtmlWriter {
   };
 
   [[nodiscard]] Element open(std::string_view tag, Attributes attributes = {});
-  void element(std::string_view tag, std::string_view text, Attributes attributes = {});
+  void element(std::string_view tag, std::string_view content, Attributes attributes = {});
   void text(std::string_view text) { page_ += escaped(text); }
 
   /// Of elements without content, in HTML and SVG.

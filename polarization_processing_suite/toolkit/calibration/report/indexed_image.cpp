@@ -47,7 +47,7 @@ Bytes bitmap_of(const IndexedImage& image) {
 
 /// RFC 4648, with padding.
 std::string base64(std::span<const std::uint8_t> bytes) {
-  constexpr std::string_view kDigits =
+  constexpr std::string_view digits =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::string text;
   text.reserve((bytes.size() + 2) / 3 * 4);
@@ -56,7 +56,7 @@ std::string base64(std::span<const std::uint8_t> bytes) {
     std::uint32_t group = 0;
     for (std::size_t j = 0; j < 3; ++j) group = group << 8 | (j < taken ? bytes[i + j] : 0u);
     for (std::size_t j = 0; j < 4; ++j) {
-      text += j <= taken ? kDigits[group >> (18 - 6 * j) & 63u] : '=';
+      text += j <= taken ? digits[group >> (18 - 6 * j) & 63u] : '=';
     }
   }
   return text;

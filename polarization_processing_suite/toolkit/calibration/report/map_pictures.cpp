@@ -24,6 +24,10 @@ int block_for(int width, int height, int longest_side) {
   return divided_up(std::max(width, height), longest_side);
 }
 
+std::size_t index_of(int column, int row, int width) {
+  return pixel_count(width, row) + static_cast<std::size_t>(column);
+}
+
 struct BlockSum {
   double sum = 0;
   int count = 0;
@@ -49,10 +53,8 @@ std::array<ReducedMap, 4> reduced_maps(const Calibration& calibration,
   const Buffer<float>& values = calibration.maps.*property.values;
   for_each_pixel(calibration, [&](std::size_t pixel_class, int column, int row, std::size_t index) {
     if (calibration.maps.bad[index] != 0 || !std::isfinite(values[index])) return;
-    const int block_row = row / 2 / shape.block;
-    const int block_column = column / 2 / shape.block;
     BlockSum& block =
-        sums[pixel_class][static_cast<std::size_t>(block_row * shape.width + block_column)];
+        sums[pixel_class][index_of(column / 2 / shape.block, row / 2 / shape.block, shape.width)];
     block.sum += property.scale * (values[index] - samples[pixel_class].mean);
     ++block.count;
   });
@@ -87,14 +89,14 @@ double scale_end(const std::array<ReducedMap, 4>& maps) {
 
 IndexedImage diverging_image(const ReducedMap& map, double end) {
   IndexedImage image{map.width, map.height, {}, {}};
-  constexpr double kMiddle = (kLevels - 1) / 2.0;
+  constexpr double middle = (kLevels - 1) / 2.0;
   for (std::size_t level = 0; level < kLevels; ++level) {
-    image.palette[level] = diverging_colour(static_cast<double>(level) / kMiddle - 1);
+    image.palette[level] = diverging_colour(static_cast<double>(level) / middle - 1);
   }
   image.palette[kNoValue] = kNoValueColour;
   image.pixels.reserve(map.values.size());
   for (const double value : map.values) {
-    const double level = kMiddle * (1 + std::clamp(value / end, -1.0, 1.0));
+    const double level = middle * (1 + std::clamp(value / end, -1.0, 1.0));
     image.pixels.push_back(std::isfinite(value) ? static_cast<std::uint8_t>(std::lround(level))
                                                 : kNoValue);
   }
@@ -109,7 +111,7 @@ BadPixelMap bad_pixel_map(const Calibration& calibration) {
   std::vector<int> counts(pixel_count(map.image.width, map.image.height));
   for_each_pixel(calibration, [&](std::size_t, int column, int row, std::size_t index) {
     if (calibration.maps.bad[index] == 0) return;
-    ++counts[static_cast<std::size_t>(row / map.block * map.image.width + column / map.block)];
+    ++counts[index_of(column / map.block, row / map.block, map.image.width)];
   });
   map.most = *std::max_element(counts.begin(), counts.end());
   map.image.palette[0] = diverging_colour(0);

@@ -12,11 +12,11 @@ constexpr int kScaleSteps = 60;
 constexpr double kScaleStepWidth = 5;  ///< in units of the SVG
 
 std::string hexadecimal(const Colour& colour) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
+  constexpr std::string_view digits = "0123456789abcdef";
   std::string text = "#";
   for (const std::uint8_t channel : colour) {
-    text += kDigits[channel >> 4];
-    text += kDigits[channel & 15];
+    text += digits[channel >> 4];
+    text += digits[channel & 15];
   }
   return text;
 }

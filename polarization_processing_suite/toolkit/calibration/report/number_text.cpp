@@ -71,7 +71,7 @@ std::string with_error(const Measured& measured, std::string_view unit) {
 }
 
 std::string count_text(std::uint64_t count) {
-  const std::string digits = std::to_string(count);
+  std::string digits = std::to_string(count);
   if (digits.size() < 5) return digits;
   std::string text;
   for (std::size_t i = 0; i < digits.size(); ++i) {
