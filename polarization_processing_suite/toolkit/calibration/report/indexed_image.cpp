@@ -1,6 +1,7 @@
 #include "toolkit/calibration/report/indexed_image.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <span>
 #include <string_view>
 
@@ -38,8 +39,8 @@ Bytes bitmap_of(const IndexedImage& image) {
     bytes.insert(bytes.end(), {colour[2], colour[1], colour[0], 0});
   }
   for (std::uint32_t row = height; row-- > 0;) {
-    const auto start = image.pixels.begin() + static_cast<std::ptrdiff_t>(row * width);
-    bytes.insert(bytes.end(), start, start + image.width);
+    const std::uint8_t* start = image.pixels.data() + std::size_t{row} * width;
+    bytes.insert(bytes.end(), start, start + width);
     bytes.resize(bytes.size() + stride - width);
   }
   return bytes;
