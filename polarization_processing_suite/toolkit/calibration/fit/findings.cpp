@@ -21,9 +21,9 @@ Finding against_noise(const std::string& name, double found, double expected,
                       const std::string& unit) {
   Finding finding{name, found, expected, unit, found <= kFactor * expected, {}};
   finding.verdict = finding.good
-                        ? line_of("%.2g times what noise gives: the model holds", found / expected)
+                        ? line_of("%.2f times what noise gives: the model holds", found / expected)
                         : line_of(
-                              "%.2g times what noise gives: the light, the angles or the sensor do "
+                              "%.2f times what noise gives: the light, the angles or the sensor do "
                               "something that the model does not know",
                               found / expected);
   return finding;

@@ -1,6 +1,7 @@
 #include "toolkit/calibration/fit/phase_check.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <numbers>
@@ -70,11 +71,14 @@ void check_phase(const ClassResponses& responses, const Mosaic& mosaic) {
   const Orientations found = orientations_of(responses, mosaic);
   if (distance(found, mosaic, 1) <= kFarthest) return;
   const CellAngles nominal = cell_angles(mosaic);
+  std::array<long, 4> shown{};  // from 0 to 179, as nominal angles are
+  std::ranges::transform(found, shown.begin(),
+                         [](double angle) { return (std::lround(angle) % 180 + 180) % 180; });
   char text[240];
   std::snprintf(text, sizeof text,
-                "the polarizers of the frame's first cell stand at %.0f, %.0f, %.0f and %.0f "
+                "the polarizers of the frame's first cell stand at %ld, %ld, %ld and %ld "
                 "degrees by the source, but the mosaic has %d, %d, %d and %d there; ",
-                found[0], found[1], found[2], found[3], nominal[0], nominal[1], nominal[2],
+                shown[0], shown[1], shown[2], shown[3], nominal[0], nominal[1], nominal[2],
                 nominal[3]);
   throw Fault(FaultKind::argument, text + advice(found, mosaic));
 }

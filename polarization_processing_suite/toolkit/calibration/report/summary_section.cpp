@@ -119,7 +119,8 @@ void add_findings(HtmlWriter& page, const Calibration& calibration) {
       page.foreign(finding.name);
     }
     page.element("td", with_unit(finding.found, unit), {{"data-label", "found "}});
-    page.element("td", with_unit(finding.expected, unit), {{"data-label", "expected "}});
+    const std::string expected = finding.expected == 0 ? "–" : with_unit(finding.expected, unit);
+    page.element("td", expected, {{"data-label", "expected "}});
     const auto verdict = page.open("td", {{"class", "words"}});
     page.foreign(finding.verdict);
   }
