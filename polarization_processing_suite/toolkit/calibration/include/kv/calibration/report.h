@@ -17,8 +17,8 @@ namespace kv::polarization {
 /// sensor, and half a kilobyte for each frame and finding.
 ///
 /// Numbers that are not finite are told to be unknown. Throws Fault of kind argument when width or
-/// height is not even and above 0, or a map has another size than width * height. Takes half a
-/// second for 5 megapixels, and 12 bytes of memory a pixel.
+/// height is not even and above 0, or a map has another size than width * height. Takes some
+/// 250 ms for 5 megapixels, and 12 bytes of memory a pixel.
 std::string calibration_report(const Calibration& calibration);
 
 /// Writes the page to a file. An earlier file of that name is replaced when all is written, and
