@@ -14,8 +14,9 @@ namespace {
 class Calibrate : public testing::Test {
  protected:
   Calibrate() {
-    EXPECT_EQ(tool_.run("simulate --calibration-stack --sensor 1 --seed 5 --width 64 --height 48 "
-                        "--bit-depth 12 --phase 90 -o stack")
+    EXPECT_EQ(tool_
+                  .run("simulate --calibration-stack --sensor 1 --seed 5 --width 64 --height 48 "
+                       "--bit-depth 12 --phase 90 -o stack")
                   .status,
               0);
   }
@@ -33,14 +34,17 @@ TEST_F(Calibrate, CorrectsFramesOfTheSensor) {
   EXPECT_EQ(result.status, 0) << result.error;
   EXPECT_PRED2(contains, result.out, "52 of 52 frames used");
   EXPECT_PRED2(contains, tool_.content("camera.html"), "Model &lt;1&gt;");
-  EXPECT_EQ(tool_.run("simulate --sensor 1 --seed 5 --width 64 --height 48 --bit-depth 12 --phase 90 "
-                      "-o scene.tiff")
-                .status,
-            0);
+  EXPECT_EQ(
+      tool_
+          .run("simulate --sensor 1 --seed 5 --width 64 --height 48 --bit-depth 12 --phase 90 "
+               "-o scene.tiff")
+          .status,
+      0);
 
   const auto mean_error = [this](const std::string& calibration) {
-    EXPECT_EQ(tool_.run("transform scene.tiff -o x --planes dolp --no-pictures --format pgm " +
-                        calibration)
+    EXPECT_EQ(tool_
+                  .run("transform scene.tiff -o x --planes dolp --no-pictures --format pgm " +
+                       calibration)
                   .status,
               0);
     const Frame dolp = open_frames(tool_.path("x/scene_dolp.pgm"))->read(0);
@@ -55,7 +59,8 @@ TEST_F(Calibrate, CorrectsFramesOfTheSensor) {
   EXPECT_GT(mean_error("--phase 90"), 0.03);
   EXPECT_LT(mean_error("--calibration camera.json"), 0.015);
 
-  const ToolResult other = tool_.run("transform scene.tiff --phase 0 --calibration camera.json -o x");
+  const ToolResult other =
+      tool_.run("transform scene.tiff --phase 0 --calibration camera.json -o x");
   EXPECT_EQ(other.status, 1);
   EXPECT_PRED2(contains, other.error, "phase 90");
 }
@@ -70,7 +75,8 @@ TEST_F(Calibrate, SaysWhatIsWrongAndWritesNothing) {
       {"file,angle\n", "", "no column 'kind'"},
       {"file,kind,angle\n", "", "names no frames"},
       {"kind,file,angle\npolarized,stack/polarized_000.tiff,\n", "", "line 2: the angle is ''"},
-      {"file,kind,angle\n# none\n\nstack/dark_000.tiff,darks,\n", "", "line 4: the kind is 'darks'"},
+      {"file,kind,angle\n# none\n\nstack/dark_000.tiff,darks,\n", "",
+       "line 4: the kind is 'darks'"},
       {"file,kind,angle\nnone.tiff,dark,\n", "", "none.tiff: there is no such file"},
       {"file,kind,angle\n\"stack/polarized_000.tiff\",polarized,0\n", "--phase 90", "3 or more"},
   };
@@ -88,7 +94,8 @@ TEST_F(Calibrate, SaysWhatIsWrongAndWritesNothing) {
 }
 
 TEST_F(Calibrate, IdentifiesTheMosaicFromTurnedLight) {
-  const std::string frames = "identify stack/polarized_010.tiff stack/polarized_055.tiff --turned 45 ";
+  const std::string frames =
+      "identify stack/polarized_010.tiff stack/polarized_055.tiff --turned 45 ";
   const ToolResult told = tool_.run(frames + "--angle 10 --black-level 64");
   EXPECT_EQ(told.status, 0) << told.error;
   EXPECT_PRED2(contains, told.out, "--phase 90\n");

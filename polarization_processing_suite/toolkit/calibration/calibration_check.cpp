@@ -137,6 +137,9 @@ void check_records(const Calibration& calibration) {
     for (const double value : {frame.angle, frame.level, frame.angle_deviation, frame.excess}) {
       check_finite("a value of the frame " + frame.name, value);
     }
+    for (const double mean : frame.class_means) {
+      check_finite("a mean of the frame " + frame.name, mean);
+    }
   }
   for (const Finding& finding : calibration.findings) {
     for (const double value : {finding.found, finding.expected}) {

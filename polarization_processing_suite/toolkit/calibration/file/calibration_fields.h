@@ -52,6 +52,7 @@ void visit_fields(Archive& archive, Record& record) {
   archive("used", record.used);
   archive("refusal", record.refusal);
   archive("level", record.level);
+  archive("class_means", record.class_means);
   archive("angle_deviation", record.angle_deviation);
   archive("excess", record.excess);
 }

@@ -59,6 +59,7 @@ void StackIntake::add(const FrameView& frame, const StackFrame& what, WorkerPool
   const FramePart part = packed(frame, settings_.mosaic, room_);
   entry.record.used = true;
   entry.means = tile_means(part, clip_level_, pool);
+  entry.record.class_means = entry.means.classes;
   if (what.kind == FrameKind::dark && !dark_reference_) {
     dark_reference_ = entry.means.classes;
     black_guess_ = vector_of(entry.means.classes).mean();

@@ -76,13 +76,18 @@ struct FrameRecord {
   FrameKind kind = FrameKind::polarized;
   double angle = 0;  ///< of the polarizer as given or solved, degrees; 0 for other kinds
   bool used = false;
-  std::string refusal;         ///< why it was not used; empty if it was
-  double level = 0;            ///< mean of the samples, counts above black
+  std::string refusal;  ///< why it was not used; empty if it was
+  double level = 0;     ///< mean of the samples, counts above black
+
   double angle_deviation = 0;  ///< degrees by which its light is off `angle`, by all frames
 
   /// Rms deviation of its means over tiles, up to 16 x 16 of each class, from what the other frames
   /// tell, over that of noise: about 1 for a frame that fits. 0 with fewer than 5 polarized frames.
   double excess = 0;
+
+  /// Means of the samples of each class, 0, 45, 90 and 135 degrees, counts, black included: all
+  /// that the brightness and the angle of its light were found from.
+  std::array<double, 4> class_means{};
 };
 
 /// Each line of the verdict: what was found, what noise alone would give, and what that means.
