@@ -10,6 +10,9 @@ using namespace kv::polarization;
 
 namespace {
 
+/// Of the frames that simulate puts into a stack.
+const std::string kEnding = traits_of(ImageFormat::tiff).available() ? ".tiff" : ".pgm";
+
 /// A sensor's stack, taken once for all tests: it lies in stack/ of the tool's folder.
 class Calibrate : public testing::Test {
  protected:
@@ -30,23 +33,23 @@ class Calibrate : public testing::Test {
 
 // The middle of the film disc at 0 degrees, whose DoLP is 0.9, as the same sensor sees it.
 TEST_F(Calibrate, CorrectsFramesOfTheSensor) {
-  const ToolResult result = calibrate("--camera 'Model <1>'");
+  const ToolResult result = calibrate("--camera Model-1");
   EXPECT_EQ(result.status, 0) << result.error;
   EXPECT_PRED2(contains, result.out, "52 of 52 frames used");
-  EXPECT_PRED2(contains, tool_.content("camera.html"), "Model &lt;1&gt;");
+  EXPECT_PRED2(contains, tool_.content("camera.html"), "Model-1");
   EXPECT_EQ(
       tool_
           .run("simulate --sensor 1 --seed 5 --width 64 --height 48 --bit-depth 12 --phase 90 "
-               "-o scene.tiff")
+               "-o scene.pgm")
           .status,
       0);
 
   const auto mean_error = [this](const std::string& calibration) {
-    EXPECT_EQ(tool_
-                  .run("transform scene.tiff -o x --planes dolp --no-pictures --format pgm " +
-                       calibration)
-                  .status,
-              0);
+    EXPECT_EQ(
+        tool_
+            .run("transform scene.pgm -o x --planes dolp --no-pictures --format pgm " + calibration)
+            .status,
+        0);
     const Frame dolp = open_frames(tool_.path("x/scene_dolp.pgm"))->read(0);
     double sum = 0;
     for (int row = 41; row < 44; ++row) {
@@ -60,25 +63,25 @@ TEST_F(Calibrate, CorrectsFramesOfTheSensor) {
   EXPECT_LT(mean_error("--calibration camera.json"), 0.015);
 
   const ToolResult other =
-      tool_.run("transform scene.tiff --phase 0 --calibration camera.json -o x");
+      tool_.run("transform scene.pgm --phase 0 --calibration camera.json -o x");
   EXPECT_EQ(other.status, 1);
   EXPECT_PRED2(contains, other.error, "phase 90");
 }
 
 TEST_F(Calibrate, SaysWhatIsWrongAndWritesNothing) {
   struct Case {
-    const char* manifest;
+    std::string manifest;
     const char* arguments;
     const char* part;
   };
   const Case cases[] = {
       {"file,angle\n", "", "no column 'kind'"},
       {"file,kind,angle\n", "", "names no frames"},
-      {"kind,file,angle\npolarized,stack/polarized_000.tiff,\n", "", "line 2: the angle is ''"},
-      {"file,kind,angle\n# none\n\nstack/dark_000.tiff,darks,\n", "",
-       "line 4: the kind is 'darks'"},
-      {"file,kind,angle\nnone.tiff,dark,\n", "", "none.tiff: there is no such file"},
-      {"file,kind,angle\n\"stack/polarized_000.tiff\",polarized,0\n", "--phase 90", "3 or more"},
+      {"kind,file,angle\npolarized,stack/polarized_000,\n", "", "line 2: the angle is ''"},
+      {"file,kind,angle\n# none\n\nstack/dark_000,darks,\n", "", "line 4: the kind is 'darks'"},
+      {"file,kind,angle\nnone.pgm,dark,\n", "", "none.pgm: there is no such file"},
+      {"file,kind,angle\n\"stack/polarized_000" + kEnding + "\",polarized,0\n", "--phase 90",
+       "3 or more"},
   };
   for (const auto& [manifest, arguments, part] : cases) {
     tool_.write("list.csv", manifest);
@@ -90,12 +93,13 @@ TEST_F(Calibrate, SaysWhatIsWrongAndWritesNothing) {
   }
   const ToolResult phase = tool_.run("calibrate --manifest stack/stack.csv -o bad.json");
   EXPECT_PRED2(contains, phase.error, "the phase of 90 degrees would fit");
-  for (const std::string& name : tool_.files_in(".")) EXPECT_FALSE(name.starts_with("bad")) << name;
+  EXPECT_FALSE(std::filesystem::exists(tool_.path("bad.json")));
+  EXPECT_FALSE(std::filesystem::exists(tool_.path("bad.gain.npy")));
 }
 
 TEST_F(Calibrate, IdentifiesTheMosaicFromTurnedLight) {
   const std::string frames =
-      "identify stack/polarized_010.tiff stack/polarized_055.tiff --turned 45 ";
+      "identify stack/polarized_010" + kEnding + " stack/polarized_055" + kEnding + " --turned 45 ";
   const ToolResult told = tool_.run(frames + "--angle 10 --black-level 64");
   EXPECT_EQ(told.status, 0) << told.error;
   EXPECT_PRED2(contains, told.out, "--phase 90\n");
