@@ -38,10 +38,10 @@ class Stack {
 
   /// A frame once more, by the order of adding.
   FrameView again(std::size_t number) {
-    const auto [index, page] = places_[number];
-    with_name(entries_[index], [&] {
-      open(index);
-      read(page);
+    const Place& place = places_[number];
+    with_name(entries_[place.file], [&] {
+      open(place.file);
+      read(place.page);
     });
     return frame_;
   }

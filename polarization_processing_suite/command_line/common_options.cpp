@@ -20,6 +20,7 @@ void parse_origin(const std::string& text, Mosaic& mosaic) {
 
 std::vector<std::string> pixel_formats() {
   std::vector<std::string> names;
+  names.reserve(kPixelFormats.size());
   for (const PixelFormatTraits& traits : kPixelFormats) names.emplace_back(traits.name);
   return names;
 }

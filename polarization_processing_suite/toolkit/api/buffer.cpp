@@ -25,10 +25,10 @@ constexpr std::align_val_t alignment_of(std::size_t bytes) {
 }  // namespace
 
 void* allocate_pages(std::size_t count, std::size_t size) {
-  constexpr std::size_t kMost = std::numeric_limits<std::ptrdiff_t>::max();
+  constexpr std::size_t most = std::numeric_limits<std::ptrdiff_t>::max();
   const std::size_t bytes = count * size;
   void* memory =
-      count <= kMost / size ? ::operator new(bytes, alignment_of(bytes), std::nothrow) : nullptr;
+      count <= most / size ? ::operator new(bytes, alignment_of(bytes), std::nothrow) : nullptr;
   if (memory == nullptr) {
     throw Fault(FaultKind::memory, "there is no memory for " + std::to_string(count) + " times " +
                                        std::to_string(size) +

@@ -18,7 +18,8 @@ int WorkerPool::threads_of(int count) {
   return count > 0 ? count : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
 }
 
-WorkerPool::WorkerPool(int threads) : failures_(static_cast<std::size_t>(threads)) {
+WorkerPool::WorkerPool(int threads) {
+  failures_.resize(static_cast<std::size_t>(threads));
   try {
     for (int part = 1; part < threads; ++part) {
       workers_.emplace_back([this, part] { wait_for_work(part); });

@@ -19,8 +19,8 @@ class MapMaker::Implementation {
     check_request(frame, mosaic, settings, maps);
     const FramePart part = packed(frame, mosaic, samples_);
     // Some 3 nanoseconds a pixel: fewer would not be worth waking a thread.
-    constexpr std::size_t kLeastPixelsAThread = 40000;
-    const std::size_t worth = pixel_count(frame.width, frame.height) / kLeastPixelsAThread;
+    constexpr std::size_t least_pixels_a_thread = 40000;
+    const std::size_t worth = pixel_count(frame.width, frame.height) / least_pixels_a_thread;
     const int bands = static_cast<int>(std::clamp<std::size_t>(
         worth, 1, static_cast<std::size_t>(std::min(pool_.threads(), frame.height))));
     const auto boundary = [&](int band) {

@@ -49,9 +49,9 @@ std::optional<CellMatrix<double>> solve_rows(const CellOf<Row>& rows) {
                      n.ab * n.bc - n.ac * n.bb};
   const double determinant = n.aa * upper[0] + n.ab * upper[1] + n.ac * upper[2];
   // By this measure four ideal pixels have 1/4, three of them 4/27.
-  constexpr double kLeast = 1e-5;
+  constexpr double least = 1e-5;
   const double scale = n.aa * n.aa * n.aa;
-  if (!(determinant > kLeast * scale) || !std::isfinite(scale)) return std::nullopt;
+  if (!(determinant > least * scale) || !std::isfinite(scale)) return std::nullopt;
   const Row middle = {upper[1], n.aa * n.cc - n.ac * n.ac, n.ab * n.ac - n.aa * n.bc};
   const Row lower = {upper[2], middle[2], n.aa * n.bb - n.ab * n.ab};
   CellMatrix<double> matrix;

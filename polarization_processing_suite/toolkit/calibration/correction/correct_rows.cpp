@@ -82,8 +82,9 @@ class RowCorrector {
     const int first = index * kBlockCells;
     const int last = std::min(first + kBlockCells, table_.columns());
     for (int column = first; column < last; ++column) {
-      const std::uint16_t* upper = from.upper + 2 * (column - first);
-      const std::uint16_t* lower = from.lower + 2 * (column - first);
+      const std::ptrdiff_t place = std::ptrdiff_t{2} * (column - first);
+      const std::uint16_t* upper = from.upper + place;
+      const std::uint16_t* lower = from.lower + place;
       if (std::max({upper[0], upper[1], lower[0], lower[1]}) < settings_.clip_level) continue;
       CellRecord cell;
       cell.column = column;
@@ -100,8 +101,8 @@ class RowCorrector {
         correct_special(cell, {upper[0], upper[1], lower[0], lower[1]}, settings_.clip_level,
                         settings_.rescue, settings_.output);
     const int count = std::min(2, frame_.width - column);
-    std::copy_n(&corrected.samples[0], count, corrected_.upper + column);
-    if (has_lower_) std::copy_n(&corrected.samples[2], count, corrected_.lower + column);
+    std::copy_n(corrected.samples.data(), count, corrected_.upper + column);
+    if (has_lower_) std::copy_n(corrected.samples.data() + 2, count, corrected_.lower + column);
     for (auto* flags : {flags_.upper, flags_.lower}) {
       if (flags != nullptr) std::fill_n(flags + column, count, corrected.flags);
     }

@@ -44,9 +44,9 @@ struct Spread {
   /// Few cells are further out than 8 standard deviations; they would take resolution from all
   /// others.
   float step() const {
-    constexpr double kLeastRange = 0.5 / kCommonSteps;  // of rounding the common coefficients
+    constexpr double least_range = 0.5 / kCommonSteps;  // of rounding the common coefficients
     const double range = std::min(greatest, 8 * std::sqrt(squares / std::max(count, 1.0)));
-    return static_cast<float>(std::max(range, kLeastRange) / kGreatestDeviation);
+    return static_cast<float>(std::max(range, least_range) / kGreatestDeviation);
   }
 };
 
@@ -139,8 +139,8 @@ bool CorrectionTable::store(const CellCoefficients& coefficients, std::int16_t* 
   std::array<float, kCoefficients> encoded;
   for (std::size_t i = 0; i < kCoefficients; ++i) {
     encoded[i] = scale_.encode(i, coefficients[i]);
-    constexpr float kGreatestBlack = 32767;
-    if (std::abs(encoded[i]) > (i < kMean ? kGreatestBlack : kGreatestDeviation)) return false;
+    constexpr float greatest_black = 32767;
+    if (std::abs(encoded[i]) > (i < kMean ? greatest_black : kGreatestDeviation)) return false;
   }
   for (std::size_t i = 0; i < kCoefficients; ++i) {
     block[index_in_block(i, cell)] = static_cast<std::int16_t>(encoded[i]);

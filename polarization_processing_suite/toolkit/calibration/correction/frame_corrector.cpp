@@ -45,14 +45,14 @@ FramePlace place_within(const Calibration& calibration, const Mosaic& mosaic, in
 }
 
 int bits_gained(double greatest_result, const CorrectionSettings& settings) {
-  constexpr int kGreatestPedestal = 32767;
-  if (settings.pedestal > kGreatestPedestal) {
+  constexpr int greatest_pedestal = 32767;
+  if (settings.pedestal > greatest_pedestal) {
     refuse("a pedestal of " + std::to_string(settings.pedestal) +
-           " leaves too little for the light; it must be " + std::to_string(kGreatestPedestal) +
+           " leaves too little for the light; it must be " + std::to_string(greatest_pedestal) +
            " or less");
   }
-  constexpr double kResolution = 8;  // of coefficients in 16 bits, at most some counts
-  const double room = kGreatestCorrected - settings.pedestal - kResolution;
+  constexpr double one_step = 8;  // of coefficients in 16 bits, at most some counts
+  const double room = kGreatestCorrected - settings.pedestal - one_step;
   return static_cast<int>(std::floor(std::log2(room / std::max(greatest_result, 1.0))));
 }
 
@@ -81,8 +81,8 @@ class FrameCorrector::Implementation {
     corrected.reshape(static_cast<unsigned>(width_), static_cast<unsigned>(height_),
                       kCorrectedBitDepth);
     // Some nanosecond a pixel: fewer would not be worth waking a thread.
-    constexpr std::size_t kLeastPixelsAThread = 100000;
-    const std::size_t worth = pixel_count(width_, height_) / kLeastPixelsAThread;
+    constexpr std::size_t least_pixels_a_thread = 100000;
+    const std::size_t worth = pixel_count(width_, height_) / least_pixels_a_thread;
     const int bands = static_cast<int>(std::clamp<std::size_t>(
         worth, 1, static_cast<std::size_t>(std::min(pool_.threads(), table_.rows()))));
     const auto boundary = [&](int band) {

@@ -18,8 +18,8 @@ std::string npy_start(int width, int height) {
   const std::string type = std::is_same_v<Number, float> ? "<f4" : "|u1";
   std::string text = "{'descr': '" + type + "', 'fortran_order': False, 'shape': (" +
                      std::to_string(height) + ", " + std::to_string(width) + "), }";
-  constexpr std::size_t kBeforeText = 10;
-  while ((kBeforeText + text.size() + 1) % 64 != 0) text += ' ';
+  constexpr std::size_t before_text = 10;
+  while ((before_text + text.size() + 1) % 64 != 0) text += ' ';
   text += '\n';
   const char length[] = {static_cast<char>(text.size() & 255), static_cast<char>(text.size() >> 8)};
   return "\x93NUMPY" + std::string{1, 0} + std::string(length, 2) + text;

@@ -21,7 +21,9 @@ Inverse inverse_of(const Cell& cell) {
 /// Calls work(angle) for angles over half a turn.
 template <class Work>
 void for_angles(const Work& work) {
-  for (double angle = kFirstAngle; angle < 180; angle += kAngleStep) work(angle);
+  for (int step = 0; kFirstAngle + step * kAngleStep < 180; ++step) {
+    work(kFirstAngle + step * kAngleStep);
+  }
 }
 
 class ErrorSum {
@@ -91,6 +93,7 @@ std::vector<std::size_t> frames_of_half(const Stack& stack, std::size_t half) {
 /// Whether the angles of those frames determine a pixel.
 bool determine(const FitEvidence& evidence, const std::vector<std::size_t>& frames) {
   std::vector<ClassLight> lights;
+  lights.reserve(frames.size());
   for (const std::size_t index : frames) {
     lights.push_back({Eigen::Vector4d::Zero(), evidence.stack[index].record.angle});
   }

@@ -62,6 +62,7 @@ ClassResponses fit_classes(const std::vector<ClassLight>& frames) {
   double sum = 0;
   for (const ClassLight& frame : frames) sum += frame.means.sum();
   std::vector<double> levels;
+  levels.reserve(frames.size());
   for (const ClassLight& frame : frames) {
     levels.push_back(frame.means.sum() / sum * static_cast<double>(frames.size()));
   }
