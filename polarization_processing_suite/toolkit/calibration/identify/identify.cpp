@@ -102,6 +102,7 @@ std::string name_of(const MosaicCandidate& candidate) {
 double weigh(const TurnedLight& light, const DiagonalLight& first, const DiagonalLight& second,
              std::vector<MosaicCandidate>& candidates) {
   std::vector<double> misfits;
+  misfits.reserve(candidates.size());
   for (const auto& candidate : candidates) {
     misfits.push_back(misfit_of(candidate, light, first, second));
   }
