@@ -47,13 +47,13 @@ class Processor {
   ///
   /// Costs, beside one call of the library for the same planes at 2448 x 2048, on a server
   /// processor of 2023:
-  /// - 16-bit planes: none. Two threads take 0.52 to 0.6 of the time, as far as memory keeps up; a
+  /// - 16-bit planes: none. Two threads take 0.52 to 0.63 of the time, as far as memory keeps up; a
   ///   frame of less than 0.15 ms of work stays on one.
-  /// - normalized_stokes: 2.3 times the call on one thread, 1.3 times on two. In a single call half
-  /// of
-  ///   the pairs replace each other, so that all of them are twice the work and twice the bytes.
+  /// - normalized_stokes: 2.1 to 2.3 times the call on one thread, 1.2 to 1.5 times on two. In a
+  ///   single call half of the pairs replace each other, so that all of them are twice the work and
+  ///   twice the bytes.
   /// - each further output_max: one more call.
-  /// - WeightReach::every_pixel: 7 to 12 times the call, on two threads 4 to 7 times.
+  /// - WeightReach::every_pixel: 7 to 12 times the call, on two threads 4 to 6 times.
   /// - a frame of 8 bits, with gaps, left-aligned or at an odd address: a copy, 0.6 ms.
   ///
   /// Throws Fault of kind argument, before anything is computed: a frame that check() refuses, that
