@@ -133,6 +133,7 @@ class TransformRun {
   void compute_planes(const Frame& frame) {
     planes_.reshape(frame.width, frame.height, options_.planes, options_.output_max);
     if (options_.planes.empty()) return;
+    if (frames_ == 0) touch_planes();
     const auto start = std::chrono::steady_clock::now();
     processor_.transform(frame, mosaic_, planes_.views());
     seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -141,6 +142,17 @@ class TransformRun {
     const std::size_t clipped = count_clipped_intensity(frame);
     clipped_pixels_ += static_cast<double>(clipped);
     if (clipped > 0) ++clipped_frames_;
+  }
+
+  /// The system clears fresh memory when it is first written: that is no time of the transform.
+  void touch_planes() {
+    const PlaneViews views = planes_.views();
+    std::ranges::fill(views.normalized_stokes, 0.0F);
+    for (const PlaneTraits& traits : kPlanes) {
+      if (traits.element == PlaneElement::level) {
+        std::ranges::fill(views.level(traits.plane).levels, std::uint16_t{0});
+      }
+    }
   }
 
   void warn_of_clipped_intensity() {
