@@ -40,7 +40,7 @@ constexpr std::array kSets = {
     NamedPlanes{"normalized_stokes", OutputSet(Plane::normalized_stokes)},
     NamedPlanes{"all_six", OutputSet::all()}};
 
-/// A frame of 12 bits in a row pitch of its own, and its planes.
+/// A frame of 12 bits and its planes.
 struct Slot {
   Frame frame;
   Planes planes;

@@ -7,6 +7,7 @@
 #include "command_line/stack_manifest.h"
 #include "kv/calibration/calibration_file.h"
 #include "kv/calibration/report.h"
+#include "kv/image_files/pending_file.h"
 #include "kv/polarization/fault.h"
 #include "platform/process.h"
 
@@ -103,12 +104,22 @@ void print_result(const Calibration& calibration, const CalibrateOptions& option
             << report.string() << std::endl;
 }
 
+/// Whether both files can be written, before many frames are read for them.
+void check_outputs(const std::filesystem::path& calibration, const std::filesystem::path& report) {
+  if (calibration.extension() != ".json") {
+    throw Fault(FaultKind::argument, "a calibration cannot be written to " + calibration.string() +
+                                         "; its name must end in .json");
+  }
+  for (const auto& file : {calibration, report}) PendingFile never_published(file);
+}
+
 }  // namespace
 
 int run_calibrate(const CalibrateOptions& options) {
   const std::filesystem::path report =
       options.report ? *options.report
                      : std::filesystem::path(options.file).replace_extension(".html");
+  check_outputs(options.file, report);
   Stack stack(options);
   CalibrationFit fit(options.fit);
   {

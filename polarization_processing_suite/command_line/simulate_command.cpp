@@ -36,10 +36,10 @@ Frame frame_of(const SimulateOptions& options) {
 
 int run_simulate(const SimulateOptions& options) {
   if (options.calibration_stack) {
-    const std::filesystem::path manifest = write_calibration_stack(options);
-    std::cout << "52 frames of " << options.width << " x " << options.height
+    const WrittenStack stack = write_calibration_stack(options);
+    std::cout << stack.frames << " frames of " << options.width << " x " << options.height
               << " pixels, and what the sensor truly is, in " << options.file.string()
-              << "; next: kv-polarize calibrate --manifest " << manifest.string()
+              << "; next: kv-polarize calibrate --manifest " << stack.manifest.string()
               << (options.phase_degrees != 0 ? " --phase " + std::to_string(options.phase_degrees)
                                              : "")
               << " -o camera.json" << std::endl;

@@ -30,12 +30,12 @@ class StackWriter {
     manifest_ += file + "," + kind + "," + angle + "\n";
   }
 
-  std::filesystem::path write_manifest() const {
+  WrittenStack write_manifest() const {
     PendingFile file(folder_ / "stack.csv");
     file.write(manifest_.data(), manifest_.size());
     file.close();
     file.publish();
-    return file.target();
+    return {static_cast<std::size_t>(number_), file.target()};
   }
 
   void write_truth() const {
@@ -85,7 +85,7 @@ SimulatedSensor sensor_of(const SimulateOptions& options) {
   return SimulatedSensor(sensor);
 }
 
-std::filesystem::path write_calibration_stack(const SimulateOptions& options) {
+WrittenStack write_calibration_stack(const SimulateOptions& options) {
   std::error_code failure;
   std::filesystem::create_directories(options.file, failure);
   if (!std::filesystem::is_directory(options.file)) {

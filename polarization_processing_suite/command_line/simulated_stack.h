@@ -8,9 +8,14 @@ namespace kv::polarization {
 /// The sensor that the options ask for.
 SimulatedSensor sensor_of(const SimulateOptions& options);
 
+struct WrittenStack {
+  std::size_t frames;
+  std::filesystem::path manifest;
+};
+
 /// Writes what a careful user would take of a sensor: 36 frames behind a polarizer in steps of 5
 /// degrees, 8 darks, 8 flats, the manifest stack.csv that names them, and what the sensor truly is:
-/// truth_gain.npy and so on. Returns the manifest.
-std::filesystem::path write_calibration_stack(const SimulateOptions& options);
+/// truth_gain.npy and so on.
+WrittenStack write_calibration_stack(const SimulateOptions& options);
 
 }  // namespace kv::polarization

@@ -91,6 +91,12 @@ TEST_F(Calibrate, SaysWhatIsWrongAndWritesNothing) {
     EXPECT_EQ(result.complaints(), 1);
     EXPECT_PRED2(contains, result.error, part);
   }
+  // Told before any frame is read.
+  for (const char* file : {"camera", "none/camera.json"}) {
+    const ToolResult result = tool_.run("calibrate --manifest list.csv -o " + std::string(file));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_PRED2(contains, result.error, file);
+  }
   const ToolResult phase = tool_.run("calibrate --manifest stack/stack.csv -o bad.json");
   EXPECT_PRED2(contains, phase.error, "the phase of 90 degrees would fit");
   EXPECT_FALSE(std::filesystem::exists(tool_.path("bad.json")));

@@ -21,8 +21,8 @@ constexpr bool can_be_cut(int width, int height) { return packs_pairs(width, hei
 inline constexpr int kLeastStrip = 4;
 
 /// Fill rows `first` to `last` - 1 of planes, and touch no other: `first` is even, and `last` even
-/// or the end of the frame. A frame that cannot be cut is one strip, and so is what is left of
-/// others: strips have kLeastStrip rows or more.
+/// or the end of the frame. A frame that cannot be cut is one strip; those of others have
+/// kLeastStrip rows or more.
 
 /// With the bytes of one call of the library for the whole frame, and every pair at its place.
 void fill_as_library(PolarizationProcessor* handle, const FramePart& frame, int first, int last,
