@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -33,9 +34,21 @@ struct FloatImage {
   std::span<const float> values;
 };
 
+/// How hard a writer tries to make a file small. PNG and TIFF compress, without loss; the other
+/// formats leave it out of account.
+enum class Compression : std::uint8_t {
+  none,  ///< as fast as the disk
+  fast,  ///< some 600 MB of samples a second: what noise allows, without a search for repeats
+  small  ///< a few per cent smaller, at ten times the time
+};
+
 struct WriteOptions {
   /// UTF-8. Kept by PNG and TIFF, and as a comment by PGM; the other formats have no place for it.
-  std::string title;
+  std::string title{};
+  /// What made the image, UTF-8 in one line. Kept where the title is; provenance_of() reads it.
+  std::string provenance{};
+  /// None for what is usual: fast for PNG, none for TIFF, so that all programs read it.
+  std::optional<Compression> compression{};
 };
 
 /// Writes the whole of an image to a file that its caller closes and publishes.
