@@ -1,11 +1,14 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
-#include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
-#include "command_line/commands.h"
+#include "command_line/command.h"
 #include "command_line/exit_status.h"
+#include "command_line/habits.h"
+#include "command_line/messages.h"
+#include "command_line/options/values.h"
 #include "platform/process.h"
 
 using namespace kv::polarization;
@@ -17,20 +20,21 @@ constexpr const char* kDescription =
     "planes.";
 
 constexpr const char* kFooter =
-    "Examples:\n"
-    "  kv-polarize simulate -o frame.png\n"
-    "  kv-polarize transform frame.png -o planes\n"
-    "  kv-polarize calibrate --manifest stack.csv -o camera.json\n"
-    "  kv-polarize transform night/*.tif -o planes --phase 90 --calibration camera.json\n"
-    "  kv-polarize transform dump.raw -o planes --width 2448 --height 2048 --raw-format Mono12p\n"
+    "kv-polarize COMMAND --help tells the options of a command.\n"
     "\n"
-    "Exit status: 0 all went well; 1 a frame or the whole work failed; 2 the command line is "
-    "wrong;\n"
-    "130 stopped by Ctrl-C.";
+    "Exit status: 0 all went well; 1 some of the work failed; 2 the command line is wrong, or\n"
+    "nothing could be done; 130 stopped by Ctrl-C.";
 
-int complain(const std::string& line, int status) {
-  std::cerr << "kv-polarize: " << line << std::endl;
-  return status;
+int refuse(const std::string& line) {
+  complain(line);
+  return exit_nothing_done;
+}
+
+int run(const Commands& commands) {
+  for (const auto& command : commands) {
+    if (command->chosen()) return command->run();
+  }
+  return refuse("there is no command; see kv-polarize --help");
 }
 
 }  // namespace
@@ -42,23 +46,24 @@ int main(int argc, char** argv) {
     CLI::App app(kDescription, "kv-polarize");
     app.footer(kFooter);
     app.set_version_flag("--version", "kv-polarize " KV_VERSION);
-    app.require_subcommand(1);
-    std::unique_ptr<Command> commands[] = {make_transform_command(app), make_simulate_command(app),
-                                           make_calibrate_command(app), make_identify_command(app)};
+    app.require_subcommand(0, 1);
+    const Commands commands = make_commands(app);
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (const auto values = asked_values(commands, arguments)) {
+      std::cout << *values << std::flush;
+      return exit_success;
+    }
     try {
+      check_command_name(commands, arguments);
       app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
       if (error.get_exit_code() == 0) return app.exit(error);
-      return complain(std::string(error.what()) + "; see kv-polarize --help", exit_usage);
+      return refuse(std::string(error.what()) + "; see kv-polarize --help");
     }
-    for (const auto& command : commands) {
-      if (command->chosen()) return command->run();
-    }
-    return exit_usage;
+    return run(commands);
   } catch (const std::bad_alloc&) {
-    return complain("there is not enough memory; close other programs or use a smaller frame",
-                    exit_failure);
+    return refuse("there is not enough memory; close other programs or use a smaller frame");
   } catch (const std::exception& error) {
-    return complain(error.what(), exit_failure);
+    return refuse(error.what());
   }
 }

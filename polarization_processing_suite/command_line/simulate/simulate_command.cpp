@@ -1,10 +1,10 @@
-#include "command_line/simulate_command.h"
+#include "command_line/simulate/simulate_command.h"
 
 #include <iostream>
 #include <string>
 
 #include "command_line/exit_status.h"
-#include "command_line/simulated_stack.h"
+#include "command_line/simulate/simulated_stack.h"
 #include "kv/image_files/image_writer.h"
 
 namespace kv::polarization {

@@ -1,4 +1,4 @@
-#include "command_line/frame_output.h"
+#include "command_line/transform/frame_output.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,4 +1,4 @@
-#include "command_line/stack_manifest.h"
+#include "command_line/calibrate/stack_manifest.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "command_line/simulate_command.h"
+#include "command_line/simulate/simulate_command.h"
 #include "toolkit/simulation/simulated_sensor.h"
 
 namespace kv::polarization {

@@ -1,4 +1,4 @@
-#include "command_line/identify_command.h"
+#include "command_line/identify/identify_command.h"
 
 #include <iomanip>
 #include <iostream>
@@ -33,7 +33,7 @@ int run_identify(const IdentifyOptions& options) {
               << (candidate.mirrored ? ", the image is mirrored" : "") << '\n';
   }
   std::cout << found.verdict << std::endl;
-  return found.is_told ? exit_success : exit_failure;
+  return found.is_told ? exit_success : exit_some_failed;
 }
 
 }  // namespace kv::polarization

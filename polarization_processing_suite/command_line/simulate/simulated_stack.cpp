@@ -1,4 +1,4 @@
-#include "command_line/simulated_stack.h"
+#include "command_line/simulate/simulated_stack.h"
 
 #include <string>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "command_line/output_names.h"
+#include "command_line/transform/output_names.h"
 
 #include <system_error>
 #include <utility>

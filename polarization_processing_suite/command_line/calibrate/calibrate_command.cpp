@@ -1,10 +1,10 @@
-#include "command_line/calibrate_command.h"
+#include "command_line/calibrate/calibrate_command.h"
 
 #include <iostream>
 
+#include "command_line/calibrate/stack_manifest.h"
 #include "command_line/exit_status.h"
 #include "command_line/progress_bar.h"
-#include "command_line/stack_manifest.h"
 #include "kv/calibration/calibration_file.h"
 #include "kv/calibration/report.h"
 #include "kv/image_files/pending_file.h"

@@ -1,4 +1,4 @@
-#include "command_line/transform_command.h"
+#include "command_line/transform/transform_command.h"
 
 #include <algorithm>
 #include <chrono>
@@ -10,9 +10,10 @@
 #include <system_error>
 
 #include "command_line/exit_status.h"
-#include "command_line/frame_output.h"
-#include "command_line/output_names.h"
+#include "command_line/options/common_options.h"
 #include "command_line/progress_bar.h"
+#include "command_line/transform/frame_output.h"
+#include "command_line/transform/output_names.h"
 #include "kv/calibration/calibration_file.h"
 #include "kv/calibration/frame_corrector.h"
 #include "kv/pictures/picture_kinds.h"
@@ -53,7 +54,7 @@ class TransformRun {
     warn_of_clipped_intensity();
     print_summary();
     if (platform::interrupted()) return exit_interrupted;
-    return failures_ == 0 ? exit_success : exit_failure;
+    return failures_ == 0 ? exit_success : frames_ == 0 ? exit_nothing_done : exit_some_failed;
   }
 
  private:
@@ -62,7 +63,7 @@ class TransformRun {
     std::unique_ptr<FrameReader> reader;
     std::size_t pages = 0;
     const auto open_file = [&] {
-      reader = open(file);
+      reader = open_frames_of_user(file, options_.raw_shape);
       pages = reader->count();
     };
     if (!attempt(file.string(), open_file)) return;
@@ -71,16 +72,6 @@ class TransformRun {
       const std::string name =
           file.string() + (pages > 1 ? ", page " + std::to_string(page + 1) : "");
       attempt(name, [&] { transform_frame(file, *reader, page, name); });
-    }
-  }
-
-  std::unique_ptr<FrameReader> open(const std::filesystem::path& file) const {
-    try {
-      return open_frames(file, options_.raw_shape);
-    } catch (const Fault& fault) {
-      if (fault.kind() != FaultKind::unsupported || format_of_content(file)) throw;
-      throw Fault(fault.kind(), std::string(fault.what()) +
-                                    ": by --width, --height and --raw-format or --raw-bits");
     }
   }
 

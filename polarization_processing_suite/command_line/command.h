@@ -1,0 +1,55 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "command_line/options/option_list.h"
+
+namespace kv::polarization {
+
+/// A command of the tool: its page, its options, and what it does.
+class Command {
+ public:
+  Command(CLI::App& app, CommandPage page)
+      : page_(std::move(page)),
+        command_(*app.add_subcommand(page_.name, page_.summary)),
+        options_(command_) {
+    std::string examples = page_.examples.empty() ? "" : "Examples:";
+    for (const std::string& example : page_.examples) examples += "\n  " + example;
+    command_.footer(examples);
+  }
+  virtual ~Command() = default;
+  Command(const Command&) = delete;
+  Command& operator=(const Command&) = delete;
+
+  bool chosen() const { return command_.parsed(); }
+  const CommandPage& page() const { return page_; }
+  const OptionList& options() const { return options_; }
+
+  /// Does the work of the options as they were parsed. Returns an exit status. Throws UsageError
+  /// for options that do not go together, and what the work throws before any of it is done.
+  virtual int run() = 0;
+
+ protected:
+  OptionList& options() { return options_; }
+
+ private:
+  CommandPage page_;
+  CLI::App& command_;
+  OptionList options_;
+};
+
+using Commands = std::vector<std::unique_ptr<Command>>;
+
+/// All commands of the tool, in the order of its help. The application must outlive them.
+Commands make_commands(CLI::App& app);
+
+// Each adds its command to the application.
+std::unique_ptr<Command> make_transform_command(CLI::App& app);
+std::unique_ptr<Command> make_simulate_command(CLI::App& app);
+std::unique_ptr<Command> make_calibrate_command(CLI::App& app);
+std::unique_ptr<Command> make_identify_command(CLI::App& app);
+
+}  // namespace kv::polarization
