@@ -5,13 +5,22 @@ namespace kv::platform {
 /// Whether a person is likely to watch the error stream.
 bool error_stream_is_terminal();
 
-/// From here on Ctrl-C only raises the flag that `interrupted` reads, so that work can end at a
-/// good place; a second Ctrl-C ends the process.
+/// Columns of the terminal that the error stream goes to; 80 when it goes to none, or that does not
+/// tell.
+int terminal_columns();
+
+/// From here on a wish to end the process only raises the flag that `interrupted` reads, so that
+/// work can end at a good place: Ctrl-C, SIGTERM, and SIGHUP unless it was ignored before, as nohup
+/// does it. Waits for a pipe end with EINTR. The second wish removes the files of register_file and
+/// ends the process with status 128 + the signal's number: 130 for Ctrl-C.
 void defer_interrupts();
 bool interrupted();
 
 /// A file that outgrows the user's limit becomes an ordinary failed write.
 void ignore_file_size_signal();
+
+/// So does a pipe whose reader has ended.
+void ignore_broken_pipes();
 
 /// For this process and the libraries that it loads from here on. Call it before a thread starts.
 void set_environment(const char* name, const char* value);

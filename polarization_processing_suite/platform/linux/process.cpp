@@ -1,12 +1,23 @@
 #include "platform/process.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cstdlib>
 
 namespace kv::platform {
 
+namespace {
+constexpr int kUsualColumns = 80;
+}
+
 bool error_stream_is_terminal() { return isatty(STDERR_FILENO) != 0; }
+
+int terminal_columns() {
+  winsize size{};
+  const bool told = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return told ? size.ws_col : kUsualColumns;
+}
 
 void set_environment(const char* name, const char* value) {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): the caller sees to it that there is one thread.
