@@ -19,6 +19,15 @@ install(FILES ${PROJECT_SOURCE_DIR}/polarization_processing_suite/planes/plane_l
 
 install(EXPORT kv_polarization FILE kv_polarization-targets.cmake NAMESPACE kv::
         DESTINATION ${toolkit_package_dir})
+# What inflates and deflates, by its names for CMake and pkg-config.
+if(libdeflate_LIBRARY)
+  set(deflate_package libdeflate)
+  set(deflate_pkg_config libdeflate)
+  install(FILES ${CMAKE_CURRENT_LIST_DIR}/Findlibdeflate.cmake DESTINATION ${toolkit_package_dir})
+else()
+  set(deflate_package ZLIB)
+  set(deflate_pkg_config zlib)
+endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/kv_polarization-config.cmake.in
                ${PROJECT_BINARY_DIR}/kv_polarization-config.cmake @ONLY)
 write_basic_package_version_file(
@@ -34,8 +43,8 @@ install_pkg_config(kv-polarization
   REQUIRES "${library} = ${PROJECT_VERSION}"
   LIBS "-lkv_polarization -pthread")
 set(image_libraries)
-if(KV_WITH_PNG)
-  list(APPEND image_libraries libpng)
+if(KV_WITH_PNG OR KV_WITH_TIFF)
+  list(APPEND image_libraries ${deflate_pkg_config})
 endif()
 if(KV_WITH_TIFF)
   list(APPEND image_libraries libtiff-4)

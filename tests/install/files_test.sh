@@ -16,6 +16,7 @@ $(find "$toolkit"/*/include -type f -printf 'include/%P\n')
 $lib/cmake/$name/$name-config-$configuration.cmake
 $lib/cmake/$name/$name-config-version.cmake
 $lib/cmake/$name/$name-config.cmake
+$lib/cmake/kv_polarization/Findlibdeflate.cmake
 $lib/cmake/kv_polarization/kv_polarization-config-version.cmake
 $lib/cmake/kv_polarization/kv_polarization-config.cmake
 $lib/cmake/kv_polarization/kv_polarization-targets-$configuration.cmake

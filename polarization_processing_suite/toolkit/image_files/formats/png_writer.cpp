@@ -1,100 +1,96 @@
 #include "toolkit/image_files/formats/png_writer.h"
 
-#include <zlib.h>
-
-#include <string>
+#include <algorithm>
 #include <utility>
 
-#include "toolkit/image_files/formats/png_state.h"
+#include "toolkit/image_files/deflate/zlib_encoder.h"
+#include "toolkit/image_files/formats/png_chunks.h"
+#include "toolkit/image_files/formats/png_filters.h"
+#include "toolkit/image_files/formats/png_header.h"
 #include "toolkit/image_files/samples.h"
 #include "toolkit/image_files/stored_samples.h"
 
 namespace kv::polarization {
 namespace {
 
-void write_bytes(png_structp png, png_bytep data, std::size_t size) {
-  auto* stream = static_cast<std::FILE*>(png_get_io_ptr(png));
-  if (std::fwrite(data, 1, size, stream) != size) png_error(png, "write failed");
+/// A row of bytes with its margins, at first all 0.
+class PaddedRow {
+ public:
+  explicit PaddedRow(std::size_t size) : bytes_(size + 2 * kFilterMargin), size_(size) {
+    std::fill(bytes_.begin(), bytes_.end(), std::uint8_t{0});
+  }
+  std::span<std::uint8_t> bytes() { return {bytes_.data() + kFilterMargin, size_}; }
+
+ private:
+  Buffer<std::uint8_t> bytes_;
+  std::size_t size_;
+};
+
+/// Rows that are compressed at once: as many as a block of deflate holds, so that they stay in the
+/// processor's caches, and one at least.
+std::size_t rows_a_band(std::size_t stored_row, std::size_t rows) {
+  return std::clamp<std::size_t>(kMostOfBlock / stored_row, 1, rows);
 }
 
-void flush_later(png_structp) {}
+/// put_row(row, place) gives the bytes of a row.
+template <class PutRow>
+void write_png(PendingFile& file, const PngHeader& header, std::size_t pixel, PngFilter filter_kind,
+               const WriteOptions& options, PutRow put_row) {
+  const Compression compression = options.compression.value_or(Compression::fast);
+  if (compression == Compression::none) filter_kind = PngFilter::none;
+  write_png_header(file, header);
+  write_png_text(file, "Title", options.title);
+  write_png_text(file, kPngProvenance, options.provenance);
 
-struct Layout {
-  int width;
-  int height;
-  int bits;
-  int colour_type;
-  std::size_t row_size;
-};
-
-/// The one kind of text that is UTF-8. libpng asks for texts that could be changed.
-struct Title {
-  explicit Title(std::string title) : text(std::move(title)) {
-    entry.compression = PNG_ITXT_COMPRESSION_NONE;
-    entry.key = key.data();
-    entry.text = text.data();
-    entry.itxt_length = text.size();
-    entry.lang = none.data();
-    entry.lang_key = none.data();
+  const std::size_t rows = header.height;
+  const std::size_t row_size = header.width * pixel;
+  const std::size_t band_rows = rows_a_band(1 + row_size, rows);
+  PaddedRow here(row_size);
+  PaddedRow above(row_size);
+  Buffer<std::uint8_t> band(band_rows * (1 + row_size) + kFilterMargin);
+  ZlibEncoder encoder(compression);
+  std::size_t filled = 0;
+  for (std::size_t row = 0; row < rows; ++row) {
+    put_row(row, here.bytes());
+    band[filled] = static_cast<std::uint8_t>(filter_kind);
+    filter(filter_kind, here.bytes(), above.bytes().data(), pixel, band.data() + filled + 1);
+    filled += 1 + row_size;
+    std::swap(here, above);
+    const bool last = row + 1 == rows;
+    if (!last && (row + 1) % band_rows != 0) continue;
+    const auto stream = encoder.encode({band.data(), filled}, last);
+    if (!stream.empty()) write_png_chunk(file, "IDAT", stream);
+    filled = 0;
   }
-
-  std::string key = "Title";
-  std::string text;
-  std::string none;
-  png_text entry{};
-};
-
-/// Rows of 16 bits are in the machine's own order.
-void encode(PendingFile& file, const Layout& layout, const void* pixels,
-            const WriteOptions& options) {
-  const auto* bytes = static_cast<const std::uint8_t*>(pixels);
-  std::string message;
-  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &message, keep_png_message,
-                                            ignore_png_warning);
-  png_infop info = png_create_info_struct(png);
-  require_png_state(png, info);
-  const Title title(options.title);
-  const png_text* entry = title.text.empty() ? nullptr : &title.entry;
-  std::FILE* stream = file.stream();
-  const bool success = png_succeeds(png, [=] {
-    png_set_write_fn(png, stream, write_bytes, flush_later);
-    lift_png_limits(png);
-    png_set_IHDR(png, info, static_cast<png_uint_32>(layout.width),
-                 static_cast<png_uint_32>(layout.height), layout.bits, layout.colour_type,
-                 PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    if (entry != nullptr) png_set_text(png, info, entry, 1);
-    // The differences of noisy neighbours repeat only in flat areas. A search for other repeats
-    // takes half as long again and makes the files no smaller.
-    png_set_compression_level(png, 1);
-    png_set_compression_strategy(png, Z_RLE);
-    png_set_filter(png, PNG_FILTER_TYPE_DEFAULT, PNG_FILTER_SUB);
-    png_write_info(png, info);
-    if (layout.bits == 16) png_set_swap(png);
-    for (int row = 0; row < layout.height; ++row) {
-      png_write_row(png, bytes + static_cast<std::size_t>(row) * layout.row_size);
-    }
-    png_write_end(png, info);
-  });
-  png_destroy_write_struct(&png, &info);
-  if (!success) file.fail();
+  write_png_chunk(file, "IEND", {});
 }
 
 }  // namespace
 
+/// Differences to the left make files a few per cent larger than Paeth's, but are read in half the
+/// time.
 void write_png_grey(PendingFile& file, const GreyImage& image, const WriteOptions& options) {
   const std::size_t sample_size = bytes_a_sample(image.bit_depth);
-  const Layout layout{image.width, image.height, static_cast<int>(8 * sample_size),
-                      PNG_COLOR_TYPE_GRAY, static_cast<std::size_t>(image.width) * sample_size};
-  if (sample_size == 2) return encode(file, layout, image.samples.data(), options);
-  Buffer<std::uint8_t> bytes(image.samples.size());
-  narrow(image.samples, bytes.data());
-  encode(file, layout, bytes.data(), options);
+  const auto width = static_cast<std::size_t>(image.width);
+  const PngHeader header{static_cast<std::uint32_t>(image.width),
+                         static_cast<std::uint32_t>(image.height),
+                         static_cast<int>(8 * sample_size), PngColour::grey};
+  write_png(file, header, sample_size, PngFilter::sub, options,
+            [&](std::size_t row, std::span<std::uint8_t> to) {
+              const auto samples = image.samples.subspan(row * width, width);
+              if (sample_size == 1) return narrow(samples, to.data());
+              swap_bytes(samples, reinterpret_cast<std::uint16_t*>(to.data()));
+            });
 }
 
 void write_png_picture(PendingFile& file, const Picture& picture, const WriteOptions& options) {
-  const int colour_type = picture.channels == 1 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB;
-  encode(file, {picture.width, picture.height, 8, colour_type, picture.row_size()},
-         picture.bytes.data(), options);
+  const PngHeader header{static_cast<std::uint32_t>(picture.width),
+                         static_cast<std::uint32_t>(picture.height), 8,
+                         picture.channels == 1 ? PngColour::grey : PngColour::rgb};
+  write_png(file, header, static_cast<std::size_t>(picture.channels), PngFilter::paeth, options,
+            [&](std::size_t row, std::span<std::uint8_t> to) {
+              std::copy_n(picture.bytes.data() + row * to.size(), to.size(), to.data());
+            });
 }
 
 }  // namespace kv::polarization

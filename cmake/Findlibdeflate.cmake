@@ -1,0 +1,15 @@
+# Packages of libdeflate before 1.15 have no CMake files of their own, Debian's among them. Installed
+# beside the toolkit's package, whose users need it, too.
+find_path(libdeflate_INCLUDE_DIR libdeflate.h)
+find_library(libdeflate_LIBRARY deflate)
+mark_as_advanced(libdeflate_INCLUDE_DIR libdeflate_LIBRARY)
+
+include(FindPackageHandleStandardArgs)
+find_package_handle_standard_args(libdeflate DEFAULT_MSG libdeflate_LIBRARY libdeflate_INCLUDE_DIR)
+
+if(libdeflate_FOUND AND NOT TARGET libdeflate::libdeflate)
+  add_library(libdeflate::libdeflate UNKNOWN IMPORTED)
+  set_target_properties(
+    libdeflate::libdeflate PROPERTIES IMPORTED_LOCATION ${libdeflate_LIBRARY}
+                                      INTERFACE_INCLUDE_DIRECTORIES ${libdeflate_INCLUDE_DIR})
+endif()

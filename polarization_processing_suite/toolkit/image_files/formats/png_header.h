@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+
+#include "kv/image_files/pending_file.h"
+#include "toolkit/image_files/byte_source.h"
+
+namespace kv::polarization {
+
+/// PNG's numbers for the kinds of pixels.
+enum class PngColour : std::uint8_t { grey = 0, rgb = 2, palette = 3, grey_alpha = 4, rgba = 6 };
+
+struct PngHeader {
+  std::uint32_t width;
+  std::uint32_t height;
+  int bits;  ///< a channel
+  PngColour colour;
+  bool interlaced = false;
+};
+
+/// Where the chunks behind the header begin.
+constexpr std::uint64_t kPngHeaderEnd = 8 + 8 + 13 + 4;
+
+/// Throws Fault of kind file when it is damaged, or the file no PNG.
+PngHeader read_png_header(ByteSource& source);
+
+/// Throws Fault of kind unsupported when the image is no raw frame.
+void check_is_raw_frame(const PngHeader& header);
+
+/// The start of a file, not interlaced.
+void write_png_header(PendingFile& file, const PngHeader& header);
+
+}  // namespace kv::polarization
