@@ -330,6 +330,28 @@ TEST_F(ForeignImages, LargeTiffsHaveLargeStripsAndOffsets) {
   TIFFClose(tiff);
   EXPECT_FALSE(needs_big_tiff(std::uint64_t{1} << 31));
   EXPECT_TRUE(needs_big_tiff((std::uint64_t{1} << 32) - 1));
+  EXPECT_FALSE(needs_big_tiff(1'000'000, 4000));
+  EXPECT_TRUE(needs_big_tiff(1'000'000, 4300));
+  EXPECT_TRUE(needs_big_tiff(1, 10'000'000));  // whose fields alone take as much
+}
+
+TEST_F(ForeignImages, StacksAreOrdinaryPagesThatBeginAtWholeLines) {
+  const std::vector<float> values = {0.5f, -1, 2, 4};
+  written(path_, [&](auto& file) {
+    const auto writer = open_stack(file, ImageFormat::tiff, 3);
+    for (int i = 0; i < 3; ++i) writer->add(FloatImage{1, 2, 2, values});
+    writer->finish();
+  });
+  TIFF* tiff = TIFFOpen(path_.string().c_str(), "r");
+  ASSERT_NE(tiff, nullptr);
+  for (int page = 0; page < 3; ++page) {
+    std::vector<float> back(4);
+    EXPECT_EQ(TIFFReadEncodedStrip(tiff, 0, back.data(), 16), 16);
+    EXPECT_EQ(back, values);
+    EXPECT_EQ(TIFFGetStrileOffset(tiff, 0) % 64, 0u);
+    EXPECT_EQ(TIFFReadDirectory(tiff), page < 2 ? 1 : 0);
+  }
+  TIFFClose(tiff);
 }
 
 TEST_F(ForeignImages, NormalizedStokesIsAnOrdinaryFloatTiff) {

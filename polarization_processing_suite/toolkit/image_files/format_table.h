@@ -6,6 +6,7 @@
 
 #include "kv/image_files/frame_reader.h"
 #include "kv/image_files/image_writer.h"
+#include "kv/image_files/stack_writer.h"
 #include "toolkit/image_files/byte_source.h"
 
 namespace kv::polarization {
@@ -16,6 +17,8 @@ struct FormatFunctions {
   void (*write_grey)(PendingFile&, const GreyImage&, const WriteOptions&) = nullptr;
   void (*write_floats)(PendingFile&, const FloatImage&, const WriteOptions&) = nullptr;
   void (*write_picture)(PendingFile&, const Picture&, const WriteOptions&) = nullptr;
+  std::unique_ptr<StackWriter> (*open_stack)(PendingFile&, std::size_t images,
+                                             const WriteOptions&) = nullptr;
   std::string_view missing{};  ///< as in ImageFormatTraits
 };
 
@@ -27,6 +30,11 @@ std::optional<ImageFormat> format_of_start(std::string_view bytes);
 /// Frames without a header: of a file, and of what cannot seek.
 std::unique_ptr<FrameReader> open_raw(SourcePointer source, const RawShape& shape);
 std::unique_ptr<FrameReader> open_raw_pipe(StreamPointer stream, const RawShape& shape);
+
+/// For the images of a stack that follow the first one.
+inline WriteOptions without_texts(const WriteOptions& options) {
+  return {.compression = options.compression};
+}
 
 /// Names of the formats that fulfil a condition, as a sentence lists them.
 template <class Condition>

@@ -1,83 +1,26 @@
 #include "kv/image_files/image_writer.h"
 
-#include <string>
-
-#include "kv/polarization/fault.h"
 #include "toolkit/image_files/format_table.h"
-#include "toolkit/image_files/samples.h"
+#include "toolkit/image_files/image_checks.h"
 
 namespace kv::polarization {
-namespace {
-
-constexpr std::string_view kKindNames[] = {"grey images", "planes of floats", "pictures"};
-
-[[noreturn]] void refuse(const std::string& line) { throw Fault(FaultKind::argument, line); }
-
-void check_size(int width, int height, int channels, std::size_t values) {
-  if (width < 1 || height < 1 || channels < 1) {
-    refuse("an image of " + std::to_string(width) + " x " + std::to_string(height) +
-           " pixels with " + std::to_string(channels) +
-           " channels is empty; all three must be 1 or more");
-  }
-  const std::size_t needed = pixel_count(width, height) * static_cast<std::size_t>(channels);
-  if (values != needed) {
-    refuse("an image of " + std::to_string(width) + " x " + std::to_string(height) +
-           " pixels with " + std::to_string(channels) + " channels has " + std::to_string(needed) +
-           " values; there are " + std::to_string(values));
-  }
-}
-
-void check_samples(const GreyImage& image) {
-  if (image.bit_depth < 1 || image.bit_depth > 16) {
-    refuse("a bit depth of " + std::to_string(image.bit_depth) +
-           " cannot be; it must be from 1 to 16");
-  }
-  const int limit = full_scale(image.bit_depth);
-  if (limit < 65535 && any_has(image.samples, static_cast<std::uint16_t>(~limit))) {
-    refuse("samples are above " + std::to_string(limit) + ", the largest value of " +
-           std::to_string(image.bit_depth) + " bits; the image needs a greater bit depth");
-  }
-}
-
-template <class Image>
-void write_by(void (*write)(PendingFile&, const Image&, const WriteOptions&), PendingFile& file,
-              ImageFormat format, ImageKind kind, const Image& image, const WriteOptions& options) {
-  const ImageFormatTraits& traits = traits_of(format);
-  if (write == nullptr) {
-    const std::string why = traits.available()
-                                ? std::string(traits.name) + " files hold no " +
-                                      std::string(kKindNames[static_cast<std::size_t>(kind)])
-                                : std::string(traits.missing);
-    throw Fault(FaultKind::unsupported,
-                why + "; they can be written as " +
-                    list_of_names([kind](const auto& known) { return known.writes(kind); }));
-  }
-  write(file, image, options);
-}
-
-}  // namespace
 
 void write_image(PendingFile& file, ImageFormat format, const GreyImage& image,
                  const WriteOptions& options) {
-  check_size(image.width, image.height, 1, image.samples.size());
-  check_samples(image);
-  write_by(functions_of(format).write_grey, file, format, ImageKind::grey, image, options);
+  check_image(format, image);
+  functions_of(format).write_grey(file, image, options);
 }
 
 void write_image(PendingFile& file, ImageFormat format, const FloatImage& image,
                  const WriteOptions& options) {
-  check_size(image.width, image.height, image.channels, image.values.size());
-  write_by(functions_of(format).write_floats, file, format, ImageKind::floats, image, options);
+  check_image(format, image);
+  functions_of(format).write_floats(file, image, options);
 }
 
 void write_image(PendingFile& file, ImageFormat format, const Picture& picture,
                  const WriteOptions& options) {
-  check_size(picture.width, picture.height, picture.channels, picture.bytes.size());
-  if (picture.channels != 1 && picture.channels != 3) {
-    refuse("a picture of " + std::to_string(picture.channels) +
-           " channels cannot be shown; it must have 1, grey, or 3, red, green and blue");
-  }
-  write_by(functions_of(format).write_picture, file, format, ImageKind::picture, picture, options);
+  check_image(format, picture);
+  functions_of(format).write_picture(file, picture, options);
 }
 
 }  // namespace kv::polarization

@@ -21,6 +21,7 @@ Row complete(Row row) {
   row.traits.reads = functions.open != nullptr || row.traits.format == ImageFormat::raw;
   row.traits.writes_kinds = {functions.write_grey != nullptr, functions.write_floats != nullptr,
                              functions.write_picture != nullptr};
+  row.traits.stacks = functions.open_stack != nullptr;
   row.traits.missing = functions.missing;
   return row;
 }
@@ -29,7 +30,7 @@ ImageFormatTraits described(ImageFormat format, std::string_view name,
                             std::array<std::string_view, 3> endings,
                             std::string_view picture_ending, std::string_view summary) {
   const bool has_header = format != ImageFormat::raw;
-  return {format, name, endings, picture_ending, summary, has_header, false, {}, {}};
+  return {format, name, endings, picture_ending, summary, has_header, false, {}, false, {}};
 }
 
 const std::vector<Row>& table() {

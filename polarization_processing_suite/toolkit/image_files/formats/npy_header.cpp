@@ -139,9 +139,9 @@ NpyHeader read_npy_header(ByteSource& source) {
   return header;
 }
 
-std::string npy_header(std::string_view type, const std::vector<int>& shape) {
+std::string npy_header(std::string_view type, const std::vector<std::size_t>& shape) {
   std::string sides;
-  for (const int side : shape) sides += (sides.empty() ? "" : ", ") + std::to_string(side);
+  for (const std::size_t side : shape) sides += (sides.empty() ? "" : ", ") + std::to_string(side);
   std::string text =
       "{'descr': '" + std::string(type) + "', 'fortran_order': False, 'shape': (" + sides + "), }";
   const std::size_t end = 10 + text.size() + 1;

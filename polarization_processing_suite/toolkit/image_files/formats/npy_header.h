@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -21,6 +22,6 @@ struct NpyHeader {
 NpyHeader read_npy_header(ByteSource& source);
 
 /// A header of version 1.0, padded so that the numbers begin at a multiple of 64 bytes.
-std::string npy_header(std::string_view type, const std::vector<int>& shape);
+std::string npy_header(std::string_view type, const std::vector<std::size_t>& shape);
 
 }  // namespace kv::polarization

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kv/polarization/fault.h"
+#include "toolkit/image_files/concatenated_stack.h"
 #include "toolkit/image_files/formats/formats.h"
 #include "toolkit/image_files/stored_samples.h"
 
@@ -155,7 +156,10 @@ void write_picture(PendingFile& file, const Picture& picture, const WriteOptions
 }  // namespace
 
 FormatFunctions pgm_functions() {
-  return {.open = open, .write_grey = write_grey, .write_picture = write_picture};
+  return {.open = open,
+          .write_grey = write_grey,
+          .write_picture = write_picture,
+          .open_stack = open_concatenated<ImageFormat::pgm>};
 }
 
 }  // namespace kv::polarization

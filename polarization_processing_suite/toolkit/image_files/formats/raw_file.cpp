@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "kv/polarization/fault.h"
+#include "toolkit/image_files/concatenated_stack.h"
 #include "toolkit/image_files/formats/formats.h"
 #include "toolkit/image_files/stored_samples.h"
 
@@ -112,7 +113,11 @@ void write_floats(PendingFile& file, const FloatImage& image, const WriteOptions
 
 }  // namespace
 
-FormatFunctions raw_functions() { return {.write_grey = write_grey, .write_floats = write_floats}; }
+FormatFunctions raw_functions() {
+  return {.write_grey = write_grey,
+          .write_floats = write_floats,
+          .open_stack = open_concatenated<ImageFormat::raw>};
+}
 
 std::unique_ptr<FrameReader> open_raw(SourcePointer source, const RawShape& shape) {
   return std::make_unique<RawReader>(std::move(source), shape);

@@ -6,6 +6,7 @@
 #include "kv/polarization/fault.h"
 #include "toolkit/image_files/formats/formats.h"
 #include "toolkit/image_files/formats/tiff_page.h"
+#include "toolkit/image_files/formats/tiff_stack.h"
 #include "toolkit/image_files/formats/tiff_stream.h"
 #include "toolkit/image_files/formats/tiff_writer.h"
 #include "toolkit/image_files/samples.h"
@@ -123,9 +124,10 @@ std::unique_ptr<FrameReader> open(SourcePointer source) {
 
 FormatFunctions tiff_functions() {
   return {.open = open,
-          .write_grey = write_tiff_grey,
-          .write_floats = write_tiff_floats,
-          .write_picture = write_tiff_picture};
+          .write_grey = write_tiff_image<GreyImage>,
+          .write_floats = write_tiff_image<FloatImage>,
+          .write_picture = write_tiff_image<Picture>,
+          .open_stack = open_tiff_stack};
 }
 
 }  // namespace kv::polarization

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "platform/files.h"
-#include "toolkit/image_files/formats/tiff_stream.h"
 #include "toolkit/image_files/samples.h"
 #include "toolkit/image_files/stored_samples.h"
 
@@ -40,11 +39,12 @@ struct Layout {
   int colours() const { return photometric == PHOTOMETRIC_RGB ? 3 : 1; }
 };
 
-/// Fills up the file's header.
+/// Fills up the file's header, or what is behind the page before.
 void align_first_strip(PendingFile& file) {
   const std::array<char, kAlignment> zeros{};
-  const auto header = static_cast<std::size_t>(platform::position(file.stream()));
-  if (header < kAlignment) file.write(zeros.data(), kAlignment - header);
+  if (platform::seek(file.stream(), 0, SEEK_END) != 0) file.fail();
+  const auto end = static_cast<std::size_t>(platform::position(file.stream()));
+  file.write(zeros.data(), (0 - end) % kAlignment);
 }
 
 /// Sets the fields that every page needs. Files stay uncompressed, as programs are to read them.
@@ -72,12 +72,9 @@ void set_fields(TIFF* tiff, const Layout& layout, const WriteOptions& options) {
 /// Writes the strips, in the machine's own byte order, which the file's header records.
 /// bytes_of(first row, rows) gives their bytes.
 template <class BytesOf>
-void write_page(PendingFile& file, const Layout& layout, const WriteOptions& options,
+void write_page(PendingFile& file, TIFF* tiff, const Layout& layout, const WriteOptions& options,
                 int greatest_sample, BytesOf bytes_of) {
   errno = 0;
-  const TiffStream stream(file, needs_big_tiff(std::uint64_t{layout.row_bytes()} *
-                                               static_cast<unsigned>(layout.height)));
-  TIFF* tiff = stream.get();
   if (tiff == nullptr) file.fail();
   align_first_strip(file);
   set_fields(tiff, layout, options);
@@ -93,7 +90,6 @@ void write_page(PendingFile& file, const Layout& layout, const WriteOptions& opt
       file.fail();
     }
   }
-  if (TIFFFlush(tiff) != 1) file.fail();
 }
 
 /// Where the rows of pixels begin that lie in memory as they are stored.
@@ -104,17 +100,19 @@ auto rows_at(const void* pixels, const Layout& layout) {
 
 }  // namespace
 
-void write_tiff_grey(PendingFile& file, const GreyImage& image, const WriteOptions& options) {
+void write_tiff_page(PendingFile& file, const TiffStream& stream, const GreyImage& image,
+                     const WriteOptions& options) {
   const std::size_t sample_size = bytes_a_sample(image.bit_depth);
   const Layout layout{
       image.width,       image.height,          1, static_cast<int>(8 * sample_size),
       SAMPLEFORMAT_UINT, PHOTOMETRIC_MINISBLACK};
   const int greatest = full_scale(image.bit_depth);
   if (sample_size == 2) {
-    return write_page(file, layout, options, greatest, rows_at(image.samples.data(), layout));
+    return write_page(file, stream.get(), layout, options, greatest,
+                      rows_at(image.samples.data(), layout));
   }
   Buffer<std::uint8_t> room;
-  write_page(file, layout, options, greatest,
+  write_page(file, stream.get(), layout, options, greatest,
              [&](std::size_t row, std::size_t rows) -> const void* {
                const auto width = static_cast<std::size_t>(image.width);
                room.resize(rows * width);
@@ -123,18 +121,26 @@ void write_tiff_grey(PendingFile& file, const GreyImage& image, const WriteOptio
              });
 }
 
-void write_tiff_floats(PendingFile& file, const FloatImage& image, const WriteOptions& options) {
+void write_tiff_page(PendingFile& file, const TiffStream& stream, const FloatImage& image,
+                     const WriteOptions& options) {
   const Layout layout{image.width, image.height,        image.channels,
                       32,          SAMPLEFORMAT_IEEEFP, PHOTOMETRIC_MINISBLACK};
-  write_page(file, layout, options, 0, rows_at(image.values.data(), layout));
+  write_page(file, stream.get(), layout, options, 0, rows_at(image.values.data(), layout));
 }
 
-void write_tiff_picture(PendingFile& file, const Picture& picture, const WriteOptions& options) {
+void write_tiff_page(PendingFile& file, const TiffStream& stream, const Picture& picture,
+                     const WriteOptions& options) {
   const Layout layout{
       picture.width,     picture.height,
       picture.channels,  8,
       SAMPLEFORMAT_UINT, picture.channels == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB};
-  write_page(file, layout, options, 0, rows_at(picture.bytes.data(), layout));
+  write_page(file, stream.get(), layout, options, 0, rows_at(picture.bytes.data(), layout));
 }
+
+std::uint64_t tiff_bytes(const GreyImage& image) {
+  return image.samples.size() * bytes_a_sample(image.bit_depth);
+}
+std::uint64_t tiff_bytes(const FloatImage& image) { return image.values.size_bytes(); }
+std::uint64_t tiff_bytes(const Picture& picture) { return picture.bytes.size(); }
 
 }  // namespace kv::polarization

@@ -25,6 +25,7 @@ struct ImageFormatTraits {
   bool has_header;                   ///< whether a file tells its own shape
   bool reads;                        ///< frames
   std::array<bool, 3> writes_kinds;  ///< by ImageKind
+  bool stacks;                       ///< whether a file may be written that holds several images
   std::string_view missing;          ///< why this build cannot read or write it; empty when it can
 
   bool available() const { return missing.empty(); }
