@@ -19,13 +19,23 @@ struct FormatFunctions {
   void (*write_picture)(PendingFile&, const Picture&, const WriteOptions&) = nullptr;
   std::unique_ptr<StackWriter> (*open_stack)(PendingFile&, std::size_t images,
                                              const WriteOptions&) = nullptr;
-  std::string_view missing{};  ///< as in ImageFormatTraits
+  std::optional<std::string> (*provenance)(ByteSource&) = nullptr;  ///< none where nothing tells
+  std::string_view missing{};                                       ///< as in ImageFormatTraits
 };
 
 const FormatFunctions& functions_of(ImageFormat format);
 
 /// The format that a file with these first bytes is of, 8 or fewer.
 std::optional<ImageFormat> format_of_start(std::string_view bytes);
+
+/// The same, for files of pictures too.
+std::optional<ImageFormat> format_of_image_start(std::string_view bytes);
+
+/// What the two take.
+std::string first_bytes(ByteSource& source);
+
+/// A text in a file that is longer is none that we wrote.
+constexpr std::uint32_t kMostText = 1u << 20;
 
 /// Frames without a header: of a file, and of what cannot seek.
 std::unique_ptr<FrameReader> open_raw(SourcePointer source, const RawShape& shape);

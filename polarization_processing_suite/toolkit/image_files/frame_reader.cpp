@@ -11,12 +11,6 @@
 namespace kv::polarization {
 namespace {
 
-std::string first_bytes(ByteSource& source) {
-  std::string bytes(8, '\0');
-  bytes.resize(source.read(0, bytes.data(), bytes.size()));
-  return bytes;
-}
-
 [[noreturn]] void refuse_content(std::string_view bytes) {
   if (bytes.size() >= 2 && bytes[0] == 'P' && bytes[1] >= '1' && bytes[1] <= '7') {
     throw Fault(FaultKind::unsupported, "this is a netpbm image of kind " +

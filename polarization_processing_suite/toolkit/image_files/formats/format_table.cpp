@@ -12,16 +12,19 @@ using namespace std::string_view_literals;
 /// A row of the one table that all opening, writing and naming goes by.
 struct Row {
   ImageFormatTraits traits;
-  std::vector<std::string_view> starts;  ///< what a file may begin with
+  std::vector<std::string_view> starts;  ///< what a file may begin with that holds frames
   FormatFunctions functions;
 };
 
 Row complete(Row row) {
+  // That of PNG needs no library.
+  if (row.traits.format == ImageFormat::png) row.functions.provenance = png_provenance;
   const FormatFunctions& functions = row.functions;
   row.traits.reads = functions.open != nullptr || row.traits.format == ImageFormat::raw;
   row.traits.writes_kinds = {functions.write_grey != nullptr, functions.write_floats != nullptr,
                              functions.write_picture != nullptr};
   row.traits.stacks = functions.open_stack != nullptr;
+  row.traits.keeps_text = functions.provenance != nullptr;
   row.traits.missing = functions.missing;
   return row;
 }
@@ -30,7 +33,7 @@ ImageFormatTraits described(ImageFormat format, std::string_view name,
                             std::array<std::string_view, 3> endings,
                             std::string_view picture_ending, std::string_view summary) {
   const bool has_header = format != ImageFormat::raw;
-  return {format, name, endings, picture_ending, summary, has_header, false, {}, false, {}};
+  return {format, name, endings, picture_ending, summary, has_header, false, {}, false, false, {}};
 }
 
 const std::vector<Row>& table() {
@@ -77,6 +80,12 @@ const FormatFunctions& functions_of(ImageFormat format) {
   return table()[static_cast<std::size_t>(format)].functions;
 }
 
+std::string first_bytes(ByteSource& source) {
+  std::string bytes(8, '\0');
+  bytes.resize(source.read(0, bytes.data(), bytes.size()));
+  return bytes;
+}
+
 std::optional<ImageFormat> format_of_start(std::string_view bytes) {
   for (const Row& row : table()) {
     for (const std::string_view start : row.starts) {
@@ -84,6 +93,10 @@ std::optional<ImageFormat> format_of_start(std::string_view bytes) {
     }
   }
   return std::nullopt;
+}
+
+std::optional<ImageFormat> format_of_image_start(std::string_view bytes) {
+  return bytes.starts_with("P6") ? ImageFormat::pgm : format_of_start(bytes);
 }
 
 }  // namespace kv::polarization

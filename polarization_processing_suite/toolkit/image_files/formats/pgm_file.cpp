@@ -39,6 +39,22 @@ class HeaderCursor {
     return byte;
   }
 
+  /// As next(), which then gives it once more.
+  int peek() {
+    const int byte = next();
+    if (byte != -1) --position_;
+    return byte;
+  }
+
+  /// What is left of a line, without its end.
+  std::string line() {
+    std::string text;
+    for (int byte = next(); byte != '\n' && byte != -1 && text.size() < kMostText; byte = next()) {
+      text += static_cast<char>(byte);
+    }
+    return text;
+  }
+
   /// After white space and comments, which run from # to the line's end.
   std::uint64_t number() {
     int byte = next();
@@ -130,14 +146,30 @@ std::unique_ptr<FrameReader> open(SourcePointer source) {
   return std::make_unique<PgmReader>(std::move(source));
 }
 
+/// A line, which ends no earlier than the text; empty for an empty one.
+std::string comment(std::string_view start, std::string text) {
+  if (text.empty()) return text;
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+  return std::string(start) + text + '\n';
+}
+
+constexpr std::string_view kProvenance = "# provenance ";
+
+/// Of the comments that follow the file's first line.
+std::optional<std::string> provenance(ByteSource& source) {
+  HeaderCursor cursor(source, 2);
+  for (cursor.next(); cursor.peek() == '#';) {
+    const std::string line = cursor.line();
+    if (line.starts_with(kProvenance)) return line.substr(kProvenance.size());
+  }
+  return std::nullopt;
+}
+
 void write_header(PendingFile& file, const char* kind, int width, int height, int maxval,
                   const WriteOptions& options) {
-  std::string comment;
-  if (!options.title.empty()) comment = "# " + options.title;
-  std::replace_if(
-      comment.begin(), comment.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
-  if (!comment.empty()) comment += '\n';
-  const std::string header = std::string(kind) + "\n" + comment + std::to_string(width) + " " +
+  const std::string header = std::string(kind) + "\n" + comment(kProvenance, options.provenance) +
+                             comment("# ", options.title) + std::to_string(width) + " " +
                              std::to_string(height) + "\n" + std::to_string(maxval) + "\n";
   file.write(header.data(), header.size());
 }
@@ -159,7 +191,8 @@ FormatFunctions pgm_functions() {
   return {.open = open,
           .write_grey = write_grey,
           .write_picture = write_picture,
-          .open_stack = open_concatenated<ImageFormat::pgm>};
+          .open_stack = open_concatenated<ImageFormat::pgm>,
+          .provenance = provenance};
 }
 
 }  // namespace kv::polarization

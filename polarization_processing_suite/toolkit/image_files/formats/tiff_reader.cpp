@@ -127,7 +127,8 @@ FormatFunctions tiff_functions() {
           .write_grey = write_tiff_image<GreyImage>,
           .write_floats = write_tiff_image<FloatImage>,
           .write_picture = write_tiff_image<Picture>,
-          .open_stack = open_tiff_stack};
+          .open_stack = open_tiff_stack,
+          .provenance = tiff_provenance};
 }
 
 }  // namespace kv::polarization

@@ -61,6 +61,9 @@ void set_fields(TIFF* tiff, const Layout& layout, const WriteOptions& options) {
   if (!options.title.empty()) {
     TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, options.title.c_str());
   }
+  if (!options.provenance.empty()) {
+    TIFFSetField(tiff, TIFFTAG_SOFTWARE, options.provenance.c_str());
+  }
   if (layout.channels > layout.colours()) {
     // Without this they would pass for alpha channels of unknown kind.
     const std::vector<std::uint16_t> kinds(

@@ -7,5 +7,6 @@
 #include "kv/image_files/image_writer.h"
 #include "kv/image_files/pending_file.h"
 #include "kv/image_files/pixel_format.h"
+#include "kv/image_files/provenance.h"
 #include "kv/image_files/stack_writer.h"
 #include "kv/polarization/fault.h"

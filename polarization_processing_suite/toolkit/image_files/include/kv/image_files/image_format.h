@@ -26,6 +26,7 @@ struct ImageFormatTraits {
   bool reads;                        ///< frames
   std::array<bool, 3> writes_kinds;  ///< by ImageKind
   bool stacks;                       ///< whether a file may be written that holds several images
+  bool keeps_text;                   ///< title and provenance, see WriteOptions
   std::string_view missing;          ///< why this build cannot read or write it; empty when it can
 
   bool available() const { return missing.empty(); }

@@ -46,6 +46,8 @@ struct WriteOptions {
   /// UTF-8. Kept by PNG and TIFF, and as a comment by PGM; the other formats have no place for it.
   std::string title{};
   /// What made the image, UTF-8 in one line. Kept where the title is; provenance_of() reads it.
+  /// For the other formats it belongs into the file at provenance_beside(), which the caller
+  /// writes.
   std::string provenance{};
   /// None for what is usual: fast for PNG, none for TIFF, so that all programs read it.
   std::optional<Compression> compression{};

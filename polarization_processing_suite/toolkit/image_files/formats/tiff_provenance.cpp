@@ -1,0 +1,15 @@
+#include "toolkit/image_files/formats/formats.h"
+#include "toolkit/image_files/formats/tiff_stream.h"
+
+namespace kv::polarization {
+
+std::optional<std::string> tiff_provenance(ByteSource& source) {
+  const TiffStream stream(source);
+  const char* text = nullptr;
+  if (stream.get() == nullptr || TIFFGetField(stream.get(), TIFFTAG_SOFTWARE, &text) != 1) {
+    return std::nullopt;
+  }
+  return text;
+}
+
+}  // namespace kv::polarization

@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "error_of.h"
+#include "kv/image_files.h"
+#include "temporary_folder.h"
+
+using namespace kv::polarization;
+
+namespace {
+
+using namespace std::string_literals;
+
+class Provenance : public testing::Test {
+ protected:
+  /// That of a file with this content.
+  auto of(const std::string& content) const {
+    write_content(path_, content);
+    return provenance_of(path_);
+  }
+
+  TemporaryFolder folder_;
+  std::filesystem::path path_ = folder_ / "plane.tiff";  // the content counts, not the name
+};
+
+TEST_F(Provenance, StandsInTheFileOrBesideIt) {
+  const std::string text = R"({"made": "by \u00E4", "of": [1, 2]} )"
+                           "\xC3\xA4";
+  const Buffer<std::uint16_t> samples = {1, 2};
+  const auto frame = [&](ImageFormat format, const WriteOptions& options) {
+    return written(path_, [&](auto& file) {
+      write_image(file, format, GreyImage{2, 1, 9, samples}, options);
+    });
+  };
+  for (const ImageFormatTraits& traits : image_formats()) {
+    if (!traits.available() || traits.format == ImageFormat::png) continue;
+    SCOPED_TRACE(traits.name);
+    std::filesystem::remove(provenance_beside(path_));
+    frame(traits.format, {.title = "A\ntitle"});
+    EXPECT_EQ(provenance_of(path_), std::nullopt);
+    write_content(folder_ / "plane.tiff.json", "beside\r\n");
+    EXPECT_EQ(provenance_of(path_), traits.keeps_text ? std::nullopt : std::optional("beside"s));
+    frame(traits.format, {.title = "A title", .provenance = text});
+    EXPECT_EQ(provenance_of(path_), traits.keeps_text ? text : "beside");
+    // Frames are read as before.
+    if (traits.has_header) {
+      EXPECT_EQ(open_frames(path_)->read(0).samples, samples);
+    }
+  }
+  written(path_, [&](auto& file) {
+    write_image(file, ImageFormat::pgm, Picture(1, 1, 3), {.provenance = "two\nlines"});
+  });
+  EXPECT_EQ(provenance_of(path_), "two lines");
+}
+
+// Chunks of PNG, whose checksums nobody looks at here.
+TEST_F(Provenance, IsFoundBeforeTheImageOfAPng) {
+  const auto chunk = [](const std::string& kind, const std::string& content) {
+    return "\0\0"s + static_cast<char>(content.size() >> 8) + static_cast<char>(content.size()) +
+           kind + content + "sums";
+  };
+  const auto text = [&](const std::string& start, const std::string& end) {
+    return chunk("iTXt", start + "\0\0\0\0\0"s + end);
+  };
+  const std::string start =
+      "\x89PNG\r\n\x1A\n" + chunk("IHDR", std::string(13, '\0')) + text("Title", "Provenance");
+  const std::string wanted = text("Provenance", std::string(300, 'p'));
+  const std::string end = chunk("IDAT", "") + chunk("IEND", "");
+  EXPECT_EQ(of(start + wanted + end), std::string(300, 'p'));
+  EXPECT_EQ(of(start + end), std::nullopt);
+  EXPECT_EQ(of(start + chunk("IDAT", "") + wanted), std::nullopt);
+  EXPECT_EQ(of(start + chunk("iTXt", "Provenance\0\1\0\0\0x"s) + end), std::nullopt);  // deflated
+  for (std::size_t size = 0; size < start.size() + 300; ++size) {
+    EXPECT_EQ(of((start + wanted).substr(0, size)), std::nullopt) << size;
+  }
+}
+
+TEST_F(Provenance, IsNoneWhereNothingTells) {
+  write_content(folder_ / "plane.tiff.json", "stale");
+  EXPECT_EQ(provenance_of(path_), std::nullopt);
+  EXPECT_EQ(provenance_of(path_.parent_path()), std::nullopt);
+  EXPECT_EQ(of("P5"), std::nullopt);
+  EXPECT_EQ(of("P5\n# provenance x"), "x");
+  const bool reads_tiff = traits_of(ImageFormat::tiff).available();
+  EXPECT_EQ(of("II*\0xxxx"s), reads_tiff ? std::nullopt : std::optional("stale"s));
+  EXPECT_EQ(of("\x89PNG\r\n\x1A\n\xFF\xFF\xFF\xFFiTXt"), std::nullopt);
+}
+
+}  // namespace
