@@ -110,7 +110,7 @@ TEST_F(Transform, WritesWhatTheToolkitComputes) {
 TEST_F(Transform, SaysWhatItDidAndWhere) {
   tool_.write("b.pgm", tool_.content("a.pgm"));
   const ToolResult two = run("a.pgm b.pgm -o x/y --planes intensity");
-  EXPECT_EQ(two.error, "");  // no progress bar
+  EXPECT_EQ(two.error, "");  // no progress line
   for (const char* part : {"2 frames transformed; ", "megapixels per second", "x/y\n"}) {
     EXPECT_PRED2(contains, two.out, part);
   }
@@ -199,21 +199,23 @@ TEST(Help, ShowsTheVersionAndBothCommands) {
 }
 
 #if !defined(_WIN32)
-TEST(ProgressBar, CountsFilesOnATerminalAndVanishes) {
+TEST(ProgressLine, FitsItsTerminalAndVanishes) {
   const Tool tool;
   if (std::system("script --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "no script command";
   for (const char* name : {"a.pgm", "b.pgm"}) tool.write(name, "P5 8 2 255\nabcdefghijklmnop");
-  const auto shown = [&](const std::string& files) {
-    const std::string command = KV_TOOL_PATH " transform -o out --no-pictures " + files;
+  const auto shown = [&](const std::string& files, const std::string& columns) {
+    const std::string command =
+        "stty cols " + columns + "; " KV_TOOL_PATH " transform -o out --no-pictures " + files;
     tool.run("", "script -qec '" + command + "' /dev/null </dev/null >log; ");
     return tool.content("log");
   };
-  const std::string two = shown("a.pgm b.pgm");
-  const std::string cells(20, '.');
-  EXPECT_PRED2(contains, two, "\r[" + cells + cells + "] 0 of 2 files");
-  EXPECT_PRED2(contains, two, "\r[" + std::string(20, '#') + cells + "] 1 of 2 files");
-  EXPECT_PRED2(contains, two, "files\r" + std::string(78, ' ') + "\r2 frames transformed");
-  EXPECT_FALSE(contains(shown("a.pgm"), "["));
+  const std::string line = "0 of 2 frames";
+  const std::string bar = "[" + std::string(40, '.') + "] ";
+  const std::string wide = shown("a.pgm b.pgm", "80");
+  EXPECT_PRED2(contains, wide, "\r" + bar + line);
+  EXPECT_PRED2(contains, wide, "frames\r" + std::string(56, ' ') + "\r2 frames transformed");
+  EXPECT_PRED2(contains, shown("a.pgm b.pgm", "20"), "\r" + line + "\r");
+  EXPECT_FALSE(contains(shown("a.pgm", "80"), " of "));
 }
 #endif
 

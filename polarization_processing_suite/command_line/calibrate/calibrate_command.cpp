@@ -4,7 +4,7 @@
 
 #include "command_line/calibrate/stack_manifest.h"
 #include "command_line/exit_status.h"
-#include "command_line/progress_bar.h"
+#include "command_line/progress_line.h"
 #include "kv/calibration/calibration_file.h"
 #include "kv/calibration/report.h"
 #include "kv/image_files/pending_file.h"
@@ -123,10 +123,10 @@ int run_calibrate(const CalibrateOptions& options) {
   Stack stack(options);
   CalibrationFit fit(options.fit);
   {
-    ProgressBar progress(stack.files());
+    ProgressLine progress(stack.files() > 1, "files");
     for (std::size_t index = 0; index < stack.files(); ++index) {
       if (platform::interrupted()) return exit_interrupted;
-      progress.show(static_cast<double>(index));
+      progress.update(index, 0, stack.files());
       stack.add_file(index, fit);
     }
   }

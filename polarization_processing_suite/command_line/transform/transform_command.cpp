@@ -11,7 +11,7 @@
 
 #include "command_line/exit_status.h"
 #include "command_line/options/common_options.h"
-#include "command_line/progress_bar.h"
+#include "command_line/progress_line.h"
 #include "command_line/transform/frame_output.h"
 #include "command_line/transform/output_names.h"
 #include "kv/calibration/calibration_file.h"
@@ -33,7 +33,8 @@ class TransformRun {
       : options_(options),
         mosaic_(options.mosaic),
         names_(options.folder, options.files),
-        progress_(options.files.size()) {
+        progress_(options.files.size() > 1),
+        total_(options.files.size()) {
     if (options.calibration) {
       calibration_ = load_calibration(*options.calibration);
       if (!options.mosaic_given) mosaic_ = calibration_->mosaic;
@@ -48,7 +49,7 @@ class TransformRun {
 
   int run() {
     for (std::size_t i = 0; i < options_.files.size() && !platform::interrupted(); ++i) {
-      transform_file(options_.files[i], static_cast<double>(i));
+      transform_file(options_.files[i]);
     }
     progress_.hide();
     warn_of_clipped_intensity();
@@ -58,8 +59,8 @@ class TransformRun {
   }
 
  private:
-  void transform_file(const std::filesystem::path& file, double files_done) {
-    progress_.show(files_done);
+  void transform_file(const std::filesystem::path& file) {
+    show_progress();
     std::unique_ptr<FrameReader> reader;
     std::size_t pages = 0;
     const auto open_file = [&] {
@@ -67,13 +68,16 @@ class TransformRun {
       pages = reader->count();
     };
     if (!attempt(file.string(), open_file)) return;
+    total_ += pages - 1;
     for (std::size_t page = 0; page < pages && !platform::interrupted(); ++page) {
-      progress_.show(files_done + static_cast<double>(page) / static_cast<double>(pages));
+      show_progress();
       const std::string name =
           file.string() + (pages > 1 ? ", page " + std::to_string(page + 1) : "");
       attempt(name, [&] { transform_frame(file, *reader, page, name); });
     }
   }
+
+  void show_progress() { progress_.update(frames_ + failures_, failures_, total_); }
 
   /// Reports a failure of the work and lets the run go on.
   template <class Work>
@@ -239,7 +243,8 @@ class TransformRun {
   std::optional<FrameCorrector> corrector_;  // for frames of the size of corrected_
   Frame corrected_;
   OutputNames names_;
-  ProgressBar progress_;
+  ProgressLine progress_;
+  std::size_t total_;  // frames, as far as the files that were opened tell
   Processor processor_;
   Frame frame_;
   Planes planes_;

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "command_line/progress_text.h"
+
+namespace kv::polarization {
+
+/// One line on the error stream that shows how far a run is, and vanishes in the end. There is one
+/// only on a terminal; it fits its width. For one thread at a time.
+class ProgressLine {
+ public:
+  /// `what` is counted, such as frames.
+  explicit ProgressLine(bool wanted, std::string what = "frames");
+  ~ProgressLine();
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+
+  /// Tells what is done, those that failed included; cheap enough for each frame, as the line is
+  /// drawn ten times a second at most.
+  void update(std::size_t done, std::size_t failed, std::optional<std::size_t> total);
+
+  /// Removes the line, to make room for a message.
+  void hide();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  bool enabled_;
+  std::string what_;
+  Clock::time_point start_ = Clock::now();
+  std::optional<Clock::time_point> drawn_;
+  ProgressRate rate_;
+  std::size_t visible_ = 0;  // columns of the line that is shown
+};
+
+}  // namespace kv::polarization
