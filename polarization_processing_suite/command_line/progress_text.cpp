@@ -75,8 +75,8 @@ std::string progress_text(const Progress& progress, const std::string& what, std
       progress.failed > 0 ? ", " + grouped(progress.failed) + " failed" : "", time_left(progress)};
   std::size_t room = columns - count.size();
   bool all_fit = true;
-  // By what a person would miss most.
-  for (const std::size_t part : {2, 0, 3, 1}) {
+  constexpr std::array<std::size_t, 4> most_missed_first = {2, 0, 3, 1};
+  for (const std::size_t part : most_missed_first) {
     if (parts[part].size() > room) {
       parts[part].clear();
       all_fit = false;

@@ -45,10 +45,10 @@ TEST(ProgressRate, IsThatOfTheLastHalfMinute) {
   EXPECT_FALSE(rate.at(0.5, 100));
   EXPECT_EQ(rate.at(2, 200), 100);
   // 100 a second for 100 seconds, then 10.
-  for (int second = 3; second <= 100; ++second) rate.at(second, 100 * second);
-  for (int second = 101; second <= 115; ++second) rate.at(second, 10000 + 10 * (second - 100));
+  for (unsigned second = 3; second <= 100; ++second) rate.at(second, 100 * second);
+  for (unsigned second = 101; second <= 115; ++second) rate.at(second, 10000 + 10 * (second - 100));
   EXPECT_EQ(rate.at(115.5, 10150), 1650 / 30.5);
-  for (int second = 116; second <= 131; ++second) rate.at(second, 10000 + 10 * (second - 100));
+  for (unsigned second = 116; second <= 131; ++second) rate.at(second, 10000 + 10 * (second - 100));
   EXPECT_EQ(rate.at(132, 10320), 10);
 }
 

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kv::polarization {
+
+/// The lines of a text file, or of standard input for "-", without empty lines and those that begin
+/// with #. Throws Fault when it cannot be read, or is no text in UTF-8 or another extension of
+/// ASCII.
+std::vector<std::string> read_word_list(const std::string& name);
+
+}  // namespace kv::polarization
