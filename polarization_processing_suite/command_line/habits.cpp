@@ -62,9 +62,9 @@ void check_command_name(const Commands& commands, const std::vector<std::string>
   const auto nearest = std::ranges::min_element(
       names, {}, [&word](const std::string& name) { return distance(word, name); });
   const bool is_near = distance(word, *nearest) <= 2;
-  throw UsageError("there is no command '" + word + "'" +
-                   (is_near ? "; did you mean " + *nearest + "?"
-                            : "; the commands are " + comma_list(names)));
+  throw UsageError(
+      "there is no command '" + word + "'" +
+      (is_near ? "; did you mean " + *nearest + "?" : "; the commands are " + comma_list(names)));
 }
 
 }  // namespace kv::polarization

@@ -18,6 +18,10 @@ std::FILE* open_nameless();
 /// The process's standard output, as bytes.
 std::FILE* binary_standard_output();
 
+/// A descriptor of the process that another program has opened; null, with errno set, when it is
+/// not open for writing. Closing the stream closes it.
+std::FILE* open_descriptor_for_writing(int descriptor);
+
 /// As std::fseek and std::ftell, in files of any size. Below 0, with errno set, when that fails.
 int seek(std::FILE* stream, std::int64_t offset, int whence);
 std::int64_t position(std::FILE* stream);

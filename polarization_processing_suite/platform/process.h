@@ -22,6 +22,11 @@ void ignore_file_size_signal();
 /// So does a pipe whose reader has ended.
 void ignore_broken_pipes();
 
+/// Standard input gives bytes as they are, without a change of line ends.
+void make_standard_input_binary();
+
+bool output_stream_is_terminal();
+
 /// For this process and the libraries that it loads from here on. Call it before a thread starts.
 void set_environment(const char* name, const char* value);
 

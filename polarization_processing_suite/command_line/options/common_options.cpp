@@ -23,6 +23,17 @@ std::vector<std::string> pixel_formats() {
   return names;
 }
 
+template <class Open>
+std::unique_ptr<FrameReader> with_hint(const std::filesystem::path& file, Open open) {
+  try {
+    return open();
+  } catch (const Fault& fault) {
+    if (fault.kind() != FaultKind::unsupported || format_of_content(file)) throw;
+    throw Fault(fault.kind(), std::string(fault.what()) +
+                                  ": by --width, --height and --raw-format or --raw-bits");
+  }
+}
+
 }  // namespace
 
 void add_phase(OptionList& options, int& degrees) {
@@ -123,13 +134,13 @@ Rectangle rectangle_of(const std::string& text) {
 
 std::unique_ptr<FrameReader> open_frames_of_user(const std::filesystem::path& file,
                                                  const std::optional<RawShape>& raw_shape) {
-  try {
-    return open_frames(file, raw_shape);
-  } catch (const Fault& fault) {
-    if (fault.kind() != FaultKind::unsupported || format_of_content(file)) throw;
-    throw Fault(fault.kind(), std::string(fault.what()) +
-                                  ": by --width, --height and --raw-format or --raw-bits");
-  }
+  return with_hint(file, [&] { return open_frames(file, raw_shape); });
+}
+
+std::unique_ptr<FrameReader> open_frames_of_user(std::span<const std::byte> content,
+                                                 const std::filesystem::path& file,
+                                                 const std::optional<RawShape>& raw_shape) {
+  return with_hint(file, [&] { return open_frames(content, raw_shape); });
 }
 
 }  // namespace kv::polarization

@@ -47,8 +47,12 @@ class RawShapeOptions {
 /// Column, row, width and height, in pixels, from 0 up. Throws BadValue.
 Rectangle rectangle_of(const std::string& text);
 
-/// Opens frames; a file of no known format is told which options would describe it.
+/// Opens frames; a file of no known format is told which options would describe it. The second form
+/// is for its content.
 std::unique_ptr<FrameReader> open_frames_of_user(const std::filesystem::path& file,
+                                                 const std::optional<RawShape>& raw_shape);
+std::unique_ptr<FrameReader> open_frames_of_user(std::span<const std::byte> content,
+                                                 const std::filesystem::path& file,
                                                  const std::optional<RawShape>& raw_shape);
 
 }  // namespace kv::polarization

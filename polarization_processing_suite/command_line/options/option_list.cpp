@@ -57,7 +57,9 @@ void OptionList::add(OptionRecord record, Setter set, std::function<void()> unse
 
 void OptionList::add_flag(OptionRecord record, bool& flag) {
   const std::string key = key_of(record);
-  const auto set_to = [&flag](bool value) { return [&flag, value](std::int64_t) { flag = value; }; };
+  const auto set_to = [&flag](bool value) {
+    return [&flag, value](std::int64_t) { flag = value; };
+  };
   command_.add_flag_function(record.names, set_to(true), help_of(record))->trigger_on_parse();
   command_.add_flag_function("--no-" + key, set_to(false))->group("")->trigger_on_parse();
   record.can_be_undone = true;

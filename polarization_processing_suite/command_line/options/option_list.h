@@ -25,8 +25,7 @@ class OptionList {
   void add_flag(OptionRecord record, bool& flag);
 
   /// Arguments without a dash, as many as there are between these numbers.
-  void add_arguments(OptionRecord record, std::vector<std::string>& arguments, int least,
-                     int most);
+  void add_arguments(OptionRecord record, std::vector<std::string>& arguments, int least, int most);
 
   const std::vector<OptionRecord>& records() const { return records_; }
 

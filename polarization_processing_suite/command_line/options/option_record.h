@@ -10,10 +10,11 @@ enum class Completion { none, choices, file, folder };
 
 /// All that is told of an option: help, manual, completion and reference are made from it alone.
 struct OptionRecord {
-  std::string names;     ///< such as "-o,--output"; one in capitals is of arguments without a dash
-  std::string value{};   ///< what stands for its value, such as FILE; empty for a flag
-  std::string summary;   ///< one line for --help, without a full stop at its end
-  std::string details{};  ///< what the manual adds, in whole sentences; empty where the summary does
+  std::string names;    ///< such as "-o,--output"; one in capitals is of arguments without a dash
+  std::string value{};  ///< what stands for its value, such as FILE; empty for a flag
+  std::string summary;  ///< one line for --help, without a full stop at its end
+  std::string
+      details{};  ///< what the manual adds, in whole sentences; empty where the summary does
   std::vector<std::string> choices{};  ///< the values that it takes, where they can be listed
   std::string initial{};               ///< the value that it has when it is not given
   bool required = false;
@@ -28,7 +29,8 @@ std::string key_of(const OptionRecord& record);
 struct CommandPage {
   std::string name;
   std::string summary;  ///< one line
-  std::string details;  ///< paragraphs, with an empty line between them; indented lines stay as they are
+  std::string
+      details;  ///< paragraphs, with an empty line between them; indented lines stay as they are
   std::vector<std::string> examples{};  ///< whole command lines
 };
 

@@ -58,7 +58,7 @@ std::string comma_list(const std::vector<std::string>& words) {
   return list;
 }
 
-const std::string& choice_of(const std::string& text, const std::vector<std::string>& choices) {
+std::string choice_of(const std::string& text, const std::vector<std::string>& choices) {
   const auto found = std::ranges::find(choices, text);
   if (found == choices.end()) refuse(text, "one of " + comma_list(choices));
   return *found;

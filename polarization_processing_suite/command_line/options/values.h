@@ -35,7 +35,7 @@ std::vector<std::string> split_list(const std::string& list);
 std::string comma_list(const std::vector<std::string>& words);
 
 /// The text itself if it is among the choices.
-const std::string& choice_of(const std::string& text, const std::vector<std::string>& choices);
+std::string choice_of(const std::string& text, const std::vector<std::string>& choices);
 
 /// Setters of variables, also of optional ones, which must outlive them.
 template <class Target>

@@ -1,24 +1,19 @@
 #include "command_line/transform/transform_command.h"
 
 #include <algorithm>
-#include <chrono>
-#include <iomanip>
-#include <iostream>
+#include <atomic>
+#include <exception>
+#include <future>
 #include <new>
-#include <sstream>
-#include <string>
-#include <system_error>
+#include <thread>
 
+#include "command_line/batch/frame_queue.h"
+#include "command_line/batch/run_reports.h"
 #include "command_line/exit_status.h"
-#include "command_line/options/common_options.h"
-#include "command_line/progress_line.h"
-#include "command_line/transform/frame_output.h"
-#include "command_line/transform/output_names.h"
-#include "kv/calibration/calibration_file.h"
-#include "kv/calibration/frame_corrector.h"
-#include "kv/pictures/picture_kinds.h"
+#include "command_line/options/values.h"
+#include "command_line/transform/frame_work.h"
+#include "command_line/transform/results_folder.h"
 #include "kv/polarization/fault.h"
-#include "kv/polarization/mean_plane.h"
 #include "platform/optional_library.h"
 #include "platform/process.h"
 
@@ -27,257 +22,259 @@ namespace {
 
 constexpr const char* kLoggerLibrary = "kevrinth_qrm_logger";
 
+/// All inputs, by workers that each take a frame through all of its steps.
 class TransformRun {
  public:
-  explicit TransformRun(const TransformOptions& options)
-      : options_(options),
-        mosaic_(options.mosaic),
-        names_(options.folder, options.files),
-        progress_(options.files.size() > 1),
-        total_(options.files.size()) {
-    if (options.calibration) {
-      calibration_ = load_calibration(*options.calibration);
-      if (!options.mosaic_given) mosaic_ = calibration_->mosaic;
+  TransformRun(const TransformContext& context, Journal* journal, RunReports& reports)
+      : context_(context),
+        options_(context.options),
+        journal_(journal),
+        reports_(reports),
+        inputs_(context.plan.inputs().size()),
+        queue_(
+            inputs_.size(), [this](std::size_t input) { return open(input); },
+            [this](std::size_t input, std::size_t) {
+              const auto& wanted = context_.plan.inputs()[input].wanted;
+              return std::deque<std::size_t>(wanted.begin(), wanted.end());
+            }) {}
+
+  void run(std::size_t workers) {
+    std::vector<std::future<void>> others;
+    for (std::size_t i = 1; i < workers; ++i) {
+      others.push_back(std::async(std::launch::async, [this] { work(); }));
     }
-    if (options.log_level &&
-        !platform::is_loaded((std::string(kLoggerLibrary) + platform::kLibrarySuffix).c_str())) {
-      throw Fault(FaultKind::argument,
-                  "--log needs the library " + std::string(kLoggerLibrary) +
-                      ", which was not found; put it beside kevrinth_qrm_polarization_processor");
-    }
+    work();
+    for (std::future<void>& other : others) other.get();
   }
 
-  int run() {
-    for (std::size_t i = 0; i < options_.files.size() && !platform::interrupted(); ++i) {
-      transform_file(options_.files[i]);
-    }
-    progress_.hide();
-    warn_of_clipped_intensity();
-    print_summary();
-    if (platform::interrupted()) return exit_interrupted;
-    return failures_ == 0 ? exit_success : frames_ == 0 ? exit_nothing_done : exit_some_failed;
-  }
+  bool disk_is_full() const { return disk_is_full_; }
 
  private:
-  void transform_file(const std::filesystem::path& file) {
-    show_progress();
-    std::unique_ptr<FrameReader> reader;
-    std::size_t pages = 0;
-    const auto open_file = [&] {
-      reader = open_frames_of_user(file, options_.raw_shape);
-      pages = reader->count();
-    };
-    if (!attempt(file.string(), open_file)) return;
-    total_ += pages - 1;
-    for (std::size_t page = 0; page < pages && !platform::interrupted(); ++page) {
-      show_progress();
-      const std::string name =
-          file.string() + (pages > 1 ? ", page " + std::to_string(page + 1) : "");
-      attempt(name, [&] { transform_frame(file, *reader, page, name); });
+  void work() {
+    FrameWork frame_work(context_);
+    while (!platform::interrupted() && !disk_is_full_) {
+      const auto task = queue_.next();
+      if (!task) return;
+      transform(*task, frame_work);
     }
   }
 
-  void show_progress() { progress_.update(frames_ + failures_, failures_, total_); }
-
-  /// Reports a failure of the work and lets the run go on.
-  template <class Work>
-  bool attempt(const std::string& name, Work work) {
-    try {
-      work();
-      return true;
-    } catch (const Fault& error) {
-      report(name + ": " + error.what());
-    } catch (const std::bad_alloc&) {
-      report(
-          name +
-          ": there is not enough memory for this frame; close other programs or use a smaller one");
+  /// Null for an input that is done already, or cannot be opened, which is reported.
+  std::shared_ptr<FrameSource> open(std::size_t number) {
+    const PlannedInput& planned = context_.plan.inputs()[number];
+    FrameReport report = report_of(planned, number);
+    report.frames = std::max<std::size_t>(planned.wanted.size(), 1);
+    std::shared_ptr<FrameSource> source = planned.source;
+    const bool opened = attempt(report, [&] {
+      if (source == nullptr) {
+        source =
+            std::make_shared<FrameSource>(planned.input.path, options_.recipe.raw_shape, memory_);
+      }
+      if (source->count() != planned.pages) {
+        throw Fault(FaultKind::file, "the file has changed since the run began; run again");
+      }
+    });
+    if (opened && planned.pages && planned.wanted.empty()) {
+      report.failure = "it has none of the pages that --pages names";
+      report.outcome = FrameReport::Outcome::failed;
+    } else if (opened && is_done(planned, *source)) {
+      report.outcome = FrameReport::Outcome::skipped;
+    } else if (opened) {
+      inputs_[number] = std::make_shared<InputRun>(context_, number, source);
+      return source;
     }
-    ++failures_;
+    reports_.add(std::move(report));
+    return nullptr;
+  }
+
+  bool is_done(const PlannedInput& planned, const FrameSource& source) const {
+    return journal_ != nullptr && options_.output.existing == Existing::resume &&
+           source.identity() &&
+           journal_->is_done(json_text(planned.input.path), *source.identity(),
+                             context_.recipe_hash);
+  }
+
+  void transform(const FrameTask& task, FrameWork& work) {
+    const std::shared_ptr<InputRun> input = inputs_[task.input];
+    const PlannedInput& planned = input->planned();
+    FrameReport report = report_of(planned, task.input);
+    FramePlace place{task.input, task.page.value_or(0), planned.pages};
+    const bool good = attempt(report, [&] {
+      if (!read(task, *input, work, place, report)) return;
+      work.compute(report);
+      if (options_.output.dry_run) {
+        report.results = work.estimate(planned, place);
+      } else {
+        write(*input, place, work, report);
+      }
+    });
+    if (!good) after_failure(*input, work, report);
+    reports_.add(std::move(report));
+  }
+
+  /// False at the end of a pipe.
+  bool read(const FrameTask& task, InputRun& input, FrameWork& work, FramePlace& place,
+            FrameReport& report) {
+    const PlannedInput& planned = input.planned();
+    if (task.page) {
+      const auto& wanted = planned.wanted;
+      report.place =
+          static_cast<std::size_t>(std::ranges::lower_bound(wanted, *task.page) - wanted.begin());
+      report.last_of_input = report.place + 1 == wanted.size();
+      if (*planned.pages > 1) report.page = ", page " + std::to_string(*task.page + 1);
+      input.source().read(*task.page, work.frame(), report.warnings);
+      return true;
+    }
+    report.last_of_input = false;
+    const bool has_frame = input.source().read_next(work.frame(), place.page);
+    report.place = place.page;
+    report.page = ", frame " + std::to_string(place.page + 1);
+    if (has_frame) return true;
+    queue_.end(input.source());
+    report.outcome = FrameReport::Outcome::end_of_pipe;
     return false;
   }
 
-  void transform_frame(const std::filesystem::path& file, FrameReader& reader, std::size_t page,
-                       const std::string& name) {
-    reader.read(page, frame_);
-    for (const std::string& note : reader.notes()) report("warning: " + name + ": " + note);
-    if (options_.bit_depth) frame_.bit_depth = *options_.bit_depth;
-    warn_of_excess(frame_, name);
-    const Frame& frame = calibration_ ? corrected() : frame_;
-    const std::string stem = names_.stem_for(file, page, reader.count());
-
-    if (options_.log_level) progress_.hide();
-    compute_planes(frame);
-
-    FrameOutput output;
-    add_planes(stem, output);
-    if (options_.mean) add_mean(frame, stem, output);
-    if (!options_.pictures.empty()) add_pictures(frame, stem, output);
-    output.write();
-    ++frames_;
+  void write(InputRun& input, const FramePlace& place, FrameWork& work, FrameReport& report) {
+    const Publishing publishing = options_.output.existing == Existing::refuse
+                                      ? Publishing::as_new
+                                      : Publishing::as_replacement;
+    if (options_.output.to_standard_output()) return work.write_to_standard_output(input, place);
+    work.write(input, place, report, publishing);
+    if (!input.frame_done(report.results) || !input.planned().pages) return;
+    const auto stacks = input.publish_stacks(publishing);
+    report.results.insert(report.results.end(), stacks.begin(), stacks.end());
+    if (journal_ != nullptr && input.source().identity()) journal_->add(input.journal_entry());
+    inputs_[input.number()].reset();
   }
 
-  const Frame& corrected() {
-    if (!corrector_ || corrected_.width != frame_.width || corrected_.height != frame_.height) {
-      corrector_.emplace(*calibration_, mosaic_, frame_.width, frame_.height,
-                         CorrectionSettings{.threads = 0});
+  void after_failure(InputRun& input, const FrameWork& work, FrameReport& report) {
+    if (input.frame_failed()) {
+      report.failure +=
+          "; the files that its pages share are not written: --stack none writes the other pages";
     }
-    corrector_->correct(frame_, corrected_);
-    return corrected_;
+    if (journal_ == nullptr) return;
+    std::error_code unknown;
+    const auto space = std::filesystem::space(context_.plan.names().folder(), unknown);
+    // What a frame's results can take: a plane of each kind, and pictures.
+    const std::uintmax_t needed = 32 * work.frame_pixels();
+    if (!unknown && space.available < needed) disk_is_full_ = true;
   }
 
-  void compute_planes(const Frame& frame) {
-    planes_.reshape(frame.width, frame.height, options_.planes, options_.output_max);
-    if (options_.planes.empty()) return;
-    if (frames_ == 0) touch_planes();
-    const auto start = std::chrono::steady_clock::now();
-    processor_.transform(frame, mosaic_, planes_.views());
-    seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    pixels_ += static_cast<double>(frame.samples.size());
-    if (!options_.planes.has(Plane::intensity)) return;
-    const std::size_t clipped = count_clipped_intensity(frame);
-    clipped_pixels_ += static_cast<double>(clipped);
-    if (clipped > 0) ++clipped_frames_;
-  }
-
-  /// The system clears fresh memory when it is first written: that is no time of the transform.
-  void touch_planes() {
-    const PlaneViews views = planes_.views();
-    std::ranges::fill(views.normalized_stokes, 0.0F);
-    for (const PlaneTraits& traits : kPlanes) {
-      if (traits.element == PlaneElement::level) {
-        std::ranges::fill(views.level(traits.plane).levels, std::uint16_t{0});
-      }
+  /// Puts a failure of the work into the report.
+  template <class Work>
+  bool attempt(FrameReport& report, Work work) {
+    try {
+      work();
+      return true;
+    } catch (const Fault& fault) {
+      report.failure = fault.what();
+    } catch (const std::bad_alloc&) {
+      report.failure =
+          "there is not enough memory for this frame; close other programs, use a smaller one, or "
+          "fewer at a time by --jobs";
     }
+    report.outcome = FrameReport::Outcome::failed;
+    report.results.clear();
+    return false;
   }
 
-  void warn_of_clipped_intensity() {
-    if (clipped_frames_ == 0) return;
-    std::ostringstream line;
-    line << "warning: the plane intensity is clipped in "
-         << (clipped_frames_ == 1 ? "1 frame" : std::to_string(clipped_frames_) + " frames")
-         << ", where S0 exceeds the range of one sample; of all pixels " << std::setprecision(2)
-         << 100 * clipped_pixels_ / pixels_
-         << " per cent. --planes mean gives the mean of the four samples, which never clips";
-    report(line.str());
+  static FrameReport report_of(const PlannedInput& planned, std::size_t number) {
+    FrameReport report;
+    report.input = number;
+    report.file = planned.input.is_standard_input() ? "standard input" : planned.input.path;
+    return report;
   }
 
-  void warn_of_excess(const Frame& frame, const std::string& name) {
-    const std::size_t excess = count_samples_above_full_scale(frame);
-    if (excess == 0) return;
-    report("warning: " + name + ": " + std::to_string(excess) + " samples are above " +
-           std::to_string(full_scale(frame.bit_depth)) + ", the largest value of " +
-           std::to_string(frame.bit_depth) + " bits; check --bit-depth");
-  }
-
-  void add_planes(const std::string& stem, FrameOutput& output) {
-    for (const PlaneTraits& traits : kPlanes) {
-      if (!options_.planes.has(traits.plane)) continue;
-      const std::string name = stem + "_" + std::string(traits.name);
-      if (traits.element == PlaneElement::float_pair) {
-        const ImageFormat format = preferred_format(ImageKind::floats);
-        output.add(path_for(name, format, ImageKind::floats), [this, format](PendingFile& file) {
-          write_image(
-              file, format,
-              FloatImage{planes_.width(), planes_.height(), 2, planes_.normalized_stokes()});
-        });
-      } else {
-        output.add(path_for(name, options_.format, ImageKind::grey), [this, plane = traits.plane](
-                                                                         PendingFile& file) {
-          write_image(file, options_.format,
-                      GreyImage{planes_.width(), planes_.height(), 16, planes_.levels(plane)});
-        });
-      }
-    }
-  }
-
-  void add_mean(const Frame& frame, const std::string& stem, FrameOutput& output) {
-    mean_.resize(frame.samples.size());
-    fill_mean_plane(frame, mean_);
-    output.add(path_for(stem + "_mean", options_.format, ImageKind::grey), [this, &frame](
-                                                                               PendingFile& file) {
-      // Samples may have more bits than they claim, and then so have means.
-      const bool fits = std::ranges::max(mean_) <= full_scale(frame.bit_depth);
-      write_image(file, options_.format,
-                  GreyImage{frame.width, frame.height, fits ? frame.bit_depth : 16, mean_});
-    });
-  }
-
-  void add_pictures(const Frame& frame, const std::string& stem, FrameOutput& output) {
-    picture_source_.fill(processor_, frame, mosaic_, planes_for(options_.pictures));
-    const PictureMaps maps = picture_source_.maps();
-    PictureRanges ranges = ranges_of(maps);
-    if (options_.dolp_white) ranges.dolp_white = *options_.dolp_white;
-    const ImageFormat format = preferred_format(ImageKind::picture);
-    for (const PictureKind kind : options_.pictures) {
-      const std::string name = stem + "_" + std::string(traits_of(kind).name) + "_picture";
-      output.add(path_for(name, format, ImageKind::picture), [=](PendingFile& file) {
-        write_image(file, format, picture_of(kind, maps, ranges));
-      });
-    }
-  }
-
-  std::filesystem::path path_for(const std::string& name, ImageFormat format,
-                                 ImageKind kind) const {
-    return names_.path_for(name + std::string(ending_of(format, kind)));
-  }
-
-  void report(const std::string& line) {
-    progress_.hide();
-    std::cerr << "kv-polarize: " << line << std::endl;
-  }
-
-  void print_summary() const {
-    std::cout << frames_ << (frames_ == 1 ? " frame" : " frames") << " transformed";
-    if (failures_ > 0) std::cout << ", " << failures_ << " failed";
-    if (seconds_ > 0) {
-      std::cout << "; " << std::fixed << std::setprecision(0) << pixels_ / 1e6 / seconds_
-                << " megapixels per second in the transform itself, without files and pictures";
-    }
-    if (frames_ > 0) std::cout << "; results in " << options_.folder.string();
-    std::cout << std::endl;
-  }
-
+  const TransformContext& context_;
   const TransformOptions& options_;
-  Mosaic mosaic_;
-  std::optional<Calibration> calibration_;
-  std::optional<FrameCorrector> corrector_;  // for frames of the size of corrected_
-  Frame corrected_;
-  OutputNames names_;
-  ProgressLine progress_;
-  std::size_t total_;  // frames, as far as the files that were opened tell
-  Processor processor_;
-  Frame frame_;
-  Planes planes_;
-  Buffer<std::uint16_t> mean_;
-  PictureSource picture_source_;
-  std::size_t frames_ = 0;
-  std::size_t failures_ = 0;
-  double pixels_ = 0;  // of frames whose planes were computed
-  std::size_t clipped_frames_ = 0;
-  double clipped_pixels_ = 0;
-  double seconds_ = 0;
+  Journal* journal_;
+  RunReports& reports_;
+  FileMemory memory_;
+  std::vector<std::shared_ptr<InputRun>> inputs_;
+  FrameQueue queue_;
+  std::atomic<bool> disk_is_full_ = false;
 };
 
-void make_folder(const std::filesystem::path& folder) {
-  std::error_code failure;
-  std::filesystem::create_directories(folder, failure);
-  if (!std::filesystem::is_directory(folder)) {
-    const std::string why = failure ? failure.message() : "a file has this name";
-    throw Fault(FaultKind::argument, "the output folder " + folder.string() + " cannot be made: " +
-                                         why + "; choose another one with -o");
+void prepare_log(const TransformOptions& options) {
+  if (!options.log_level) return;
+  platform::set_environment("KEVRINTH_QRM_LOGGER_LEVEL",
+                            std::to_string(*options.log_level).c_str());
+  if (!platform::is_loaded((std::string(kLoggerLibrary) + platform::kLibrarySuffix).c_str())) {
+    throw Fault(FaultKind::argument,
+                "--log needs the library " + std::string(kLoggerLibrary) +
+                    ", which was not found; put it beside kevrinth_qrm_polarization_processor");
+  }
+}
+
+int status_of(const RunTotals& totals, bool complete) {
+  if (platform::interrupted()) return exit_interrupted;
+  if (totals.failed == 0 && complete) return exit_success;
+  return totals.frames + totals.skipped == 0 ? exit_nothing_done : exit_some_failed;
+}
+
+/// Frames at the same time. Standard output takes one after the other.
+std::size_t workers_of(const TransformOptions& options, const TransformPlan& plan,
+                       std::size_t cores) {
+  if (options.output.to_standard_output()) return 1;
+  const std::size_t jobs = options.jobs > 0 ? static_cast<std::size_t>(options.jobs) : cores;
+  return std::clamp<std::size_t>(plan.frames().value_or(jobs), 1, jobs);
+}
+
+/// Standard output is a single file.
+void check_standard_output(const TransformPlan& plan) {
+  if (plan.results().size() != 1) {
+    throw UsageError(
+        "-o - takes one result of each frame; name it by --planes and --no-pictures, "
+        "or by --no-planes and --pictures");
+  }
+  const ImageFormat format = plan.results().front().format;
+  const bool joins =
+      format == ImageFormat::raw || format == ImageFormat::npy || format == ImageFormat::pgm;
+  if (!joins && plan.frames() != 1u) {
+    throw UsageError(
+        "several frames go to standard output only in the formats raw, npy and pgm, "
+        "one behind the other");
+  }
+  if (platform::output_stream_is_terminal()) {
+    throw UsageError("-o - would write an image to the terminal; lead it into a file or a program");
   }
 }
 
 }  // namespace
 
 int run_transform(const TransformOptions& options) {
-  if (options.log_level) {
-    platform::set_environment("KEVRINTH_QRM_LOGGER_LEVEL",
-                              std::to_string(*options.log_level).c_str());
+  prepare_log(options);
+  const bool to_folder = !options.output.dry_run && !options.output.to_standard_output();
+  Journal journal(options.output.folder);
+  const TransformPlan plan(options, journal);
+  if (options.output.to_standard_output()) {
+    check_standard_output(plan);
+  } else {
+    plan.check_results(options.output, journal);
   }
-  TransformRun run(options);
-  make_folder(options.folder);
-  return run.run();
+  TransformContext context = make_context(options, plan);
+  const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
+  const std::size_t workers = workers_of(options, plan, cores);
+  context.threads = std::max<std::size_t>(1, cores / workers);
+
+  RunReports reports(options.report, options.output.folder, options.output.dry_run);
+  std::optional<ResultsFolder> folder;
+  if (to_folder) folder.emplace(options.output.folder, plan.folders(), journal);
+  if (plan.own_results() > 0) {
+    reports.warn(std::to_string(plan.own_results()) +
+                 " files among the inputs are results of kv-polarize, and were left out");
+  }
+  reports.start(plan.inputs().size(), plan.frames());
+  TransformRun run(context, to_folder ? &journal : nullptr, reports);
+  run.run(workers);
+  if (run.disk_is_full()) {
+    reports.warn("the disk is full, and the run has stopped; make room, and go on with --resume");
+  }
+  if (folder) folder->tidy();
+  const int status = status_of(reports.totals(), !run.disk_is_full());
+  reports.finish(status);
+  return status;
 }
 
 }  // namespace kv::polarization

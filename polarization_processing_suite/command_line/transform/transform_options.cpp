@@ -1,8 +1,12 @@
 #include <algorithm>
 
+#include "command_line/batch/journal.h"
 #include "command_line/command.h"
 #include "command_line/options/common_options.h"
 #include "command_line/options/values.h"
+#include "command_line/outputs/name_template.h"
+#include "command_line/transform/page_list.h"
+#include "command_line/transform/results.h"
 #include "command_line/transform/transform_command.h"
 
 namespace kv::polarization {
@@ -15,20 +19,21 @@ std::vector<std::string> plane_names() {
   return names;
 }
 
-void parse_planes(const std::string& list, TransformOptions& options) {
-  options.planes = {};
+void parse_planes(const std::string& list, Recipe& recipe) {
+  recipe.planes = {};
+  recipe.mean = false;
   for (const std::string& name : split_list(list)) {
     const auto plane = plane_named(name);
     if (name == "mean") {
-      options.mean = true;
+      recipe.mean = true;
     } else if (plane) {
-      options.planes.add(*plane);
+      recipe.planes.add(*plane);
     } else {
       throw BadValue("there is no plane '" + name + "'; the planes are " +
                      comma_list(plane_names()));
     }
   }
-  if (options.planes.empty() && !options.mean) {
+  if (recipe.planes.empty() && !recipe.mean) {
     throw BadValue("the list is empty; name a plane");
   }
 }
@@ -53,11 +58,11 @@ std::vector<PictureKind> parse_pictures(const std::string& list) {
   return kinds;
 }
 
-/// Names of the formats that planes are written in: those that record the planes' shape.
+/// Names of the formats that planes are written in.
 std::vector<std::string> plane_formats() {
   std::vector<std::string> names;
   for (const ImageFormatTraits& traits : image_formats()) {
-    if (traits.has_header && traits.writes(ImageKind::grey)) names.emplace_back(traits.name);
+    if (traits.writes(ImageKind::grey)) names.emplace_back(traits.name);
   }
   return names;
 }
@@ -80,6 +85,20 @@ std::string format_table() {
   }
   return table + "\nHeaderless frames need --width, --height and --raw-format.";
 }
+
+/// The value of a name in a table that has the order of the enumeration.
+template <class Value, std::size_t Count>
+Value named(const std::string& name, const std::array<const char*, Count>& names) {
+  const std::string& found = choice_of(name, {names.begin(), names.end()});
+  return static_cast<Value>(std::ranges::find(names, found) - names.begin());
+}
+
+constexpr const char* kInputDetails =
+    "A folder stands for its frame files, in the order of the numbers in their names. Patterns in "
+    "quotes, such as 'night/*.png' and 'night/**/*.tiff', are expanded by the tool, as are ranges, "
+    "'frame_{0000..0999}.png' and, in steps, 'frame_{0000..0999x10}.png'. @LIST takes the lines of "
+    "a file, @- those of standard input. - takes frames from standard input. Results of "
+    "kv-polarize in folders and patterns are left out.";
 
 CommandPage transform_page() {
   return {
@@ -105,6 +124,8 @@ CommandPage transform_page() {
           "\n" +
           format_table(),
       .examples = {"kv-polarize transform frame.png -o planes",
+                   "kv-polarize transform -r night -o planes --phase 90 --resume",
+                   "kv-polarize transform stack.tiff -o planes --planes dolp,azimuth --format tiff",
                    "kv-polarize transform night/*.tif -o planes --phase 90 --calibration "
                    "camera.json"}};
 }
@@ -112,27 +133,198 @@ CommandPage transform_page() {
 class TransformCommand : public Command {
  public:
   explicit TransformCommand(CLI::App& app) : Command(app, transform_page()) {
+    add_inputs();
+    add_outputs();
+    add_frames();
+    add_planes();
+    add_pictures();
+    add_run();
+    add_reports();
+  }
+
+  int run() override {
+    options_.recipe.mosaic = mosaic_->value();
+    options_.recipe.mosaic_given = mosaic_->given();
+    options_.recipe.raw_shape = raw_shape_->value();
+    if (overwrite_ && resume_) {
+      throw UsageError("--overwrite and --resume exclude each other; give one of them");
+    }
+    options_.output.existing = overwrite_ ? Existing::overwrite
+                               : resume_  ? Existing::resume
+                                          : Existing::refuse;
+    if (results_of(options_.recipe).empty()) {
+      throw UsageError("there is nothing to write: --planes or --pictures must name something");
+    }
+    return run_transform(options_);
+  }
+
+ private:
+  void add_inputs() {
+    InputOptions& input = options_.input;
     options().add_arguments({.names = "FRAME",
                              .value = "FILE",
-                             .summary = "Raw mosaic frames",
+                             .summary = "Raw mosaic frames: files, folders, patterns, @LIST, -",
+                             .details = kInputDetails,
                              .required = true,
                              .completion = Completion::file},
-                            files_, 1, 1 << 30);
+                            input.words, 1, 1 << 30);
+    options().add_flag({.names = "-r,--recursive",
+                        .summary = "Take the folders within folders, too",
+                        .details = "Results then keep the tree of folders."},
+                       input.recursive);
+    options().add(
+        {.names = "--skip",
+         .value = "PATTERN",
+         .summary = "Leave out inputs of that name, such as '*_dark*'",
+         .details = "Held against the name and the whole path of each file. It may be "
+                    "given several times."},
+        [&input](const std::string& pattern) { input.skip.push_back(pattern); },
+        [&input] { input.skip.clear(); });
+    options().add(
+        {.names = "--pages",
+         .value = "LIST",
+         .summary = "Frames of each file, from 1 up, such as 1,5..8",
+         .initial = "all"},
+        [&input](const std::string& text) { input.pages = page_list_of(text); },
+        [&input] { input.pages.clear(); });
+  }
+
+  void add_outputs() {
+    OutputOptions& output = options_.output;
     options().add({.names = "-o,--output",
                    .value = "FOLDER",
-                   .summary = "Folder for the results; made if missing",
+                   .summary = "Folder for the results, made if missing; - for standard output",
+                   .details = "Standard output takes one plane, or one picture: of a single frame "
+                              "in any format, of many frames one behind the other in the formats "
+                              "raw, npy and pgm.",
                    .required = true,
                    .completion = Completion::folder},
-                  path_into(options_.folder));
-    add_bit_depth(options(), options_.bit_depth);
+                  path_into(output.folder));
+    options().add({.names = "--names",
+                   .value = "TEMPLATE",
+                   .summary = "Names of the results, without their endings",
+                   .details = "Of {name}, the input's name without its ending; {folder}, the one "
+                              "that it was found in; {plane}; {page}; {index}, the input's number "
+                              "in the run. Numbers may have a width, as {page:05}. The template "
+                              "may make folders. Results of the same name are refused before "
+                              "anything is written.",
+                   .initial = "{name}_{plane}, with {page} and {folder} where there are several"},
+                  [&output](const std::string& text) {
+                    const NameTemplate checked(text);
+                    output.names = text;
+                  });
+    options().add(
+        {.names = "--stack",
+         .value = "WHAT",
+         .summary = "Images that share a file",
+         .details = "planes: all pages of an input, a file for each plane, as input files "
+                    "of several frames become by default in formats that hold several "
+                    "images (tiff, pgm, npy, raw). inputs: all 16-bit planes of all pages "
+                    "of an input, in one file. none: each image has a file of its own. "
+                    "Pictures always have. A page that fails leaves its stack unwritten.",
+         .choices = {kStackingNames.begin(), kStackingNames.end()},
+         .initial = "planes"},
+        [&output](const std::string& name) {
+          output.stacking = named<Stacking>(name, kStackingNames);
+        });
+    options().add_flag(
+        {.names = "--overwrite", .summary = "Replace results that are there already, else refused"},
+        overwrite_);
+    options().add_flag(
+        {.names = "--resume",
+         .summary = "Go on with a run that was ended, or whose inputs grew",
+         .details = std::string("The journal in the folder of results, ") + kJournalName +
+                    ", tells which inputs were done with the same options by the same version. "
+                    "Inputs whose content changed, and all others, are done, in place of what was "
+                    "there of them."},
+        resume_);
+    options().add_flag(
+        {.names = "--dry-run",
+         .summary = "Tell what would be written, and its size; read, but write nothing"},
+        output.dry_run);
+  }
+
+  void add_frames() {
+    Recipe& recipe = options_.recipe;
+    mosaic_.emplace(options());
+    add_bit_depth(options(), recipe.bit_depth);
     options().add(
         {.names = "--calibration",
          .value = "FILE",
          .summary = "Correct the frames by what kv-polarize calibrate found of their camera",
+         .details = "It also tells --phase and --origin, unless they are given.",
          .completion = Completion::file},
-        path_into(options_.calibration), [this] { options_.calibration.reset(); });
-    add_planes();
-    add_pictures();
+        path_into(recipe.calibration), [&recipe] { recipe.calibration.reset(); });
+    raw_shape_.emplace(options());
+  }
+
+  void add_planes() {
+    Recipe& recipe = options_.recipe;
+    options().add(
+        {.names = "--planes",
+         .value = "LIST",
+         .summary = "Planes to write, of",
+         .choices = plane_names(),
+         .initial = "all but mean"},
+        [&recipe](const std::string& list) { parse_planes(list, recipe); },
+        [&recipe] {
+          recipe.planes = {};
+          recipe.mean = false;
+        });
+    options().add({.names = "--output-max",
+                   .value = "N",
+                   .summary = "Full scale of the 16-bit planes",
+                   .initial = "65535"},
+                  whole_number_into(recipe.output_max, 1, 65535));
+    options().add({.names = "--format",
+                   .value = "NAME",
+                   .summary = "File format of the planes",
+                   .details = "normalized_stokes becomes TIFF, or NPY, where the format holds no "
+                              "floats. Planes of raw and npy have a file NAME.json beside them, "
+                              "which tells how they were made, as other formats do within.",
+                   .choices = plane_formats(),
+                   .initial = std::string(traits_of(recipe.format).name)},
+                  [&recipe](const std::string& name) { recipe.format = plane_format_named(name); });
+    options().add(
+        {.names = "--compression",
+         .value = "HOW",
+         .summary = "Of PNG and TIFF, without loss",
+         .details = "none: as fast as the disk. fast: some 600 MB of samples a second and "
+                    "core. small: a few per cent smaller, at ten times the time.",
+         .choices = {kCompressionNames.begin(), kCompressionNames.end()},
+         .initial = "fast for PNG, none for TIFF"},
+        [&recipe](const std::string& name) {
+          recipe.compression = named<Compression>(name, kCompressionNames);
+        });
+  }
+
+  void add_pictures() {
+    Recipe& recipe = options_.recipe;
+    options().add(
+        {.names = "--pictures",
+         .value = "LIST",
+         .summary = "Pictures to write, of",
+         .choices = picture_names(),
+         .initial = "intensity,dolp,angle"},
+        [&recipe](const std::string& list) { recipe.pictures = parse_pictures(list); },
+        [&recipe] { recipe.pictures.clear(); });
+    options().add(
+        {.names = "--dolp-white",
+         .value = "N",
+         .summary = "DoLP that pictures show at full brightness",
+         .initial = "what one pixel in 100 of the frame exceeds, rounded up to a multiple "
+                    "of 0.05"},
+        number_into(recipe.dolp_white, 0.01, 1), [&recipe] { recipe.dolp_white.reset(); });
+  }
+
+  void add_run() {
+    options().add({.names = "-j,--jobs",
+                   .value = "N",
+                   .summary = "Frames at the same time",
+                   .details = "Each takes the memory of its planes and pictures, some 30 bytes a "
+                              "pixel with all of them.",
+                   .initial = "one for each core"},
+                  whole_number_into(options_.jobs, 1, 1024));
     options().add({.names = "--log",
                    .value = "LEVEL",
                    .summary = "Show log lines of the processing library up to this severity",
@@ -141,58 +333,32 @@ class TransformCommand : public Command {
                   [this] { options_.log_level.reset(); });
   }
 
-  int run() override {
-    options_.files.assign(files_.begin(), files_.end());
-    options_.mosaic = mosaic_.value();
-    options_.mosaic_given = mosaic_.given();
-    options_.raw_shape = raw_shape_.value();
-    return run_transform(options_);
-  }
-
- private:
-  void add_planes() {
-    options().add({.names = "--planes",
-                   .value = "LIST",
-                   .summary = "Planes to write, of",
-                   .choices = plane_names(),
-                   .initial = "all but mean"},
-                  [this](const std::string& list) { parse_planes(list, options_); });
-    options().add({.names = "--output-max",
-                   .value = "N",
-                   .summary = "Full scale of the 16-bit planes",
-                   .initial = "65535"},
-                  whole_number_into(options_.output_max, 1, 65535));
-    options_.format = preferred_format(ImageKind::grey);
-    options().add({.names = "--format",
-                   .value = "NAME",
-                   .summary = "File format of the 16-bit planes",
-                   .choices = plane_formats(),
-                   .initial = std::string(traits_of(options_.format).name)},
-                  [this](const std::string& name) { options_.format = plane_format_named(name); });
-  }
-
-  void add_pictures() {
+  void add_reports() {
+    ReportOptions& report = options_.report;
+    options().add_flag({.names = "-q,--quiet", .summary = "Tell failures alone, on standard error"},
+                       report.quiet);
+    options().add_flag({.names = "-v,--verbose", .summary = "Tell every frame, on standard error"},
+                       report.verbose);
+    options().add_flag({.names = "--json", .summary = "Write the summary as JSON"}, report.json);
     options().add(
-        {.names = "--pictures",
-         .value = "LIST",
-         .summary = "Pictures to write, of",
-         .choices = picture_names(),
-         .initial = "intensity,dolp,angle"},
-        [this](const std::string& list) { options_.pictures = parse_pictures(list); },
-        [this] { options_.pictures.clear(); });
-    options().add(
-        {.names = "--dolp-white",
-         .value = "N",
-         .summary = "DoLP that pictures show at full brightness",
-         .initial = "what one pixel in 100 of the frame exceeds, rounded up to a multiple "
-                    "of 0.05"},
-        number_into(options_.dolp_white, 0.01, 1), [this] { options_.dolp_white.reset(); });
+        {.names = "--events",
+         .value = "FD",
+         .summary = "Write a line of JSON for each frame to that descriptor, such as 3",
+         .details = "Events are start, frame, failed, skipped and end. For programs that watch the "
+                    "run: kv-polarize transform ... --events 3 3>events.jsonl"},
+        whole_number_into(report.events, 1, 1023), [&report] { report.events.reset(); });
+    options().add({.names = "--list-failed",
+                   .value = "FILE",
+                   .summary = "Write the names of inputs that failed, for another run by @FILE",
+                   .completion = Completion::file},
+                  path_into(report.list_failed), [&report] { report.list_failed.reset(); });
   }
 
-  MosaicOptions mosaic_{options()};
-  RawShapeOptions raw_shape_{options()};
   TransformOptions options_;
-  std::vector<std::string> files_;
+  std::optional<MosaicOptions> mosaic_;
+  std::optional<RawShapeOptions> raw_shape_;
+  bool overwrite_ = false;
+  bool resume_ = false;
 };
 
 }  // namespace

@@ -20,6 +20,8 @@ std::FILE* open_nameless() { return std::tmpfile(); }
 
 std::FILE* binary_standard_output() { return stdout; }
 
+std::FILE* open_descriptor_for_writing(int descriptor) { return fdopen(descriptor, "ab"); }
+
 int seek(std::FILE* stream, std::int64_t offset, int whence) {
   return fseeko(stream, offset, whence);
 }

@@ -19,6 +19,10 @@ int terminal_columns() {
   return told ? size.ws_col : kUsualColumns;
 }
 
+void make_standard_input_binary() {}
+
+bool output_stream_is_terminal() { return isatty(STDOUT_FILENO) != 0; }
+
 void set_environment(const char* name, const char* value) {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): the caller sees to it that there is one thread.
   setenv(name, value, 1);

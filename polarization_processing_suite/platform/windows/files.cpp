@@ -39,6 +39,8 @@ std::FILE* binary_standard_output() {
   return stdout;
 }
 
+std::FILE* open_descriptor_for_writing(int descriptor) { return _fdopen(descriptor, "ab"); }
+
 int seek(std::FILE* stream, std::int64_t offset, int whence) {
   return _fseeki64(stream, offset, whence);
 }

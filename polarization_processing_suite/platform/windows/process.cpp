@@ -1,5 +1,6 @@
 #include "platform/process.h"
 
+#include <fcntl.h>
 #include <io.h>
 #include <windows.h>
 
@@ -20,6 +21,10 @@ int terminal_columns() {
   if (GetConsoleScreenBufferInfo(errors, &console) == 0) return kUsualColumns;
   return console.srWindow.Right - console.srWindow.Left + 1;
 }
+
+void make_standard_input_binary() { _setmode(_fileno(stdin), _O_BINARY); }
+
+bool output_stream_is_terminal() { return _isatty(_fileno(stdout)) != 0; }
 
 void set_environment(const char* name, const char* value) { _putenv_s(name, value); }
 

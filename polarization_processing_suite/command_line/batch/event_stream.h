@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+namespace kv::polarization {
+
+/// JSON lines for a program that watches the run.
+class EventStream {
+ public:
+  /// To an open descriptor, such as 3 of a shell's 3>events; none for no events. Throws UsageError
+  /// when it is not open for writing.
+  explicit EventStream(std::optional<int> descriptor);
+  ~EventStream();
+  EventStream(const EventStream&) = delete;
+  EventStream& operator=(const EventStream&) = delete;
+
+  explicit operator bool() const { return stream_ != nullptr; }
+
+  /// One line at once. A reader that has gone away is no reason to end the run: nothing is told to
+  /// it further.
+  void write(const nlohmann::ordered_json& event);
+
+ private:
+  std::FILE* stream_ = nullptr;
+};
+
+}  // namespace kv::polarization

@@ -1,0 +1,122 @@
+#include "command_line/batch/journal.h"
+
+#include <cstdio>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
+
+#include "command_line/batch/provenance_record.h"
+#include "kv/image_files/pending_file.h"
+#include "kv/polarization/fault.h"
+
+namespace kv::polarization {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string journal_line(const JournalEntry& entry) {
+  Json results = Json::array();
+  for (const JournalFile& file : entry.results) {
+    results.push_back({{"file", file.name}, {"size", file.size}});
+  }
+  const Json json = {{"input", entry.input},        {"size", entry.identity.size},
+                     {"xxh3", entry.identity.hash}, {"recipe", entry.recipe},
+                     {"frames", entry.frames},      {"results", std::move(results)}};
+  return line_of(json) + "\n";
+}
+
+/// None for a line that is damaged.
+std::optional<JournalEntry> entry_of(const std::string& line) {
+  try {
+    const Json json = Json::parse(line);
+    JournalEntry entry{json.at("input"),
+                       {json.at("size"), json.at("xxh3")},
+                       json.at("recipe"),
+                       json.at("frames"),
+                       {}};
+    for (const Json& file : json.at("results")) {
+      entry.results.push_back({file.at("file"), file.at("size")});
+    }
+    return entry;
+  } catch (const Json::exception&) {
+    return std::nullopt;
+  }
+}
+
+std::filesystem::path path_of(const std::string& name) {
+  return {std::u8string(name.begin(), name.end())};
+}
+
+}  // namespace
+
+Journal::Journal(std::filesystem::path folder) : folder_(std::move(folder)) { read(); }
+
+void Journal::read() {
+  std::ifstream stream(folder_ / kJournalName, std::ios::binary);
+  for (std::string line; std::getline(stream, line);) {
+    ends_within_line_ = stream.eof();
+    if (auto entry = entry_of(line)) {
+      for (const JournalFile& file : entry->results) results_.insert(file.name);
+      entries_[entry->input] = std::move(*entry);
+    }
+  }
+}
+
+bool Journal::is_done(const std::string& input, const ContentIdentity& identity,
+                      const std::string& recipe) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = entries_.find(input);
+  if (found == entries_.end()) return false;
+  const JournalEntry& entry = found->second;
+  if (entry.identity != identity || entry.recipe != recipe) return false;
+  for (const JournalFile& file : entry.results) {
+    std::error_code missing;
+    if (std::filesystem::file_size(folder_ / path_of(file.name), missing) != file.size) {
+      return false;
+    }
+  }
+  return true;
+}
+
+std::size_t Journal::frames_of(const std::string& input) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = entries_.find(input);
+  return found == entries_.end() ? 0 : found->second.frames;
+}
+
+void Journal::add(const JournalEntry& entry) {
+  const std::lock_guard lock(mutex_);
+  const std::string line =
+      (std::exchange(ends_within_line_, false) ? "\n" : "") + journal_line(entry);
+  // Opened for each line: another process may have tidied the journal meanwhile.
+  std::ofstream stream;
+  stream.rdbuf()->pubsetbuf(nullptr, 0);  // one write of the system for a line
+  stream.open(folder_ / kJournalName, std::ios::binary | std::ios::app);
+  if (!stream.write(line.data(), static_cast<std::streamsize>(line.size()))) {
+    throw Fault(FaultKind::file, "the journal " + (folder_ / kJournalName).string() +
+                                     " cannot be written; the results are complete, but a later "
+                                     "run will make them again");
+  }
+  entries_[entry.input] = entry;
+}
+
+void Journal::tidy() {
+  entries_.clear();
+  read();
+  if (entries_.empty()) {
+    std::error_code ignored;
+    std::filesystem::remove(folder_ / kJournalName, ignored);
+    return;
+  }
+  PendingFile file(folder_ / kJournalName);
+  for (const auto& [input, entry] : entries_) {
+    const std::string line = journal_line(entry);
+    file.write(line.data(), line.size());
+  }
+  file.sync();
+  file.close();
+  file.publish();
+}
+
+}  // namespace kv::polarization

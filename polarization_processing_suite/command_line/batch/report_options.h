@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+namespace kv::polarization {
+
+/// How a run tells what it does.
+struct ReportOptions {
+  bool quiet = false;
+  bool verbose = false;
+  bool json = false;
+  std::optional<int> events;  ///< descriptor of a file
+  std::optional<std::filesystem::path> list_failed;
+};
+
+}  // namespace kv::polarization

@@ -1,0 +1,58 @@
+#include "command_line/outputs/frame_output.h"
+
+#include <algorithm>
+#include <atomic>
+#include <future>
+#include <utility>
+
+namespace kv::polarization {
+
+void FrameOutput::add(const std::filesystem::path& path, Work work) {
+  files_.emplace_back(path);
+  work_.push_back(std::move(work));
+}
+
+void FrameOutput::add_text(const std::filesystem::path& path, std::string text) {
+  add(path, [text = std::move(text)](PendingFile& file) { file.write(text.data(), text.size()); });
+}
+
+void FrameOutput::write(std::size_t threads, Publishing publishing) {
+  std::atomic<std::size_t> next = 0;
+  const auto write_next_files = [&] {
+    for (std::size_t i = next++; i < files_.size(); i = next++) {
+      work_[i](files_[i]);
+      files_[i].sync();
+      files_[i].close();
+    }
+  };
+  std::vector<std::future<void>> writers;
+  for (std::size_t i = 1; i < std::min(threads, files_.size()); ++i) {
+    writers.push_back(std::async(std::launch::async, write_next_files));
+  }
+  // A future of std::async waits in its destructor: no writer outlives the files, even if this
+  // thread's own writing throws.
+  write_next_files();
+  for (std::future<void>& writer : writers) writer.get();
+  for (PendingFile& file : files_) {
+    if (publishing == Publishing::as_new) {
+      file.publish_new();
+    } else {
+      file.publish();
+    }
+  }
+}
+
+std::vector<JournalFile> FrameOutput::files(const std::filesystem::path& folder) const {
+  std::vector<JournalFile> files;
+  for (const PendingFile& file : files_) files.push_back(journal_file(file.target(), folder));
+  return files;
+}
+
+JournalFile journal_file(const std::filesystem::path& file, const std::filesystem::path& folder) {
+  const std::u8string name = file.lexically_relative(folder).generic_u8string();
+  std::error_code unknown;
+  const std::uintmax_t size = std::filesystem::file_size(file, unknown);
+  return {std::string(name.begin(), name.end()), unknown ? 0 : size};
+}
+
+}  // namespace kv::polarization
