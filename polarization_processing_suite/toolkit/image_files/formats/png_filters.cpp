@@ -62,7 +62,7 @@ __m128i last_everywhere(__m128i bytes) {
   return _mm_shuffle_epi32(_mm_shufflehi_epi16(bytes, 0xFF), 0xFF);
 }
 
-/// Both return how many bytes they have done, leaving less than a vector.
+/// Both return how many bytes they have done, leaving less than a vector of those that they can do.
 template <std::size_t pixel>
 std::size_t unfilter_sub(std::span<std::uint8_t> row) {
   __m128i before = _mm_setzero_si128();
@@ -117,7 +117,8 @@ void unfilter(PngFilter kind, std::span<std::uint8_t> row, const std::uint8_t* a
     case PngFilter::none:
       return;
     case PngFilter::sub:
-      done = pixel == 1 ? unfilter_sub<1>(row) : unfilter_sub<2>(row);
+      if (pixel == 1) done = unfilter_sub<1>(row);
+      if (pixel == 2) done = unfilter_sub<2>(row);
       return unfilter_bytes(row, above, pixel, done, [](int left, int, int) { return left; });
     case PngFilter::up:
       done = unfilter_up(row, above);

@@ -27,8 +27,7 @@ constexpr std::size_t kFilterMargin = 16;
 void filter(PngFilter kind, std::span<const std::uint8_t> row, const std::uint8_t* above,
             std::size_t pixel, std::uint8_t* stored);
 
-/// Turns what is stored into the row, at its place. A pixel takes 1 or 2 bytes; there are no
-/// margins.
+/// Turns what is stored into the row, at its place. There are no margins.
 void unfilter(PngFilter kind, std::span<std::uint8_t> row, const std::uint8_t* above,
               std::size_t pixel);
 

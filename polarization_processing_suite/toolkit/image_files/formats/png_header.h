@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "kv/image_files/pending_file.h"
@@ -10,12 +11,30 @@ namespace kv::polarization {
 /// PNG's numbers for the kinds of pixels.
 enum class PngColour : std::uint8_t { grey = 0, rgb = 2, palette = 3, grey_alpha = 4, rgba = 6 };
 
+constexpr std::size_t channels_of(PngColour colour) {
+  switch (colour) {
+    case PngColour::rgb:
+      return 3;
+    case PngColour::grey_alpha:
+      return 2;
+    case PngColour::rgba:
+      return 4;
+    default:
+      return 1;
+  }
+}
+
 struct PngHeader {
   std::uint32_t width;
   std::uint32_t height;
   int bits;  ///< a channel
   PngColour colour;
   bool interlaced = false;
+
+  /// Of whole bytes a channel.
+  std::size_t pixel_size() const {
+    return channels_of(colour) * static_cast<std::size_t>(bits / 8);
+  }
 };
 
 /// Where the chunks behind the header begin.

@@ -26,41 +26,64 @@ class PaddedRow {
   std::size_t size_;
 };
 
-/// Rows that are compressed at once: as many as a block of deflate holds, so that they stay in the
-/// processor's caches, and one at least.
-std::size_t rows_a_band(std::size_t stored_row, std::size_t rows) {
-  return std::clamp<std::size_t>(kMostOfBlock / stored_row, 1, rows);
-}
+/// Filters rows and writes them compressed, as many at once as a block of deflate holds, so that
+/// they stay in the processor's caches.
+class RowWriter {
+ public:
+  RowWriter(PendingFile& file, const PngHeader& header, PngFilter filter, Compression compression)
+      : file_(file),
+        filter_(filter),
+        pixel_(header.pixel_size()),
+        rows_left_(header.height),
+        here_(header.width * pixel_),
+        above_(header.width * pixel_),
+        band_(std::max(kMostOfBlock, 1 + header.width * pixel_) + kFilterMargin),
+        encoder_(compression) {}
+
+  /// Where the bytes of the next row go.
+  std::span<std::uint8_t> row() { return here_.bytes(); }
+
+  void write_row() {
+    const std::size_t size = 1 + row().size();
+    band_[filled_] = static_cast<std::uint8_t>(filter_);
+    filter(filter_, row(), above_.bytes().data(), pixel_, band_.data() + filled_ + 1);
+    filled_ += size;
+    std::swap(here_, above_);
+    --rows_left_;
+    if (rows_left_ == 0 || filled_ + size > kMostOfBlock) write_band();
+  }
+
+ private:
+  void write_band() {
+    const auto stream = encoder_.encode({band_.data(), filled_}, rows_left_ == 0);
+    if (!stream.empty()) write_png_chunk(file_, "IDAT", stream);
+    filled_ = 0;
+  }
+
+  PendingFile& file_;
+  PngFilter filter_;
+  std::size_t pixel_;
+  std::size_t rows_left_;
+  PaddedRow here_;
+  PaddedRow above_;
+  Buffer<std::uint8_t> band_;
+  std::size_t filled_ = 0;
+  ZlibEncoder encoder_;
+};
 
 /// put_row(row, place) gives the bytes of a row.
 template <class PutRow>
-void write_png(PendingFile& file, const PngHeader& header, std::size_t pixel, PngFilter filter_kind,
+void write_png(PendingFile& file, const PngHeader& header, PngFilter filter,
                const WriteOptions& options, PutRow put_row) {
   const Compression compression = options.compression.value_or(Compression::fast);
-  if (compression == Compression::none) filter_kind = PngFilter::none;
   write_png_header(file, header);
   write_png_text(file, "Title", options.title);
   write_png_text(file, kPngProvenance, options.provenance);
-
-  const std::size_t rows = header.height;
-  const std::size_t row_size = header.width * pixel;
-  const std::size_t band_rows = rows_a_band(1 + row_size, rows);
-  PaddedRow here(row_size);
-  PaddedRow above(row_size);
-  Buffer<std::uint8_t> band(band_rows * (1 + row_size) + kFilterMargin);
-  ZlibEncoder encoder(compression);
-  std::size_t filled = 0;
-  for (std::size_t row = 0; row < rows; ++row) {
-    put_row(row, here.bytes());
-    band[filled] = static_cast<std::uint8_t>(filter_kind);
-    filter(filter_kind, here.bytes(), above.bytes().data(), pixel, band.data() + filled + 1);
-    filled += 1 + row_size;
-    std::swap(here, above);
-    const bool last = row + 1 == rows;
-    if (!last && (row + 1) % band_rows != 0) continue;
-    const auto stream = encoder.encode({band.data(), filled}, last);
-    if (!stream.empty()) write_png_chunk(file, "IDAT", stream);
-    filled = 0;
+  RowWriter writer(file, header, compression == Compression::none ? PngFilter::none : filter,
+                   compression);
+  for (std::size_t row = 0; row < header.height; ++row) {
+    put_row(row, writer.row());
+    writer.write_row();
   }
   write_png_chunk(file, "IEND", {});
 }
@@ -75,7 +98,7 @@ void write_png_grey(PendingFile& file, const GreyImage& image, const WriteOption
   const PngHeader header{static_cast<std::uint32_t>(image.width),
                          static_cast<std::uint32_t>(image.height),
                          static_cast<int>(8 * sample_size), PngColour::grey};
-  write_png(file, header, sample_size, PngFilter::sub, options,
+  write_png(file, header, PngFilter::sub, options,
             [&](std::size_t row, std::span<std::uint8_t> to) {
               const auto samples = image.samples.subspan(row * width, width);
               if (sample_size == 1) return narrow(samples, to.data());
@@ -87,7 +110,7 @@ void write_png_picture(PendingFile& file, const Picture& picture, const WriteOpt
   const PngHeader header{static_cast<std::uint32_t>(picture.width),
                          static_cast<std::uint32_t>(picture.height), 8,
                          picture.channels == 1 ? PngColour::grey : PngColour::rgb};
-  write_png(file, header, static_cast<std::size_t>(picture.channels), PngFilter::paeth, options,
+  write_png(file, header, PngFilter::paeth, options,
             [&](std::size_t row, std::span<std::uint8_t> to) {
               std::copy_n(picture.bytes.data() + row * to.size(), to.size(), to.data());
             });
