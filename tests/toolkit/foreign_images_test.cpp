@@ -141,6 +141,29 @@ TEST_F(ForeignImages, EveryTiffPageIsAFrame) {
   EXPECT_EQ(reader->read(0).samples[7], 'h');
 }
 
+TEST_F(ForeignImages, FloatsAndChannelsAreImagesInEitherByteOrder) {
+  const std::string floats("\0\0\x80\x3F\0\0\0\xC0", 8);  // 1 and -2
+  const TiffPage page = tiff_page(32, {{TIFFTAG_IMAGEWIDTH, {1}},
+                                       {TIFFTAG_IMAGELENGTH, {1}},
+                                       {TIFFTAG_SAMPLESPERPIXEL, {2}},
+                                       {TIFFTAG_SAMPLEFORMAT, {SAMPLEFORMAT_IEEEFP}}});
+  std::string swapped = floats;
+  std::reverse(swapped.begin(), swapped.begin() + 4);
+  std::reverse(swapped.begin() + 4, swapped.end());
+  for (const bool big_endian : {false, true}) {
+    write_content(path_, tiff_file({page}, big_endian ? swapped : floats, big_endian));
+    const Image image = open_images(path_)->read(0);
+    EXPECT_EQ(image.channels, 2);
+    EXPECT_EQ(image.as<float>()[0], 1);
+    EXPECT_EQ(image.as<float>()[1], -2);
+  }
+  write_content(path_, tiff_file({tiff_page(8, {{TIFFTAG_SAMPLESPERPIXEL, {2}},
+                                                {TIFFTAG_PLANARCONFIG, {PLANARCONFIG_SEPARATE}},
+                                                {TIFFTAG_STRIPOFFSETS, {kSamples, kSamples + 8}},
+                                                {TIFFTAG_STRIPBYTECOUNTS, {8, 8}}})}));
+  EXPECT_PRED2(contains, error_of([this] { open_images(path_)->read(0); }), "apart");
+}
+
 TEST_F(ForeignImages, OfOtherKindsAreRefusedWithTheirKind) {
   const std::pair<PngKind, const char*> pngs[] = {
       {{.color = PNG_COLOR_TYPE_RGB}, "RGB colour of 8"},

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "kv/image_files/frame_reader.h"
+#include "kv/image_files/image_reader.h"
 #include "kv/image_files/image_writer.h"
 #include "kv/image_files/stack_writer.h"
 #include "toolkit/image_files/byte_source.h"
@@ -14,6 +15,7 @@ namespace kv::polarization {
 /// What a format can do; null for what it cannot. A format that lacks its library has no function.
 struct FormatFunctions {
   std::unique_ptr<FrameReader> (*open)(SourcePointer) = nullptr;
+  std::unique_ptr<ImageReader> (*open_images)(SourcePointer) = nullptr;
   void (*write_grey)(PendingFile&, const GreyImage&, const WriteOptions&) = nullptr;
   void (*write_floats)(PendingFile&, const FloatImage&, const WriteOptions&) = nullptr;
   void (*write_picture)(PendingFile&, const Picture&, const WriteOptions&) = nullptr;

@@ -13,7 +13,8 @@ namespace kv::polarization {
 static_assert(std::endian::native == std::endian::little, "the library needs an x86-64 processor");
 
 /// Gives each number of type From, which may lie at any address, to `function`, and its result to
-/// `to`. The two must not overlap, unless they are the same.
+/// `to`. The two must not overlap, unless they are the same, or bytes in the upper half of memory
+/// become words in the whole of it: no word is written over a byte that has not been read.
 template <class From, class To, class Function>
 void map_samples(const void* from, To* to, std::size_t count, Function function) {
   // Compilers make vectors of a loop of constant length over memory that nothing else points to.

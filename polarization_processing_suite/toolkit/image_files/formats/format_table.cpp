@@ -17,8 +17,6 @@ struct Row {
 };
 
 Row complete(Row row) {
-  // That of PNG needs no library.
-  if (row.traits.format == ImageFormat::png) row.functions.provenance = png_provenance;
   const FormatFunctions& functions = row.functions;
   row.traits.reads = functions.open != nullptr || row.traits.format == ImageFormat::raw;
   row.traits.writes_kinds = {functions.write_grey != nullptr, functions.write_floats != nullptr,

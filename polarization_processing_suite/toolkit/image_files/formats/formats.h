@@ -10,7 +10,7 @@ FormatFunctions pgm_functions();
 FormatFunctions npy_functions();
 FormatFunctions raw_functions();
 
-/// As provenance_of tells them. Throw Fault of kind file when the file ends too early.
+/// As provenance_of tells them. Throw Fault of kind file for a damaged head.
 std::optional<std::string> png_provenance(ByteSource& source);
 std::optional<std::string> tiff_provenance(ByteSource& source);
 

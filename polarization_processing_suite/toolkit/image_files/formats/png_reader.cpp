@@ -3,6 +3,7 @@
 #include "toolkit/image_files/formats/deflate_bound.h"
 #include "toolkit/image_files/formats/formats.h"
 #include "toolkit/image_files/formats/png_decoder.h"
+#include "toolkit/image_files/formats/png_images.h"
 #include "toolkit/image_files/formats/png_writer.h"
 #include "toolkit/image_files/samples.h"
 #include "toolkit/image_files/stored_samples.h"
@@ -42,7 +43,11 @@ std::unique_ptr<FrameReader> open(SourcePointer source) {
 }  // namespace
 
 FormatFunctions png_functions() {
-  return {.open = open, .write_grey = write_png_grey, .write_picture = write_png_picture};
+  return {.open = open,
+          .open_images = open_png_images,
+          .write_grey = write_png_grey,
+          .write_picture = write_png_picture,
+          .provenance = png_provenance};
 }
 
 }  // namespace kv::polarization

@@ -16,31 +16,30 @@ Number field(TIFF* tiff, ttag_t tag) {
   return value;
 }
 
-[[noreturn]] void refuse(const std::string& what) {
-  throw Fault(
-      FaultKind::unsupported,
-      "the TIFF page " + what + "; a raw frame is grey with 8 or 16 bits, unsigned, black being 0");
+[[noreturn]] void refuse(const std::string& what, const char* wanted) {
+  throw Fault(FaultKind::unsupported, "the TIFF page " + what + "; " + wanted);
 }
 
-void check_is_raw_frame(TIFF* tiff) {
-  const std::uint16_t photometric = field(tiff, TIFFTAG_PHOTOMETRIC);
-  const int channels = field(tiff, TIFFTAG_SAMPLESPERPIXEL);
-  const int bits = field(tiff, TIFFTAG_BITSPERSAMPLE);
-  if (photometric == PHOTOMETRIC_PALETTE) refuse("is palette colour");
-  if (channels != 1) refuse("has " + std::to_string(channels) + " channels");
-  if (field(tiff, TIFFTAG_SAMPLEFORMAT) == SAMPLEFORMAT_IEEEFP) refuse("has float samples");
-  if (field(tiff, TIFFTAG_SAMPLEFORMAT) == SAMPLEFORMAT_INT) refuse("has signed samples");
-  if (bits != 8 && bits != 16) refuse("has " + std::to_string(bits) + " bits a sample");
-  if (photometric != PHOTOMETRIC_MINISBLACK && photometric != PHOTOMETRIC_CFA) {
-    refuse("is not a plain grey image");
-  }
-  const std::uint16_t compression = field(tiff, TIFFTAG_COMPRESSION);
-  if (TIFFIsCODECConfigured(compression) == 0) {
-    throw Fault(FaultKind::unsupported,
-                "the TIFF page is compressed by method " + std::to_string(compression) +
-                    ", which this build's libtiff lacks; store it by deflate or LZW, or without "
-                    "compression");
-  }
+constexpr const char* kRawFrame = "a raw frame is grey with 8 or 16 bits, unsigned, black being 0";
+constexpr const char* kAnyImage =
+    "an image has samples of 8 or 16 bits, unsigned, or floats, black being 0, and its channels "
+    "side by side";
+
+void check_compression(const TiffPage& page) {
+  const auto compression = static_cast<std::uint16_t>(page.compression);
+  if (TIFFIsCODECConfigured(compression) != 0) return;
+  throw Fault(FaultKind::unsupported,
+              "the TIFF page is compressed by method " + std::to_string(compression) +
+                  ", which this build's libtiff lacks; store it by deflate or LZW, or without "
+                  "compression");
+}
+
+std::string channels_text(const TiffPage& page) {
+  return "has " + std::to_string(page.channels) + " channels";
+}
+
+std::string bits_text(const TiffPage& page) {
+  return "has " + std::to_string(page.bits) + " bits a sample";
 }
 
 int bit_depth_of(TIFF* tiff, int bits) {
@@ -56,8 +55,8 @@ std::string orientation_note(std::uint16_t orientation) {
 }
 
 /// How many bytes may come out of one, at most.
-std::uint64_t most_ratio(TIFF* tiff) {
-  switch (field(tiff, TIFFTAG_COMPRESSION)) {
+std::uint64_t most_ratio(const TiffPage& page) {
+  switch (page.compression) {
     case COMPRESSION_NONE:
       return 1;
     case COMPRESSION_PACKBITS:
@@ -72,10 +71,65 @@ std::uint64_t most_ratio(TIFF* tiff) {
   }
 }
 
-/// Holds each part's size against the bytes that it is stored in.
+}  // namespace
+
+TiffPage read_fields(TIFF* tiff) {
+  TiffPage page;
+  page.width = field<std::uint32_t>(tiff, TIFFTAG_IMAGEWIDTH);
+  page.height = field<std::uint32_t>(tiff, TIFFTAG_IMAGELENGTH);
+  page.channels = field(tiff, TIFFTAG_SAMPLESPERPIXEL);
+  page.bits = field(tiff, TIFFTAG_BITSPERSAMPLE);
+  page.bit_depth = bit_depth_of(tiff, page.bits);
+  page.sample_format = field(tiff, TIFFTAG_SAMPLEFORMAT);
+  page.photometric = field(tiff, TIFFTAG_PHOTOMETRIC);
+  page.compression = field(tiff, TIFFTAG_COMPRESSION);
+  page.apart = page.channels > 1 && field(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE;
+  page.tiled = TIFFIsTiled(tiff) != 0;
+  page.part_width = page.tiled ? field<std::uint32_t>(tiff, TIFFTAG_TILEWIDTH) : page.width;
+  page.part_height = page.tiled
+                         ? field<std::uint32_t>(tiff, TIFFTAG_TILELENGTH)
+                         : std::min(field<std::uint32_t>(tiff, TIFFTAG_ROWSPERSTRIP), page.height);
+  page.orientation = orientation_note(field(tiff, TIFFTAG_ORIENTATION));
+  return page;
+}
+
+void check_is_raw_frame(const TiffPage& page) {
+  if (page.photometric == PHOTOMETRIC_PALETTE) refuse("is palette colour", kRawFrame);
+  if (page.channels != 1) refuse(channels_text(page), kRawFrame);
+  if (page.sample_format == SAMPLEFORMAT_IEEEFP) refuse("has float samples", kRawFrame);
+  if (page.sample_format == SAMPLEFORMAT_INT) refuse("has signed samples", kRawFrame);
+  if (page.bits != 8 && page.bits != 16) refuse(bits_text(page), kRawFrame);
+  if (page.photometric != PHOTOMETRIC_MINISBLACK && page.photometric != PHOTOMETRIC_CFA) {
+    refuse("is not a plain grey image", kRawFrame);
+  }
+  check_compression(page);
+}
+
+ElementType check_is_image(const TiffPage& page) {
+  constexpr int plain[] = {PHOTOMETRIC_MINISBLACK, PHOTOMETRIC_CFA, PHOTOMETRIC_RGB};
+  if (std::find(std::begin(plain), std::end(plain), page.photometric) == std::end(plain)) {
+    refuse("is neither grey nor RGB", kAnyImage);
+  }
+  if (page.sample_format == SAMPLEFORMAT_INT) refuse("has signed samples", kAnyImage);
+  const bool is_float = page.sample_format == SAMPLEFORMAT_IEEEFP;
+  if (is_float ? page.bits != 32 : page.bits != 8 && page.bits != 16) {
+    refuse(bits_text(page), kAnyImage);
+  }
+  if (page.channels < 1) refuse(channels_text(page), kAnyImage);
+  if (page.apart) refuse("has each of its channels apart", kAnyImage);
+  check_compression(page);
+  if (is_float) return ElementType::float32;
+  return page.bits == 8 ? ElementType::uint8 : ElementType::uint16;
+}
+
 void check_parts(TIFF* tiff, const TiffPage& page, std::uint64_t file_size) {
-  const std::uint64_t ratio = most_ratio(tiff);
-  const std::uint64_t row = std::uint64_t{page.part_width} * page.bytes_a_sample();
+  if (page.width == 0 || page.height == 0 || page.part_width == 0 || page.part_height == 0) {
+    throw Fault(FaultKind::file,
+                "the TIFF is damaged: a side of its page, strips or tiles is 0; an "
+                "intact one is needed");
+  }
+  const std::uint64_t ratio = most_ratio(page);
+  const std::uint64_t row = std::uint64_t{page.part_width} * page.pixel_bytes();
   const std::uint32_t across = (page.width - 1) / page.part_width + 1;
   const std::uint32_t down = (page.height - 1) / page.part_height + 1;
   for (std::uint64_t part = 0; part < std::uint64_t{across} * down; ++part) {
@@ -97,33 +151,9 @@ void check_parts(TIFF* tiff, const TiffPage& page, std::uint64_t file_size) {
   }
 }
 
-}  // namespace
-
-TiffPage examine_page(TIFF* tiff, std::uint64_t file_size) {
-  check_is_raw_frame(tiff);
-  TiffPage page;
-  page.width = field<std::uint32_t>(tiff, TIFFTAG_IMAGEWIDTH);
-  page.height = field<std::uint32_t>(tiff, TIFFTAG_IMAGELENGTH);
-  page.bits = field(tiff, TIFFTAG_BITSPERSAMPLE);
-  page.bit_depth = bit_depth_of(tiff, page.bits);
-  page.tiled = TIFFIsTiled(tiff) != 0;
-  page.part_width = page.tiled ? field<std::uint32_t>(tiff, TIFFTAG_TILEWIDTH) : page.width;
-  page.part_height = page.tiled
-                         ? field<std::uint32_t>(tiff, TIFFTAG_TILELENGTH)
-                         : std::min(field<std::uint32_t>(tiff, TIFFTAG_ROWSPERSTRIP), page.height);
-  if (page.width == 0 || page.height == 0 || page.part_width == 0 || page.part_height == 0) {
-    throw Fault(FaultKind::file,
-                "the TIFF is damaged: a side of its page, strips or tiles is 0; an "
-                "intact one is needed");
-  }
-  page.orientation = orientation_note(field(tiff, TIFFTAG_ORIENTATION));
-  check_parts(tiff, page, file_size);
-  return page;
-}
-
-std::uint64_t most_pixels(TIFF* tiff, const TiffPage& page, std::uint64_t file_size) {
-  const std::uint64_t ratio = most_ratio(tiff);
-  return file_size > UINT64_MAX / ratio ? UINT64_MAX : file_size * ratio / page.bytes_a_sample();
+std::uint64_t most_pixels(const TiffPage& page, std::uint64_t file_size) {
+  const std::uint64_t ratio = most_ratio(page);
+  return file_size > UINT64_MAX / ratio ? UINT64_MAX : file_size * ratio / page.pixel_bytes();
 }
 
 }  // namespace kv::polarization

@@ -4,6 +4,7 @@
 
 #include "kv/image_files/frame_reader.h"
 #include "kv/image_files/image_format.h"
+#include "kv/image_files/image_reader.h"
 #include "kv/image_files/image_writer.h"
 #include "kv/image_files/pending_file.h"
 #include "kv/image_files/pixel_format.h"

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <memory>
+
+#include "kv/image_files/frame_reader.h"
+#include "kv/image_files/image_reader.h"
+#include "toolkit/image_files/byte_source.h"
+
+namespace kv::polarization {
+
+std::unique_ptr<FrameReader> open_npy_frames(SourcePointer source);
+std::unique_ptr<ImageReader> open_npy_images(SourcePointer source);
+
+}  // namespace kv::polarization
