@@ -6,6 +6,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <numeric>
 #include <sstream>
@@ -24,6 +25,8 @@ using Samples = Buffer<std::uint16_t>;
 struct PngKind {
   int width = 2, height = 2, bits = 8, color = PNG_COLOR_TYPE_GRAY, interlace = 0;
   std::string rows = {0, 'a', 'b', 0, 'c', 'd'};  ///< each after the number of its filter
+  std::string more = {};                          ///< behind the header, a chunk's kind and content
+  int method = 0;
 };
 
 /// A PNG put together by hand.
@@ -41,11 +44,12 @@ std::string png_file(const PngKind& kind) {
   uLongf size = data.size();
   compress(reinterpret_cast<Bytef*>(data.data()), &size,
            reinterpret_cast<const Bytef*>(kind.rows.data()), kind.rows.size());
-  const std::string kinds = {static_cast<char>(kind.bits), static_cast<char>(kind.color), 0, 0,
-                             static_cast<char>(kind.interlace)};
+  const std::string kinds = {static_cast<char>(kind.bits), static_cast<char>(kind.color), 0,
+                             static_cast<char>(kind.method), static_cast<char>(kind.interlace)};
   return "\x89PNG\r\n\x1A\n" + chunk("IHDR" + number(kind.width) + number(kind.height) + kinds) +
          (kind.color == PNG_COLOR_TYPE_PALETTE ? chunk("PLTEabcdef") : "") +
-         chunk("IDAT" + data.substr(0, size)) + chunk("IEND");
+         (kind.more.empty() ? "" : chunk(kind.more)) + chunk("IDAT" + data.substr(0, size)) +
+         chunk("IEND");
 }
 
 /// Values of a TIFF page's fields, by their tags.
@@ -117,6 +121,7 @@ TEST_F(ForeignImages, AreReadHoweverTheyAreStored) {
       {png_file({}), {'a', 'b', 'c', 'd'}},
       {png_file({.height = 1, .bits = 16, .rows = {0, 1, 2, 3, 4}}), {0x0102, 0x0304}},
       {png_file({.height = 1, .interlace = 1, .rows = {0, 'a', 0, 'b'}}), {'a', 'b'}},
+      {png_file({.more = "gAMAabcd"}), {'a', 'b', 'c', 'd'}},
       {tiff_file({tiff_page(8)}), letters},
       {tiff_file({tiff_page(8, {{TIFFTAG_PHOTOMETRIC, {PHOTOMETRIC_CFA}}})}), letters},
       {tiff_file({tiff_page(16)}, words),
@@ -397,20 +402,133 @@ TEST_F(ForeignImages, NormalizedStokesIsAnOrdinaryFloatTiff) {
   EXPECT_EQ(back, pairs);
 }
 
-TEST_F(ForeignImages, PicturesAreOrdinaryPngs) {
+TEST_F(ForeignImages, DamagedPngsAreRefusedWithTheReason) {
+  const std::pair<PngKind, const char*> pngs[] = {
+      {{.bits = 3}, "colour type 0 with 3 bits"},
+      {{.color = 5}, "colour type 5 with 8 bits"},
+      {{.interlace = 2}, "unknown methods"},
+      {{.method = 1}, "unknown methods"},
+      {{.rows = {0, 'a', 'b', 5, 'c', 'd'}}, "filter 5"},
+      {{.rows = {0, 'a', 'b', 0, 'c'}}, "the 6 bytes of its rows"},
+      {{.rows = {0, 'a', 'b', 0, 'c', 'd', 'e'}}, "the 6 bytes of its rows"},
+      {{.more = "IHDRabcdefghijklm"}, "chunk IHDR is of no known kind"},
+      {{.more = "IDAX"}, "chunk IDAX is of no known kind"},
+      {{.more = "I-AT"}, "at byte 33 a chunk has to begin"},
+      {{.more = "IDATx"}, "the 6 bytes"},
+      {{.more = "IDAT" + std::string(70000, 'x')}, "too long"},
+      {{.width = 0}, "is empty"},
+  };
+  for (const auto& [kind, part] : pngs) expect_refusal(png_file(kind), part);
+  const std::string whole = png_file({});
+  std::string wrong = whole;
+  wrong[whole.find("IDAT") + 6] ^= 1;
+  expect_refusal(wrong, "checksum of its chunk IDAT");
+  expect_refusal(whole.substr(0, whole.size() - 1), "ends too early");
+  expect_refusal(whole.substr(0, whole.size() - 12), "ends too early");  // the whole of IEND
+}
+
+/// A grey image as libpng writes it.
+void write_by_libpng(const std::string& path, const Samples& samples, std::uint32_t width, int bits,
+                     int filters, int interlace) {
+  std::FILE* file = std::fopen(path.c_str(), "wb");
+  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+  png_infop info = png_create_info_struct(png);
+  const auto height = static_cast<std::uint32_t>(samples.size()) / width;
+  std::vector<std::uint8_t> bytes;
+  for (const std::uint16_t sample : samples) {
+    if (bits == 16) bytes.push_back(static_cast<std::uint8_t>(sample >> 8));
+    bytes.push_back(static_cast<std::uint8_t>(sample));
+  }
+  png_init_io(png, file);
+  png_set_IHDR(png, info, width, height, bits, PNG_COLOR_TYPE_GRAY, interlace, 0, 0);
+  png_set_filter(png, 0, filters);
+  png_write_info(png, info);
+  std::vector<png_bytep> rows;
+  for (std::size_t row = 0; row < height; ++row) {
+    rows.push_back(bytes.data() + row * bytes.size() / height);
+  }
+  png_write_image(png, rows.data());
+  png_write_end(png, info);
+  png_destroy_write_struct(&png, &info);
+  std::fclose(file);
+}
+
+TEST_F(ForeignImages, PngsAreReadHoweverTheyAreFiltered) {
+  for (const auto& [width, height] : {std::pair{1u, 1u}, {5u, 3u}, {3u, 40u}, {67u, 21u}}) {
+    for (const int bits : {8, 16}) {
+      Samples samples(width * height);
+      for (std::uint32_t i = 0; i < samples.size(); ++i) {
+        samples[i] = static_cast<std::uint16_t>((i * i * 40503 + i * 77) % (1u << bits));
+      }
+      for (const int filters : {PNG_FILTER_NONE, PNG_FILTER_SUB, PNG_FILTER_UP, PNG_FILTER_AVG,
+                                PNG_FILTER_PAETH, PNG_ALL_FILTERS}) {
+        for (const int interlace : {PNG_INTERLACE_NONE, PNG_INTERLACE_ADAM7}) {
+          write_by_libpng(path_.string(), samples, width, bits, filters, interlace);
+          EXPECT_TRUE(open_frames(path_)->read(0).samples == samples)
+              << width << " columns of " << bits << " bits, filters " << filters << interlace;
+        }
+      }
+    }
+  }
+}
+
+struct PngContent {
+  int bits = 0, channels = 0;
+  std::vector<std::uint8_t> bytes;  ///< in the machine's order
+  std::map<std::string, std::string> texts;
+};
+
+/// Reads the whole file, and counts what libpng warns of as a failure.
+PngContent read_by_libpng(const std::string& path) {
+  const auto fail = [](png_structp, png_const_charp message) { ADD_FAILURE() << message; };
+  PngContent content;
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, fail);
+  png_infop info = png_create_info_struct(png);
+  png_init_io(png, file);
+  png_read_png(png, info, PNG_TRANSFORM_SWAP_ENDIAN, nullptr);
+  content.bits = png_get_bit_depth(png, info);
+  content.channels = png_get_channels(png, info);
+  for (std::uint32_t row = 0; row < png_get_image_height(png, info); ++row) {
+    const png_bytep bytes = png_get_rows(png, info)[row];
+    content.bytes.insert(content.bytes.end(), bytes, bytes + png_get_rowbytes(png, info));
+  }
+  png_textp texts = nullptr;
+  const int count = png_get_text(png, info, &texts, nullptr);
+  for (int i = 0; i < count; ++i) content.texts[texts[i].key] = texts[i].text;
+  png_destroy_read_struct(&png, &info, nullptr);
+  std::fclose(file);
+  return content;
+}
+
+TEST_F(ForeignImages, OursAreOrdinaryPngs) {
   EXPECT_EQ(preferred_format(ImageKind::picture), ImageFormat::png);
-  for (const int channels : {1, 3}) {
-    Picture picture(3, 2, channels);
-    std::iota(picture.bytes.begin(), picture.bytes.end(), std::uint8_t{7});
-    written(path_, [&](auto& file) { write_image(file, ImageFormat::png, picture); });
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    ASSERT_NE(png_image_begin_read_from_file(&image, path_.string().c_str()), 0);
-    EXPECT_EQ(image.format, channels == 1 ? PNG_FORMAT_GRAY : PNG_FORMAT_RGB);
-    EXPECT_EQ(image.width, 3u);
-    std::vector<std::uint8_t> back(picture.bytes.size());
-    png_image_finish_read(&image, nullptr, back.data(), 0, nullptr);
-    EXPECT_EQ(back, picture.bytes);
+  for (const Compression compression : {Compression::none, Compression::fast, Compression::small}) {
+    const WriteOptions options{"A title", "made \xC3\xA4", compression};
+    for (const int width : {1, 6, 301, 70000}) {
+      for (const int channels : {1, 3}) {
+        Picture picture(width, 3, channels);
+        for (std::size_t i = 0; i < picture.bytes.size(); ++i) {
+          picture.bytes[i] = static_cast<std::uint8_t>(i * i >> 3);
+        }
+        save_image(folder_ / "frame.png", picture, options);
+        const PngContent back = read_by_libpng((folder_ / "frame.png").string());
+        EXPECT_EQ(back.bits, 8);
+        EXPECT_EQ(back.channels, channels);
+        EXPECT_TRUE(std::ranges::equal(back.bytes, picture.bytes)) << width;
+        EXPECT_EQ(back.texts,
+                  (decltype(back.texts){{"Title", "A title"}, {"Provenance", "made \xC3\xA4"}}));
+      }
+      Samples samples(static_cast<std::size_t>(width) * 5);
+      for (std::size_t i = 0; i < samples.size(); ++i) {
+        samples[i] = static_cast<std::uint16_t>(i * 40503);
+      }
+      save_image(folder_ / "frame.png", GreyImage{width, 5, 16, samples}, options);
+      const PngContent back = read_by_libpng((folder_ / "frame.png").string());
+      EXPECT_EQ(back.bits, 16);
+      ASSERT_EQ(back.bytes.size(), 2 * samples.size());
+      EXPECT_EQ(std::memcmp(back.bytes.data(), samples.data(), back.bytes.size()), 0) << width;
+    }
   }
 }
 

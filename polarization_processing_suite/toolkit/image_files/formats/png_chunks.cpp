@@ -5,6 +5,7 @@
 
 #include "kv/polarization/fault.h"
 #include "toolkit/image_files/deflate/zlib_library.h"
+#include "toolkit/image_files/format_table.h"
 
 namespace kv::polarization {
 namespace {
@@ -92,7 +93,7 @@ std::optional<std::string> png_text(ByteSource& source, std::string_view keyword
   for (std::uint64_t position = kPngStart.size();;) {
     const PngChunk chunk = png_chunk_at(source, position);
     if (chunk.kind == "IDAT" || chunk.kind == "IEND") return std::nullopt;
-    if (chunk.kind == "iTXt") {
+    if (chunk.kind == "iTXt" && chunk.length <= kMostText) {
       content.resize(chunk.length + kPngChecksum);
       read_png_chunk(source, chunk, content.data());
       auto text = text_in({reinterpret_cast<const char*>(content.data()), chunk.length}, keyword);
