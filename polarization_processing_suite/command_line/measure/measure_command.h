@@ -1,0 +1,25 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include "command_line/frames/frame_options.h"
+#include "command_line/measure/measurement.h"
+#include "command_line/measure/measurement_files.h"
+
+namespace kv::polarization {
+
+struct MeasureOptions {
+  std::vector<std::filesystem::path> files;
+  std::vector<NamedRegion> regions;  ///< none for whole frames
+  std::optional<std::filesystem::path> region_file;
+  FrameSettings settings;
+  MeasurementForm form = MeasurementForm::table;
+  std::optional<std::filesystem::path> output;  ///< none for the standard output
+};
+
+/// Measures all regions of all frames. Returns an exit status.
+int run_measure(MeasureOptions options);
+
+}  // namespace kv::polarization
