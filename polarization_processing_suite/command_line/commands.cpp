@@ -4,8 +4,8 @@ namespace kv::polarization {
 
 Commands make_commands(CLI::App& app) {
   Commands commands;
-  for (const auto make : {make_transform_command, make_measure_command, make_simulate_command,
-                          make_calibrate_command, make_identify_command}) {
+  for (const auto make : {make_transform_command, make_measure_command, make_view_command,
+                          make_simulate_command, make_calibrate_command, make_identify_command}) {
     commands.push_back(make(app));
   }
   return commands;

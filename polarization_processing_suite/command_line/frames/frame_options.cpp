@@ -42,11 +42,6 @@ FrameOptions::FrameOptions(OptionList& options) : mosaic_(options), raw_shape_(o
                           "greatest sample.",
                .initial = "the greatest one"},
               whole_number_into(clip_level_, 1, 65535), [this] { clip_level_.reset(); });
-  options.add_flag({.names = "--rescue",
-                    .summary = "Rebuild the only clipped sample of a cell from its other three",
-                    .details = "By I0 + I90 = I45 + I135, which holds as far as the gains of the "
-                               "four classes of pixels are alike; a calibration makes them so."},
-                   rescue_);
   options.add(
       {.names = "--sensor-noise",
        .value = "GAIN,READ",
@@ -68,10 +63,8 @@ FrameSettings FrameOptions::value() const {
           .raw_shape = raw_shape_.value(),
           .bit_depth = bit_depth_,
           .calibration = calibration_,
-          .samples = {.black_level = black_level_.value_or(0),
-                      .clip_level = clip_level_,
-                      .rescue = rescue_,
-                      .noise = noise_}};
+          .samples = {
+              .black_level = black_level_.value_or(0), .clip_level = clip_level_, .noise = noise_}};
 }
 
 }  // namespace kv::polarization

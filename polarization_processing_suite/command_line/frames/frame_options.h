@@ -36,7 +36,6 @@ class FrameOptions {
   std::optional<float> black_level_;
   std::optional<std::uint16_t> clip_level_;
   std::optional<SensorNoise> noise_;
-  bool rescue_ = false;
 };
 
 }  // namespace kv::polarization

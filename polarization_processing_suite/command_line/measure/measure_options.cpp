@@ -47,6 +47,12 @@ class MeasureCommand : public Command {
                              .required = true,
                              .completion = Completion::file},
                             files_, 1, 1 << 30);
+    options().add_flag(
+        {.names = "--rescue",
+         .summary = "Rebuild the only clipped sample of a cell from its other three",
+         .details = "By I0 + I90 = I45 + I135, which holds as far as the gains of the four "
+                    "classes of pixels are alike; a calibration makes them so."},
+        rescue_);
     add_regions();
     add_output();
   }
@@ -54,6 +60,7 @@ class MeasureCommand : public Command {
   int run() override {
     options_.files.assign(files_.begin(), files_.end());
     options_.settings = frames_.value();
+    options_.settings.samples.rescue = rescue_;
     if (output_ != "-") options_.output = output_;
     options_.form = form_.value_or(form_of_output());
     return run_measure(options_);
@@ -113,6 +120,7 @@ class MeasureCommand : public Command {
   std::vector<std::string> files_;
   std::optional<MeasurementForm> form_;
   std::filesystem::path output_ = "-";
+  bool rescue_ = false;
 };
 
 }  // namespace

@@ -4,15 +4,19 @@
 #include <string>
 
 #include "command_line/exit_status.h"
+#include "command_line/simulate/simulated_frame.h"
+#include "command_line/simulate/simulated_night.h"
 #include "command_line/simulate/simulated_stack.h"
 #include "kv/image_files/image_writer.h"
+#include "platform/process.h"
 
 namespace kv::polarization {
 namespace {
 
-/// The arguments that make transform read the frame: what the file itself does not record.
-std::string transform_arguments(const SimulateOptions& options, ImageFormat format) {
-  std::string arguments = options.file.string() + " -o planes";
+/// The arguments that make transform read frames: what the files themselves do not record.
+std::string transform_arguments(const SimulateOptions& options, const std::string& files,
+                                ImageFormat format) {
+  std::string arguments = files + " -o planes";
   const int depth = options.camera.bit_depth;
   if (options.phase_degrees != 0) arguments += " --phase " + std::to_string(options.phase_degrees);
   const bool depth_is_in_file =
@@ -25,33 +29,49 @@ std::string transform_arguments(const SimulateOptions& options, ImageFormat form
   return arguments;
 }
 
-Frame frame_of(const SimulateOptions& options) {
-  const Scene scene(options.width, options.height);
-  if (!options.scatter) return photograph(scene, options.width, options.height, options.camera);
-  return sensor_of(options).take(
-      [&scene](double column, double row) { return scene.at(column, row); }, 0);
+std::string frame_text(const SimulateOptions& options) {
+  return " of " + std::to_string(options.width) + " x " + std::to_string(options.height) +
+         " pixels";
+}
+
+int simulate_stack(const SimulateOptions& options) {
+  const WrittenStack stack = write_calibration_stack(options);
+  std::cout << stack.frames << " frames" << frame_text(options)
+            << ", and what the sensor truly is, in " << options.file.string()
+            << "; next: kv-polarize calibrate --manifest " << stack.manifest.string()
+            << (options.phase_degrees != 0 ? " --phase " + std::to_string(options.phase_degrees)
+                                           : "")
+            << " -o camera.json" << std::endl;
+  return exit_success;
+}
+
+int simulate_night(const SimulateOptions& options) {
+  const std::size_t frames = write_night(options);
+  const std::string files =
+      (options.file / ("*" + std::string(ending_of(options.format)))).string();
+  std::cout << frames << (frames == 1 ? " frame" : " frames") << frame_text(options) << " with "
+            << options.camera.bit_depth << " bits in " << options.file.string()
+            << "; next: kv-polarize transform "
+            << transform_arguments(options, files, options.format) << std::endl;
+  return platform::interrupted() ? exit_interrupted : exit_success;
+}
+
+int simulate_frame(const SimulateOptions& options) {
+  const ImageFormat format = format_for(options.file);
+  const FrameSimulator simulator(options);
+  if (platform::interrupted()) return exit_interrupted;
+  save_image(options.file, grey_image(simulator.take(0)));
+  std::cout << "frame" << frame_text(options) << " with " << options.camera.bit_depth << " bits in "
+            << options.file.string() << "; next: kv-polarize transform "
+            << transform_arguments(options, options.file.string(), format) << std::endl;
+  return exit_success;
 }
 
 }  // namespace
 
 int run_simulate(const SimulateOptions& options) {
-  if (options.calibration_stack) {
-    const WrittenStack stack = write_calibration_stack(options);
-    std::cout << stack.frames << " frames of " << options.width << " x " << options.height
-              << " pixels, and what the sensor truly is, in " << options.file.string()
-              << "; next: kv-polarize calibrate --manifest " << stack.manifest.string()
-              << (options.phase_degrees != 0 ? " --phase " + std::to_string(options.phase_degrees)
-                                             : "")
-              << " -o camera.json" << std::endl;
-    return exit_success;
-  }
-  const Frame frame = frame_of(options);
-  save_image(options.file, grey_image(frame));
-  std::cout << "frame of " << options.width << " x " << options.height << " pixels with "
-            << frame.bit_depth << " bits in " << options.file.string()
-            << "; next: kv-polarize transform "
-            << transform_arguments(options, format_for(options.file)) << std::endl;
-  return exit_success;
+  if (options.calibration_stack) return simulate_stack(options);
+  return options.frames ? simulate_night(options) : simulate_frame(options);
 }
 
 }  // namespace kv::polarization

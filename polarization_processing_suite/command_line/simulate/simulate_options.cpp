@@ -15,9 +15,20 @@ CommandPage simulate_page() {
           .details =
               "The scene: a glossy sphere on rippled water under a clear sky, its light traced by "
               "Fresnel's equations, and four film discs at 0, 45, 90 and 135 degrees, left to "
-              "right, with DoLP 0.9, 0.8, 0.7 and 0.6.",
+              "right, with DoLP 0.9, 0.8, 0.7 and 0.6.\n"
+              "\n"
+              "Earlier files of the same names are replaced.",
           .examples = {"kv-polarize simulate -o frame.png",
+                       "kv-polarize simulate --frames 2000 --width 256 --height 192 -o night",
                        "kv-polarize simulate --calibration-stack -o stack"}};
+}
+
+std::vector<std::string> writable_formats() {
+  std::vector<std::string> names;
+  for (const ImageFormatTraits& traits : image_formats()) {
+    if (traits.writes(ImageKind::grey)) names.emplace_back(traits.name);
+  }
+  return names;
 }
 
 std::string writable_endings() {
@@ -36,16 +47,23 @@ class SimulateCommand : public Command {
     options().add({.names = "-o,--output",
                    .value = "FILE",
                    .summary = "The file to write, whose ending decides on the format, or a folder "
-                              "for a stack",
+                              "for several frames",
                    .details = "Endings are " + writable_endings() + ".",
                    .required = true,
                    .completion = Completion::file},
                   path_into(options_.file));
     add_frame();
+    add_frames();
     add_sensor();
   }
 
   int run() override {
+    if (options_.frames && options_.calibration_stack) {
+      throw UsageError("--frames excludes --calibration-stack, whose frames are counted");
+    }
+    if (options().given("format") && !options_.frames) {
+      throw UsageError("--format is of --frames; the ending of -o decides on that of a single one");
+    }
     if (options_.scatter && (options_.width % 2 != 0 || options_.height % 2 != 0)) {
       throw UsageError("--sensor: the sides must be even, as sensors have whole cells");
     }
@@ -74,6 +92,26 @@ class SimulateCommand : public Command {
         whole_number_into(options_.camera.seed, 0, std::numeric_limits<long long>::max()));
     options().add_flag({.names = "--noise", .summary = "With shot noise and read noise (default)"},
                        options_.camera.noise);
+  }
+
+  void add_frames() {
+    options().add({.names = "--frames",
+                   .value = "N",
+                   .summary = "Write so many frames of the scene in the folder of -o",
+                   .details = "frame_0001.tiff and so on, with as many digits as the last one has. "
+                              "They differ in their noise: each has the seed that follows the "
+                              "one before, so that the first is what a single frame would be.",
+                   .initial = "a single one, in the file of -o"},
+                  whole_number_into(options_.frames, 1, 99'999'999),
+                  [this] { options_.frames.reset(); });
+    options().add({.names = "--format",
+                   .value = "NAME",
+                   .summary = "File format of the frames of --frames",
+                   .choices = writable_formats(),
+                   .initial = std::string(traits_of(options_.format).name)},
+                  [this](const std::string& name) {
+                    options_.format = format_named(choice_of(name, writable_formats())).value();
+                  });
   }
 
   void add_sensor() {

@@ -3,20 +3,14 @@
 #include <string>
 #include <vector>
 
+#include "command_line/simulate/simulated_frame.h"
 #include "kv/image_files/image_writer.h"
-#include "kv/polarization/fault.h"
 
 namespace kv::polarization {
 namespace {
 
 /// S0 that leaves the brightest class of pixels, behind a parallel polarizer, a tenth of its range.
 constexpr double kBrightness = 0.85;
-
-/// A format that records the bit depth, so that nobody has to tell it.
-std::string frame_ending() {
-  return std::string(
-      ending_of(traits_of(ImageFormat::tiff).available() ? ImageFormat::tiff : ImageFormat::pgm));
-}
 
 class StackWriter {
  public:
@@ -25,7 +19,7 @@ class StackWriter {
 
   void add(const std::string& name, const std::string& kind, const std::string& angle,
            const SensorLight& light) {
-    const std::string file = name + frame_ending();
+    const std::string file = name + std::string(ending_of(depth_recording_format()));
     save_image(folder_ / file, grey_image(sensor_.take(light, ++number_)));
     manifest_ += file + "," + kind + "," + angle + "\n";
   }
@@ -67,31 +61,8 @@ std::string numbered(const std::string& name, int number) {
 
 }  // namespace
 
-SimulatedSensor sensor_of(const SimulateOptions& options) {
-  const double scatter = options.scatter.value_or(0);
-  SimulatedSensorSettings sensor;
-  sensor.width = options.width;
-  sensor.height = options.height;
-  sensor.mosaic.phase = options.camera.phase;
-  sensor.bit_depth = options.camera.bit_depth;
-  sensor.seed = options.camera.seed;
-  sensor.temporal_noise = options.camera.noise;
-  sensor.black_level = full_scale(sensor.bit_depth) / 64.0;
-  sensor.class_gains = {1 - 0.02 * scatter, 1, 1 - 0.02 * scatter, 1};
-  sensor.gain_scatter *= scatter;
-  sensor.diattenuation_scatter *= scatter;
-  sensor.orientation_scatter *= scatter;
-  sensor.bad_share = options.bad_share;
-  return SimulatedSensor(sensor);
-}
-
 WrittenStack write_calibration_stack(const SimulateOptions& options) {
-  std::error_code failure;
-  std::filesystem::create_directories(options.file, failure);
-  if (!std::filesystem::is_directory(options.file)) {
-    throw Fault(FaultKind::file, "the folder " + options.file.string() +
-                                     " cannot be made; choose one that you may write to");
-  }
+  make_folder(options.file);
   const SimulatedSensor sensor = sensor_of(options);
   StackWriter stack(sensor, options.file);
   for (int angle = 0; angle < 180; angle += 5) {

@@ -1,12 +1,8 @@
 #pragma once
 
 #include "command_line/simulate/simulate_command.h"
-#include "toolkit/simulation/simulated_sensor.h"
 
 namespace kv::polarization {
-
-/// The sensor that the options ask for.
-SimulatedSensor sensor_of(const SimulateOptions& options);
 
 struct WrittenStack {
   std::size_t frames;

@@ -16,11 +16,11 @@ constexpr int kLongestSide = 640;
 // In pixels.
 constexpr int kSpace = 12;
 constexpr int kWidthForLargeTitles = 500;
+constexpr int kHeadingScale = 2;
 
 constexpr Colour kSheetColour = {16, 16, 16};
 
-Picture reduced(const Picture& picture) {
-  const int block = (std::max(picture.width, picture.height) + kLongestSide - 1) / kLongestSide;
+Picture reduced(const Picture& picture, int block) {
   if (block == 1) return picture;
   Picture result(std::max(1, picture.width / block), std::max(1, picture.height / block),
                  picture.channels);
@@ -47,12 +47,50 @@ Picture reduced(const Picture& picture) {
   return result;
 }
 
+Picture enlarged(const Picture& picture, int factor) {
+  if (factor == 1) return picture;
+  Picture result(picture.width * factor, picture.height * factor, picture.channels);
+  const auto channels = static_cast<std::size_t>(picture.channels);
+  for (int row = 0; row < result.height; ++row) {
+    const std::uint8_t* from =
+        &picture.bytes[static_cast<std::size_t>(row / factor) * picture.row_size()];
+    std::uint8_t* to = result.pixel(0, row);
+    for (int column = 0; column < picture.width; ++column, from += channels) {
+      for (int i = 0; i < factor; ++i) to = std::copy_n(from, channels, to);
+    }
+  }
+  return result;
+}
+
+/// Of a sheet's picture of that size beside its legend, and the space between two.
+int column_width_of(int width, int height) {
+  return width + kPanelWidth * std::max(1, height / kRowsOfDot) + kSpace;
+}
+
 }  // namespace
 
+SheetLayout layout_within(int sheet_width, int picture_width, int picture_height) {
+  const auto fits = [sheet_width](int width, int height) {
+    return kColumns * column_width_of(width, height) + kSpace <= sheet_width;
+  };
+  SheetLayout layout{.reduction = 1};
+  while (layout.reduction < picture_width &&
+         !fits(picture_width / layout.reduction, picture_height / layout.reduction)) {
+    ++layout.reduction;
+  }
+  while (layout.reduction == 1 && fits(picture_width * (layout.enlargement + 1),
+                                       picture_height * (layout.enlargement + 1))) {
+    ++layout.enlargement;
+  }
+  return layout;
+}
+
 void ContactSheet::add(const Picture& picture, const Legend& legend) {
-  Picture small = reduced(picture);
-  Picture colour(small.width, small.height, 3);
-  paste(small, colour, 0, 0);
+  const int usual = (std::max(picture.width, picture.height) + kLongestSide - 1) / kLongestSide;
+  Picture body = enlarged(reduced(picture, layout_.reduction == 0 ? usual : layout_.reduction),
+                          layout_.enlargement);
+  Picture colour(body.width, body.height, 3);
+  paste(body, colour, 0, 0);
   Legend untitled = legend;
   untitled.title.clear();
   entries_.push_back({legend.title, with_legend(std::move(colour), untitled)});
@@ -76,13 +114,15 @@ Picture ContactSheet::picture() const {
   const int row_height = title_height + largest.height + kSpace;
   const int count = static_cast<int>(entries_.size());
   const int columns = std::min(count, kColumns);
+  const int heading_height = layout_.title.empty() ? 0 : kGlyphHeight * kHeadingScale + kSpace;
   Picture sheet(columns * column_width + kSpace,
-                (count + columns - 1) / columns * row_height + kSpace, 3);
+                heading_height + (count + columns - 1) / columns * row_height + kSpace, 3);
   fill(sheet, {0, 0, sheet.width, sheet.height}, kSheetColour);
+  draw_text(sheet, layout_.title, kSpace, kSpace, kHeadingScale, kTextColour);
   for (int i = 0; i < count; ++i) {
     const Entry& entry = entries_[static_cast<std::size_t>(i)];
     const int left = kSpace + i % columns * column_width;
-    const int top = kSpace + i / columns * row_height;
+    const int top = kSpace + heading_height + i / columns * row_height;
     draw_text(sheet, entry.title, left, top, scale, kTextColour);
     paste(entry.picture, sheet, left, top + title_height);
   }

@@ -10,10 +10,6 @@
 namespace kv::polarization {
 namespace {
 
-/// Rows of a picture for each pixel of a dot, so that its texts stay legible at the size of a
-/// screen.
-constexpr int kRowsOfDot = 480;
-
 /// The widest dots with which the legend fits; 0 when none do.
 int dot_size(const Legend& legend, int picture_height) {
   return std::min(std::max(1, picture_height / kRowsOfDot), picture_height / panel_height(legend));

@@ -13,6 +13,10 @@ inline constexpr Colour kTextColour = {230, 230, 230};
 inline constexpr int kLineSigns = 17;
 inline constexpr int kMargin = 8;
 
+/// Rows of a picture for each pixel of a dot, so that its texts stay legible at the size of a
+/// screen.
+inline constexpr int kRowsOfDot = 480;
+
 /// In dots.
 inline constexpr int kPanelWidth = 118;
 
