@@ -27,6 +27,9 @@ void make_standard_input_binary();
 
 bool output_stream_is_terminal();
 
+/// Processor time of this process so far, of all its threads, user and system, in seconds.
+double processor_seconds();
+
 /// For this process and the libraries that it loads from here on. Call it before a thread starts.
 void set_environment(const char* name, const char* value);
 

@@ -1,6 +1,7 @@
 #include "platform/process.h"
 
 #include <sys/ioctl.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -22,6 +23,12 @@ int terminal_columns() {
 void make_standard_input_binary() {}
 
 bool output_stream_is_terminal() { return isatty(STDOUT_FILENO) != 0; }
+
+double processor_seconds() {
+  timespec time{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
 
 void set_environment(const char* name, const char* value) {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): the caller sees to it that there is one thread.

@@ -6,19 +6,29 @@
 
 namespace kv::platform {
 
-std::filesystem::path own_folder() {
-  static const wchar_t within_this_library = 0;
+std::filesystem::path file_of(const void* address) {
   HMODULE library = nullptr;
   if (!GetModuleHandleExW(
           GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-          &within_this_library, &library)) {
+          static_cast<const wchar_t*>(address), &library)) {
     return {};
   }
   constexpr DWORD kLongestPath = 32768;
   std::wstring path(kLongestPath, L'\0');
   const DWORD length = GetModuleFileNameW(library, path.data(), kLongestPath);
   path.resize(length < kLongestPath ? length : 0);
-  return std::filesystem::path(path).parent_path();
+  return path;
+}
+
+std::filesystem::path file_of_loaded(const char* file_name) {
+  const HMODULE library = GetModuleHandleA(file_name);
+  // A library's handle is where it begins in memory.
+  return library == nullptr ? std::filesystem::path() : file_of(library);
+}
+
+std::filesystem::path own_folder() {
+  static const wchar_t within_this_library = 0;
+  return file_of(&within_this_library).parent_path();
 }
 
 }  // namespace kv::platform
