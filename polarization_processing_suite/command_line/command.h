@@ -53,5 +53,7 @@ std::unique_ptr<Command> make_calibrate_command(CLI::App& app);
 std::unique_ptr<Command> make_identify_command(CLI::App& app);
 std::unique_ptr<Command> make_measure_command(CLI::App& app);
 std::unique_ptr<Command> make_view_command(CLI::App& app);
+std::unique_ptr<Command> make_info_command(CLI::App& app);
+std::unique_ptr<Command> make_bench_command(CLI::App& app);
 
 }  // namespace kv::polarization
