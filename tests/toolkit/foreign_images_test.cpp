@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <numeric>
 #include <sstream>
@@ -380,6 +381,61 @@ TEST_F(ForeignImages, StacksAreOrdinaryPagesThatBeginAtWholeLines) {
     EXPECT_EQ(TIFFReadDirectory(tiff), page < 2 ? 1 : 0);
   }
   TIFFClose(tiff);
+}
+
+/// The pixels of a page as libtiff reads them.
+std::vector<std::uint8_t> read_by_libtiff(const std::string& path, int compression) {
+  TIFF* tiff = TIFFOpen(path.c_str(), "r");
+  std::uint16_t stored = 0;
+  TIFFGetField(tiff, TIFFTAG_COMPRESSION, &stored);
+  EXPECT_EQ(stored, compression);
+  std::vector<std::uint8_t> bytes;
+  std::vector<std::uint8_t> strip(static_cast<std::size_t>(TIFFStripSize(tiff)));
+  for (std::uint32_t i = 0; i < TIFFNumberOfStrips(tiff); ++i) {
+    const tmsize_t size = TIFFReadEncodedStrip(tiff, i, strip.data(), -1);
+    bytes.insert(bytes.end(), strip.begin(), strip.begin() + std::max<tmsize_t>(size, 0));
+  }
+  TIFFClose(tiff);
+  return bytes;
+}
+
+TEST_F(ForeignImages, OursAreOrdinaryTiffsHoweverTheyAreCompressed) {
+  const std::pair<std::optional<Compression>, int> cases[] = {
+      {std::nullopt, COMPRESSION_NONE},
+      {Compression::none, COMPRESSION_NONE},
+      {Compression::fast, COMPRESSION_ADOBE_DEFLATE},
+      {Compression::small, COMPRESSION_ADOBE_DEFLATE}};
+  const std::string path = (folder_ / "frame.tiff").string();
+  for (const auto& [compression, stored] : cases) {
+    const auto expect_same = [&, &asked = compression, &method = stored](const auto& image,
+                                                                         auto bytes) {
+      save_image(path, image, {.compression = asked});
+      const std::span<const std::byte> wanted = std::as_bytes(std::span(bytes));
+      const std::vector<std::uint8_t> back = read_by_libtiff(path, method);
+      ASSERT_EQ(back.size(), wanted.size());
+      EXPECT_EQ(std::memcmp(back.data(), wanted.data(), back.size()), 0);
+    };
+    for (const int width : {1, 35, 700}) {
+      const int height = 900;  // several strips of the widest ones
+      const auto size = static_cast<std::size_t>(width) * height;
+      Samples samples(size);
+      std::vector<float> floats(3 * size);
+      for (std::size_t i = 0; i < floats.size(); ++i) {
+        samples[i % size] = static_cast<std::uint16_t>(i * i >> 2);
+        floats[i] = 1.0F / static_cast<float>(i) - 0.1F;
+      }
+      floats[0] = std::numeric_limits<float>::quiet_NaN();
+      Picture picture(width, height, 3);
+      for (std::size_t i = 0; i < picture.bytes.size(); ++i) {
+        picture.bytes[i] = static_cast<std::uint8_t>(i * i >> 3);
+      }
+      expect_same(GreyImage{width, height, 16, samples}, std::span(samples));
+      expect_same(FloatImage{width, height, 3, floats}, std::span(floats));
+      expect_same(FloatImage{width, height, 1, std::span(floats).first(size)},
+                  std::span(floats).first(size));
+      expect_same(picture, std::span(picture.bytes));
+    }
+  }
 }
 
 TEST_F(ForeignImages, NormalizedStokesIsAnOrdinaryFloatTiff) {

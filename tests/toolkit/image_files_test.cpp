@@ -69,11 +69,19 @@ TEST_F(ImageFiles, BringSamplesBackInEveryFormat) {
     path_ = folder_ / ("frame" + std::string(format.endings[0]));
     EXPECT_EQ(format_for(path_), format.format);
     for (const auto& [width, height] : {std::pair{37, 23}, {1, 1}, {1 << 20, 1}, {700, 1600}}) {
-      for (const int bit_depth : {1, 8, 9, 12, 16}) {
+      constexpr std::optional<Compression> usual;
+      for (const auto& [bit_depth, compression] : {std::pair{1, std::optional(Compression::none)},
+                                                   {8, usual},
+                                                   {8, Compression::small},
+                                                   {9, Compression::none},
+                                                   {12, Compression::fast},
+                                                   {16, Compression::small},
+                                                   {16, usual}}) {
         SCOPED_TRACE(std::string(format.name) + " of " + std::to_string(bit_depth) + " bits, " +
                      std::to_string(width) + " columns");
         const Frame frame = varied_frame(width, height, bit_depth);
-        save_image(path_, grey_image(frame), {.title = "A title\nof \xC3\xA4"});
+        save_image(path_, grey_image(frame),
+                   {.title = "A title\nof \xC3\xA4", .compression = compression});
         const int stored_bits = bit_depth > 8 ? 16 : 8;
         const PixelFormat raw = bit_depth > 8 ? PixelFormat::mono16 : PixelFormat::mono8;
         const auto reader = format.has_header ? open() : open(RawShape{width, height, raw});

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "toolkit/image_files/formats/tiff_strips.h"
 #include "toolkit/image_files/samples.h"
 #include "toolkit/image_files/stored_samples.h"
 
@@ -27,10 +28,11 @@ struct Layout {
   int sample_format;
   int photometric;
 
-  std::size_t row_bytes() const {
-    return static_cast<std::size_t>(width) * static_cast<std::size_t>(channels) *
-           static_cast<std::size_t>(bits / 8);
+  std::size_t sample_bytes() const { return static_cast<std::size_t>(bits / 8); }
+  std::size_t row_samples() const {
+    return static_cast<std::size_t>(width) * static_cast<std::size_t>(channels);
   }
+  std::size_t row_bytes() const { return row_samples() * sample_bytes(); }
   std::uint32_t rows_a_strip() const {
     std::size_t rows = std::max<std::size_t>(kStripBytes / row_bytes(), 1);
     if (rows > kAlignment) rows -= rows % kAlignment;
@@ -47,7 +49,26 @@ void align_first_strip(PendingFile& file) {
   file.write(zeros.data(), (0 - end) % kAlignment);
 }
 
-/// Sets the fields that every page needs. Files stay uncompressed, as programs are to read them.
+Compression compression_of(const WriteOptions& options) {
+  return options.compression.value_or(Compression::none);
+}
+
+/// A search finds floats that repeat as they are; without one, bytes of equal weight are alike.
+TiffPredictor predictor_of(const Layout& layout, Compression compression) {
+  if (layout.sample_format != SAMPLEFORMAT_IEEEFP) return TiffPredictor::horizontal;
+  return compression == Compression::small ? TiffPredictor::none : TiffPredictor::floating_point;
+}
+
+void set_compression(TIFF* tiff, const Layout& layout, Compression compression) {
+  if (compression == Compression::none) {
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+    return;
+  }
+  TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE);
+  TIFFSetField(tiff, TIFFTAG_PREDICTOR, static_cast<int>(predictor_of(layout, compression)));
+}
+
+/// Sets the fields that every page needs.
 void set_fields(TIFF* tiff, const Layout& layout, const WriteOptions& options) {
   TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, layout.width);
   TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, layout.height);
@@ -56,7 +77,7 @@ void set_fields(TIFF* tiff, const Layout& layout, const WriteOptions& options) {
   TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, layout.sample_format);
   TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, layout.photometric);
   TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-  TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+  set_compression(tiff, layout, compression_of(options));
   TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, layout.rows_a_strip());
   if (!options.title.empty()) {
     TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, options.title.c_str());
@@ -82,16 +103,20 @@ void write_page(PendingFile& file, TIFF* tiff, const Layout& layout, const Write
   align_first_strip(file);
   set_fields(tiff, layout, options);
   if (greatest_sample != 0) TIFFSetField(tiff, TIFFTAG_MAXSAMPLEVALUE, greatest_sample);
+  const Compression compression = compression_of(options);
+  TiffStripEncoder encoder(compression, predictor_of(layout, compression), layout.row_samples(),
+                           layout.sample_bytes(), static_cast<std::size_t>(layout.channels));
   const auto height = static_cast<std::size_t>(layout.height);
   std::uint32_t strip = 0;
   for (std::size_t row = 0; row < height; row += layout.rows_a_strip(), ++strip) {
     const std::size_t rows = std::min<std::size_t>(layout.rows_a_strip(), height - row);
+    const auto* pixels = static_cast<const std::uint8_t*>(bytes_of(row, rows));
+    const std::span bytes = compression == Compression::none
+                                ? std::span(pixels, rows * layout.row_bytes())
+                                : encoder.encode(pixels, rows);
     // libtiff asks for mutable bytes, but changes them only to swap them.
-    void* bytes = const_cast<void*>(bytes_of(row, rows));
-    if (TIFFWriteEncodedStrip(tiff, strip, bytes,
-                              static_cast<tmsize_t>(rows * layout.row_bytes())) < 0) {
-      file.fail();
-    }
+    auto* data = const_cast<std::uint8_t*>(bytes.data());
+    if (TIFFWriteRawStrip(tiff, strip, data, static_cast<tmsize_t>(bytes.size())) < 0) file.fail();
   }
 }
 
