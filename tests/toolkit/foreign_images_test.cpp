@@ -348,7 +348,7 @@ TEST_F(ForeignImages, LongStacksAreReadPageByPage) {
 }
 
 TEST_F(ForeignImages, LargeTiffsHaveLargeStripsAndOffsets) {
-  const Samples samples(1500 * 1000);
+  const Samples samples = make_frame(1500, 1000, 16).samples;
   PendingFile file(path_);
   write_image(file, ImageFormat::tiff, GreyImage{1500, 1000, 16, samples});
   file.close();
@@ -357,6 +357,10 @@ TEST_F(ForeignImages, LargeTiffsHaveLargeStripsAndOffsets) {
   ASSERT_NE(tiff, nullptr);
   EXPECT_EQ(TIFFNumberOfStrips(tiff), 4u);  // 320 rows of 3000 bytes are just below a megabyte
   TIFFClose(tiff);
+  CountingBuffer buffer(content_of(path_));
+  std::istream stream(&buffer);
+  EXPECT_TRUE(open_frames(stream)->read(0).samples == samples);
+  EXPECT_LE(buffer.fetches, 4);  // header, directory, arrays of strips, and all pixels at once
   EXPECT_FALSE(needs_big_tiff(std::uint64_t{1} << 31));
   EXPECT_TRUE(needs_big_tiff((std::uint64_t{1} << 32) - 1));
   EXPECT_FALSE(needs_big_tiff(1'000'000, 4000));

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 
 #include "error_of.h"
@@ -150,6 +151,24 @@ TEST_F(ImageFiles, AreReadFromStreamsMemoryAndPipes) {
     EXPECT_EQ(frame.samples, (Samples{'c', 'd'}));
     EXPECT_FALSE(reader->read_next(frame));
   }
+}
+
+/// A disk that gives a file's head, and fails at its pixels.
+class BrokenDisk : public std::stringbuf {
+ public:
+  using std::stringbuf::stringbuf;
+
+ private:
+  std::streamsize xsgetn(char* data, std::streamsize size) override {
+    if (size == 40'000) throw std::runtime_error("of the stream, which tells nobody");
+    return std::stringbuf::xsgetn(data, size);
+  }
+};
+
+TEST_F(ImageFiles, FailedReadingIsNotTakenForAShortFile) {
+  BrokenDisk disk("P5 200 200 255\n" + std::string(40'000, 'x'));
+  std::istream stream(&disk);
+  EXPECT_PRED2(contains, error_of([&] { open_frames(stream)->read(0); }), "reading failed");
 }
 
 TEST_F(ImageFiles, RawFramesComeFromPipesOneByOne) {

@@ -13,7 +13,7 @@
 namespace kv::polarization {
 namespace {
 
-constexpr std::size_t kMostOfPipe = std::size_t{1} << 30;
+constexpr std::size_t kMostInMemory = std::size_t{1} << 30;
 
 /// Bytes that are fetched at once for readers of small pieces.
 constexpr std::size_t kWindow = 32768;
@@ -74,7 +74,14 @@ class StreamSource : public ByteSource {
     if (position >= size_) return 0;
     stream_->clear();
     stream_->seekg(origin_ + static_cast<std::streamoff>(position));
+    errno = 0;
     stream_->read(static_cast<char*>(data), static_cast<std::streamsize>(size));
+    if (stream_->bad()) {
+      const std::string why =
+          errno == 0 ? "unknown reason" : std::generic_category().message(errno);
+      throw Fault(FaultKind::file,
+                  "reading failed: " + why + "; check the disk or network that the file is on");
+    }
     return static_cast<std::size_t>(stream_->gcount());
   }
 
@@ -89,7 +96,7 @@ Buffer<std::uint8_t> read_to_end(std::istream& stream) {
   Buffer<std::uint8_t> bytes;
   std::size_t size = 0;
   while (stream) {
-    if (size > kMostOfPipe) {
+    if (size > kMostInMemory) {
       throw Fault(FaultKind::file,
                   "more than a gigabyte came through the pipe without an end; "
                   "store it in a file, or read it as headerless frames");
@@ -141,6 +148,13 @@ SourcePointer source_of(std::span<const std::byte> memory) {
 SourcePointer source_of(StreamPointer stream) {
   if (can_seek(*stream)) return std::make_unique<StreamSource>(std::move(stream));
   return std::make_unique<KeptSource>(read_to_end(*stream));
+}
+
+SourcePointer read_whole(SourcePointer source) {
+  if (source->size() > kMostInMemory) return source;
+  Buffer<std::uint8_t> bytes(static_cast<std::size_t>(source->size()));
+  bytes.resize(source->read(0, bytes.data(), bytes.size()));
+  return std::make_unique<KeptSource>(std::move(bytes));
 }
 
 }  // namespace kv::polarization

@@ -39,6 +39,10 @@ bool can_seek(std::istream& stream);
 /// Of memory that somebody else keeps.
 SourcePointer source_of(std::span<const std::byte> memory);
 
+/// The same bytes, read at once and kept in memory, for readers that go through all of a file in
+/// small pieces. A source above a gigabyte stays as it is.
+SourcePointer read_whole(SourcePointer source);
+
 /// Of a stream from where it stands. One that cannot seek is read to its end at once; throws Fault
 /// when that does not come within a gigabyte.
 SourcePointer source_of(StreamPointer stream);

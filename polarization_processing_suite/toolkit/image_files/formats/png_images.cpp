@@ -37,7 +37,7 @@ class PngImages : public ImageReader {
 }  // namespace
 
 std::unique_ptr<ImageReader> open_png_images(SourcePointer source) {
-  return std::make_unique<PngImages>(std::move(source));
+  return std::make_unique<PngImages>(read_whole(std::move(source)));
 }
 
 }  // namespace kv::polarization

@@ -5,7 +5,6 @@
 #include "toolkit/image_files/formats/png_decoder.h"
 #include "toolkit/image_files/formats/png_images.h"
 #include "toolkit/image_files/formats/png_writer.h"
-#include "toolkit/image_files/samples.h"
 #include "toolkit/image_files/stored_samples.h"
 
 namespace kv::polarization {
@@ -22,22 +21,17 @@ class PngReader : public FrameReader {
     check_is_raw_frame(header);
     reshape(frame, {"PNG", header.width, header.height, header.bits},
             most_inflated(source_->size()) / header.pixel_size());
-    if (header.bits == 16) {
-      return decoder_.decode(*source_, header,
-                             reinterpret_cast<std::uint8_t*>(frame.samples.data()));
-    }
-    room_.resize(frame.samples.size());
-    decoder_.decode(*source_, header, room_.data());
-    widen(room_.data(), frame.samples);
+    const std::size_t sample_size = header.pixel_size();
+    decoder_.decode(*source_, header, place_of_stored(frame, sample_size));
+    spread_samples(frame, sample_size, std::endian::native);
   }
 
   SourcePointer source_;
   PngDecoder decoder_;
-  Buffer<std::uint8_t> room_;
 };
 
 std::unique_ptr<FrameReader> open(SourcePointer source) {
-  return std::make_unique<PngReader>(std::move(source));
+  return std::make_unique<PngReader>(read_whole(std::move(source)));
 }
 
 }  // namespace

@@ -28,14 +28,19 @@ class RawLayout {
            std::string(traits_of(shape_.pixel_format).name);
   }
 
-  /// Fills a frame by fetch(memory, size), which tells whether there was a frame. Words go straight
-  /// to their place.
+  /// Fills a frame by fetch(memory, size), which tells whether there was a frame. Bytes and words
+  /// go straight to it.
   template <class Fetch>
   bool load(Frame& frame, Fetch fetch) {
     const PixelFormatTraits& traits = traits_of(shape_.pixel_format);
     frame.reshape(static_cast<std::uint64_t>(shape_.width),
                   static_cast<std::uint64_t>(shape_.height), traits.bit_depth);
-    if (traits.packing == Packing::right_words) return fetch(frame.samples.data(), bytes_);
+    if (traits.packing == Packing::right_words || traits.packing == Packing::bytes) {
+      const std::size_t sample_size = traits.packing == Packing::bytes ? 1 : 2;
+      if (!fetch(place_of_stored(frame, sample_size), bytes_)) return false;
+      spread_samples(frame, sample_size, std::endian::little);
+      return true;
+    }
     room_.resize(bytes_);
     if (!fetch(room_.data(), bytes_)) return false;
     unpack(std::as_bytes(std::span(room_)), shape_.pixel_format, frame.samples);
