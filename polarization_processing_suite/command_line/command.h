@@ -48,12 +48,13 @@ Commands make_commands(CLI::App& app);
 
 // Each adds its command to the application.
 std::unique_ptr<Command> make_transform_command(CLI::App& app);
-std::unique_ptr<Command> make_simulate_command(CLI::App& app);
-std::unique_ptr<Command> make_calibrate_command(CLI::App& app);
-std::unique_ptr<Command> make_identify_command(CLI::App& app);
 std::unique_ptr<Command> make_measure_command(CLI::App& app);
 std::unique_ptr<Command> make_view_command(CLI::App& app);
 std::unique_ptr<Command> make_info_command(CLI::App& app);
 std::unique_ptr<Command> make_bench_command(CLI::App& app);
+std::unique_ptr<Command> make_again_command(CLI::App& app);
+std::unique_ptr<Command> make_simulate_command(CLI::App& app);
+std::unique_ptr<Command> make_calibrate_command(CLI::App& app);
+std::unique_ptr<Command> make_identify_command(CLI::App& app);
 
 }  // namespace kv::polarization
