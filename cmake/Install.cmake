@@ -1,6 +1,6 @@
 # What `cmake --install` puts where: the library with its header, a CMake package and a pkg-config
-# file, its companions, and the tool. The installed tree may be moved: it finds its parts by relative
-# paths.
+# file, its companions, and the tool with its man pages and completions. The installed tree may be
+# moved: it finds its parts by relative paths.
 
 include(CMakePackageConfigHelpers)
 
@@ -69,6 +69,17 @@ if(TARGET kv-polarize)
              OUTPUT_VARIABLE bin_to_lib)
   set_target_properties(kv-polarize PROPERTIES INSTALL_RPATH $ORIGIN/${bin_to_lib})
   install(TARGETS kv-polarize RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+if(TARGET kv_polarize_reference)
+  set(reference ${PROJECT_BINARY_DIR}/reference)
+  install(DIRECTORY ${reference}/man1 DESTINATION ${CMAKE_INSTALL_MANDIR})
+  install(
+    FILES ${reference}/kv-polarize.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    RENAME kv-polarize)
+  install(FILES ${reference}/_kv-polarize DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+  install(FILES ${reference}/kv-polarize.fish
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 
 # find_package(kevrinth_qrm_polarization_processor). The package needs no other one, so that the

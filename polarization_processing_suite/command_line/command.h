@@ -5,7 +5,9 @@
 #include <utility>
 #include <vector>
 
+#include "command_line/options/help_text.h"
 #include "command_line/options/option_list.h"
+#include "command_line/options/text_layout.h"
 
 namespace kv::polarization {
 
@@ -16,9 +18,9 @@ class Command {
       : page_(std::move(page)),
         command_(*app.add_subcommand(page_.name, page_.summary)),
         options_(command_) {
-    std::string examples = page_.examples.empty() ? "" : "Examples:";
-    for (const std::string& example : page_.examples) examples += "\n  " + example;
-    command_.footer(examples);
+    command_.formatter_fn([this](const CLI::App*, const std::string&, CLI::AppFormatMode) {
+      return help_text(page_, options_.records(), text_width());
+    });
   }
   virtual ~Command() = default;
   Command(const Command&) = delete;
@@ -56,5 +58,7 @@ std::unique_ptr<Command> make_again_command(CLI::App& app);
 std::unique_ptr<Command> make_simulate_command(CLI::App& app);
 std::unique_ptr<Command> make_calibrate_command(CLI::App& app);
 std::unique_ptr<Command> make_identify_command(CLI::App& app);
+std::unique_ptr<Command> make_manual_command(CLI::App& app);
+std::unique_ptr<Command> make_completion_command(CLI::App& app);
 
 }  // namespace kv::polarization

@@ -8,22 +8,14 @@
 #include "command_line/exit_status.h"
 #include "command_line/habits.h"
 #include "command_line/messages.h"
+#include "command_line/options/help_text.h"
 #include "command_line/options/values.h"
+#include "command_line/tool_page.h"
 #include "platform/process.h"
 
 using namespace kv::polarization;
 
 namespace {
-
-constexpr const char* kDescription =
-    "Turns raw frames of polarization cameras into Stokes, angle and degree-of-polarization "
-    "planes.";
-
-constexpr const char* kFooter =
-    "kv-polarize COMMAND --help tells the options of a command.\n"
-    "\n"
-    "Exit status: 0 all went well; 1 some of the work failed; 2 the command line is wrong, or\n"
-    "nothing could be done; 130 stopped by Ctrl-C.";
 
 int refuse(const std::string& line) {
   complain(line);
@@ -43,11 +35,13 @@ int main(int argc, char** argv) {
   kv::platform::defer_interrupts();
   kv::platform::ignore_file_size_signal();
   try {
-    CLI::App app(kDescription, "kv-polarize");
-    app.footer(kFooter);
+    CLI::App app("", kProgram);
     app.set_version_flag("--version", "kv-polarize " KV_VERSION);
     app.require_subcommand(0, 1);
     const Commands commands = make_commands(app);
+    app.formatter_fn([&commands](const CLI::App*, const std::string&, CLI::AppFormatMode) {
+      return tool_help(commands);
+    });
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     if (const auto values = asked_values(commands, arguments)) {
       std::cout << *values << std::flush;

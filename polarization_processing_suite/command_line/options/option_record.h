@@ -5,8 +5,8 @@
 
 namespace kv::polarization {
 
-/// What shells offer behind an option.
-enum class Completion { none, choices, file, folder };
+/// What shells offer behind an option, or as an argument; `command` are the tool's commands.
+enum class Completion { none, choices, file, folder, command };
 
 /// All that is told of an option: help, manual, completion and reference are made from it alone.
 struct OptionRecord {
@@ -20,10 +20,23 @@ struct OptionRecord {
   bool required = false;
   Completion completion = choices.empty() ? Completion::none : Completion::choices;
   bool can_be_undone = false;  ///< by --no-NAME
+  int least = 1, most = 1;     ///< of arguments without a dash: how many there are
 };
 
 /// Its long name without dashes, or its only one.
 std::string key_of(const OptionRecord& record);
+
+/// Its names, those that undo it left out.
+std::vector<std::string> names_of(const OptionRecord& record);
+
+/// The name that undoes it; empty where nothing does.
+std::string undoing_name_of(const OptionRecord& record);
+
+/// Whether it is of arguments without a dash.
+bool is_argument(const OptionRecord& record);
+
+/// Whether its value is a comma list.
+bool takes_list(const OptionRecord& record);
 
 /// What the manual tells of a command beside its options.
 struct CommandPage {

@@ -1,0 +1,13 @@
+#include "platform/terminal.h"
+
+#include <windows.h>
+
+namespace kv::platform {
+
+int output_columns() {
+  CONSOLE_SCREEN_BUFFER_INFO info;
+  if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) return 0;
+  return info.srWindow.Right - info.srWindow.Left + 1;
+}
+
+}  // namespace kv::platform
