@@ -58,6 +58,7 @@ std::unique_ptr<Command> make_again_command(CLI::App& app);
 std::unique_ptr<Command> make_simulate_command(CLI::App& app);
 std::unique_ptr<Command> make_calibrate_command(CLI::App& app);
 std::unique_ptr<Command> make_identify_command(CLI::App& app);
+std::unique_ptr<Command> make_compare_command(CLI::App& app);
 std::unique_ptr<Command> make_manual_command(CLI::App& app);
 std::unique_ptr<Command> make_completion_command(CLI::App& app);
 

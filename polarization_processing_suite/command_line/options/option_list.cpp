@@ -7,11 +7,11 @@
 namespace kv::polarization {
 namespace {
 
-void take(const std::string& key, const Setter& set, const std::string& text) {
+void take(const std::string& name, const Setter& set, const std::string& text) {
   try {
     set(text);
   } catch (const BadValue& bad) {
-    throw CLI::ValidationError("--" + key, bad.what());
+    throw CLI::ValidationError(name, bad.what());
   }
 }
 
@@ -21,9 +21,10 @@ void take(const std::string& key, const Setter& set, const std::string& text) {
 // what undoes it.
 void OptionList::add(OptionRecord record, Setter set, std::function<void()> unset) {
   const std::string key = key_of(record);
+  const std::string name = (is_argument(record) ? "" : "--") + key;
   command_
       .add_option_function<std::string>(
-          record.names, [key, set](const std::string& text) { take(key, set, text); },
+          record.names, [name, set](const std::string& text) { take(name, set, text); },
           record.summary)
       ->required(record.required)
       ->trigger_on_parse();
@@ -45,6 +46,11 @@ void OptionList::add_flag(OptionRecord record, bool& flag) {
   command_.add_flag_function("--no-" + key, set_to(false))->group("")->trigger_on_parse();
   record.can_be_undone = true;
   records_.push_back(std::move(record));
+}
+
+void OptionList::add_argument(OptionRecord record, Setter set) {
+  record.least = record.required ? 1 : 0;
+  add(std::move(record), std::move(set));
 }
 
 void OptionList::add_arguments(OptionRecord record, std::vector<std::string>& arguments, int least,

@@ -24,6 +24,9 @@ class OptionList {
   /// Sets a flag; --no-NAME clears it.
   void add_flag(OptionRecord record, bool& flag);
 
+  /// One argument without a dash, which may be left out unless it is required.
+  void add_argument(OptionRecord record, Setter set);
+
   /// Arguments without a dash, as many as there are between these numbers.
   void add_arguments(OptionRecord record, std::vector<std::string>& arguments, int least, int most);
 

@@ -38,22 +38,20 @@ CommandPage completion_page() {
 class CompletionCommand : public Command {
  public:
   explicit CompletionCommand(CLI::App& app) : Command(app, completion_page()) {
-    options().add_arguments(
+    options().add_argument(
         {.names = "SHELL", .summary = "The shell", .choices = shell_names(), .required = true},
-        shells_, 1, 1);
+        [this](const std::string& name) { shell_ = choice_of(name, shell_names()); });
   }
 
   int run() override {
-    choice_of(shells_[0], shell_names());
     CLI::App app;
-    std::cout
-        << std::ranges::find(kShells, shells_[0], &Shell::name)->completion(make_commands(app))
-        << std::flush;
+    std::cout << std::ranges::find(kShells, shell_, &Shell::name)->completion(make_commands(app))
+              << std::flush;
     return exit_success;
   }
 
  private:
-  std::vector<std::string> shells_;
+  std::string shell_;
 };
 
 }  // namespace

@@ -49,11 +49,11 @@ CommandPage manual_page() {
 class ManualCommand : public Command {
  public:
   explicit ManualCommand(CLI::App& app) : Command(app, manual_page()) {
-    options().add_arguments({.names = "COMMAND",
-                             .value = "NAME",
-                             .summary = "The command whose page to show",
-                             .completion = Completion::command},
-                            commands_, 0, 1);
+    options().add_argument({.names = "COMMAND",
+                            .value = "NAME",
+                            .summary = "The command whose page to show",
+                            .completion = Completion::command},
+                           text_into(name_));
     options().add({.names = "--as",
                    .value = "FORM",
                    .summary = "What the manual is written as",
@@ -75,7 +75,7 @@ class ManualCommand : public Command {
     CLI::App app;
     const Commands all = make_commands(app);
     const std::unique_ptr<PageWriter> writer = form_->make_writer();
-    if (commands_.empty()) {
+    if (name_.empty()) {
       write_tool_page(all, *writer);
       finish_page(*writer, kProgram);
     }
@@ -93,9 +93,9 @@ class ManualCommand : public Command {
     std::vector<const Command*> found;
     for (const auto& command : all) {
       names.push_back(command->page().name);
-      if (commands_.empty() || commands_[0] == names.back()) found.push_back(command.get());
+      if (name_.empty() || name_ == names.back()) found.push_back(command.get());
     }
-    if (found.empty()) choice_of(commands_[0], names);
+    if (found.empty()) choice_of(name_, names);
     return found;
   }
 
@@ -115,7 +115,7 @@ class ManualCommand : public Command {
     file.publish();
   }
 
-  std::vector<std::string> commands_;
+  std::string name_;
   const Form* form_ = &kForms[0];
   std::optional<std::filesystem::path> folder_;
 };

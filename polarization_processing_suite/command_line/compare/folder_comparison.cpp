@@ -1,0 +1,43 @@
+#include "command_line/compare/folder_comparison.h"
+
+#include <map>
+
+#include "kv/polarization/fault.h"
+
+namespace kv::polarization {
+namespace {
+
+constexpr const char* kJournal = "kv-polarize.journal";
+
+std::vector<std::filesystem::path> files_below(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> files;
+  try {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+      if (entry.is_directory() || entry.path().filename() == kJournal) continue;
+      files.push_back(entry.path().lexically_relative(folder));
+    }
+  } catch (const std::filesystem::filesystem_error& error) {
+    throw Fault(FaultKind::file, error.path1().string() + ": the folder cannot be read: " +
+                                     error.code().message() + "; check its permissions");
+  }
+  return files;
+}
+
+}  // namespace
+
+std::vector<FilePair> pair_files(const std::filesystem::path& left,
+                                 const std::filesystem::path& right) {
+  std::map<std::filesystem::path, FilePair> pairs;
+  for (const auto& name : files_below(left)) pairs[name] = {name, true, false};
+  for (const auto& name : files_below(right)) {
+    FilePair& pair = pairs[name];
+    pair.name = name;
+    pair.in_right = true;
+  }
+  std::vector<FilePair> sorted;
+  sorted.reserve(pairs.size());
+  for (auto& [name, pair] : pairs) sorted.push_back(std::move(pair));
+  return sorted;
+}
+
+}  // namespace kv::polarization
