@@ -1,6 +1,7 @@
 // Frames out of their packing, and to and from files that the system keeps in memory.
 //
 //   file_benchmarks --benchmark_filter=unpack
+//   file_benchmarks --benchmark_filter=png plane.pgm     that plane in the place of noise
 
 #include <benchmark/benchmark.h>
 
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "kv/image_files.h"
+#include "libpng_baseline.h"
 
 namespace {
 
@@ -54,26 +56,75 @@ Frame noisy_frame() {
   return frame;
 }
 
-std::filesystem::path file_of(ImageFormat format) {
-  return std::filesystem::temp_directory_path() /
-         ("file_benchmarks" + std::string(ending_of(format)));
+/// What is written and read.
+Frame& image() {
+  static Frame frame = noisy_frame();
+  return frame;
 }
 
-void write_frame(benchmark::State& state, ImageFormat format) {
-  const Frame frame = noisy_frame();
-  for (auto _ : state) save_image(file_of(format), grey_image(frame));
-  count_pixels(state);
-  std::filesystem::remove(file_of(format));
+/// An image in a file of its own, which goes with it.
+struct Encoding {
+  ImageFormat format;
+  std::optional<Compression> compression{};
+  bool by_libpng = false;
+
+  std::filesystem::path path() const {
+    return std::filesystem::temp_directory_path() /
+           ("file_benchmarks" + std::string(ending_of(format)));
+  }
+  void write() const {
+    by_libpng ? libpng_baseline::write(path(), grey_image(image()))
+              : save_image(path(), grey_image(image()), {.compression = compression});
+  }
+  void read(Frame& frame) const {
+    std::optional<RawShape> shape;
+    if (format == ImageFormat::raw) {
+      shape = RawShape{image().width, image().height, PixelFormat::mono16};
+    }
+    by_libpng ? libpng_baseline::read(path(), frame) : open_frames(path(), shape)->read(0, frame);
+  }
+};
+
+/// Calls a function that writes or reads the file, and tells the file's share of the pixels' bytes.
+template <class Function>
+void measure(benchmark::State& state, const Encoding& encoding, Function function) {
+  for (auto _ : state) function();
+  const std::size_t pixels = image().samples.size();
+  count_pixels(state, pixels);
+  state.counters["% of 16 bits"] =
+      100 * static_cast<double>(std::filesystem::file_size(encoding.path())) /
+      static_cast<double>(sizeof(std::uint16_t) * pixels);
+  std::filesystem::remove(encoding.path());
 }
 
-void read_frame(benchmark::State& state, ImageFormat format) {
-  save_image(file_of(format), grey_image(noisy_frame()));
-  std::optional<RawShape> shape;
-  if (format == ImageFormat::raw) shape = RawShape{kWidth, kHeight, PixelFormat::mono16};
-  Frame frame;
-  for (auto _ : state) open_frames(file_of(format), shape)->read(0, frame);
-  count_pixels(state);
-  std::filesystem::remove(file_of(format));
+void write_frame(benchmark::State& state, Encoding encoding) {
+  measure(state, encoding, [&] { encoding.write(); });
+}
+
+void read_frame(benchmark::State& state, Encoding encoding) {
+  encoding.write();
+  Frame frame = image();
+  measure(state, encoding, [&] { encoding.read(frame); });
+}
+
+void register_encoding(const std::string& name, const Encoding& encoding) {
+  benchmark::RegisterBenchmark(("write/" + name).c_str(), write_frame, encoding)
+      ->Unit(benchmark::kMillisecond);
+  benchmark::RegisterBenchmark(("read/" + name).c_str(), read_frame, encoding)
+      ->Unit(benchmark::kMillisecond);
+}
+
+void register_encodings(const ImageFormatTraits& format) {
+  const std::string name(format.name);
+  if (format.format != ImageFormat::png && format.format != ImageFormat::tiff) {
+    return register_encoding(name, {format.format});
+  }
+  register_encoding(name + "/none", {format.format, Compression::none});
+  register_encoding(name + "/fast", {format.format, Compression::fast});
+  register_encoding(name + "/small", {format.format, Compression::small});
+  if (format.format == ImageFormat::png && libpng_baseline::is_available()) {
+    register_encoding(name + "/libpng", {.format = format.format, .by_libpng = true});
+  }
 }
 
 }  // namespace
@@ -88,14 +139,13 @@ int main(int argc, char** argv) {
     }
   }
   for (const ImageFormatTraits& format : image_formats()) {
-    if (!format.available()) continue;
-    const std::string name(format.name);
-    benchmark::RegisterBenchmark(("write/" + name).c_str(), write_frame, format.format)
-        ->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark(("read/" + name).c_str(), read_frame, format.format)
-        ->Unit(benchmark::kMillisecond);
+    if (format.available()) register_encodings(format);
   }
   benchmark::Initialize(&argc, argv);
+  if (argc == 2) {
+    image() = open_frames(argv[1])->read(0);
+    --argc;
+  }
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();
 }
