@@ -1,10 +1,8 @@
 // What a signal does to a program that defers it, seen from outside; and locks between programs.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
 #include <functional>
-#include <thread>
 
 #include "kv/image_files.h"
 #include "platform/file_lock.h"
@@ -12,8 +10,6 @@
 #include "temporary_folder.h"
 
 #if !defined(_WIN32)
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
@@ -85,24 +81,6 @@ TEST(Interrupts, AHangUpThatWasIgnoredStaysIgnored) {
               defer_interrupts();
               raise(SIGHUP);
               return interrupted() ? 1 : 0;
-            }),
-            0);
-}
-
-TEST(Interrupts, EndAWaitForAPipe) {
-  const TemporaryFolder folder;
-  ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
-  EXPECT_EQ(end_of([&] {
-              defer_interrupts();
-              std::thread later([process = getpid()] {
-                std::this_thread::sleep_for(std::chrono::milliseconds(200));
-                kill(process, SIGTERM);
-              });
-              alarm(10);
-              const int opened = open((folder / "pipe").c_str(), O_RDONLY);
-              const int reason = errno;
-              later.join();
-              return opened < 0 && reason == EINTR && interrupted() ? 0 : 1;
             }),
             0);
 }
