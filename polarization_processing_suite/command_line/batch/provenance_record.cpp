@@ -9,7 +9,7 @@
 namespace kv::polarization {
 namespace {
 
-constexpr std::array<const char*, 3> kTierNames = {"baseline", "avx2", "avx512"};
+constexpr std::array<const char*, 3> kTierNames = {"", "avx2", "avx512"};
 
 nlohmann::ordered_json json_of_file(const std::string& name,
                                     const std::optional<ContentIdentity>& identity) {
@@ -23,11 +23,14 @@ nlohmann::ordered_json json_of_file(const std::string& name,
 
 }  // namespace
 
-MachineRecord this_machine() {
-  const auto tier = static_cast<std::size_t>(cpu_tier_of(read_cpu_registers()));
-  std::string forms = sse41_available() ? "sse41" : "sse2";
-  if (tier != 0) forms = kTierNames[tier];
-  return {forms, hash_of(platform::reciprocal_table()).substr(0, 8)};
+const MachineRecord& this_machine() {
+  static const MachineRecord machine = [] {
+    const auto tier = static_cast<std::size_t>(cpu_tier_of(read_cpu_registers()));
+    const std::string baseline = sse41_available() ? "sse41" : "sse2";
+    return MachineRecord{tier == 0 ? baseline : kTierNames[tier],
+                         hash_of(platform::reciprocal_table()).substr(0, 8)};
+  }();
+  return machine;
 }
 
 std::string software_name() { return "kv-polarize " KV_VERSION; }
@@ -45,7 +48,7 @@ nlohmann::ordered_json json_of(const ProvenanceRecord& record) {
   if (!record.calibration.empty()) {
     json["calibration"] = json_of_file(record.calibration, record.calibration_identity);
   }
-  const MachineRecord machine = this_machine();
+  const MachineRecord& machine = this_machine();
   json["tier"] = machine.tier;
   json["reciprocals"] = machine.reciprocals;
   return json;

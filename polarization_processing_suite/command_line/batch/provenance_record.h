@@ -33,7 +33,8 @@ struct MachineRecord {
   bool operator==(const MachineRecord&) const = default;
 };
 
-MachineRecord this_machine();
+/// Asked once.
+const MachineRecord& this_machine();
 
 /// Name and version of the program.
 std::string software_name();

@@ -81,8 +81,9 @@ std::vector<JournalFile> InputRun::publish_stacks(Publishing publishing) {
 }
 
 JournalEntry InputRun::journal_entry() const {
-  JournalEntry entry{json_text(planned_.input.path), source_->identity().value_or(ContentIdentity{}),
-                     context_.recipe_hash, planned_.wanted.size(), files_};
+  JournalEntry entry{json_text(planned_.input.path),
+                     source_->identity().value_or(ContentIdentity{}), context_.recipe_hash,
+                     planned_.wanted.size(), files_};
   std::ranges::sort(entry.results, {}, &JournalFile::name);
   return entry;
 }

@@ -23,7 +23,7 @@ std::string recipe_text(const TransformContext& context) {
   if (options.output.stacking) json["stack"] = stacking_text(options);
   json["pages"] = options.input.pages;
   if (context.calibration_identity) json["calibration"] = context.calibration_identity->hash;
-  const MachineRecord machine = this_machine();
+  const MachineRecord& machine = this_machine();
   json["tier"] = machine.tier;
   json["reciprocals"] = machine.reciprocals;
   return line_of(json);
