@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <new>
 #include <string>
@@ -34,6 +35,7 @@ int run(const Commands& commands) {
 int main(int argc, char** argv) {
   kv::platform::defer_interrupts();
   kv::platform::ignore_file_size_signal();
+  kv::platform::ignore_broken_pipes();
   try {
     CLI::App app("", kProgram);
     app.set_version_flag("--version", "kv-polarize " KV_VERSION);
@@ -42,14 +44,15 @@ int main(int argc, char** argv) {
     app.formatter_fn([&commands](const CLI::App*, const std::string&, CLI::AppFormatMode) {
       return tool_help(commands);
     });
-    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    std::vector<std::string> arguments = kv::platform::command_line_words(argc, argv);
     if (const auto values = asked_values(commands, arguments)) {
       std::cout << *values << std::flush;
       return exit_success;
     }
     try {
       check_command_name(commands, arguments);
-      app.parse(argc, argv);
+      std::ranges::reverse(arguments);  // the parser takes them from the end
+      app.parse(arguments);
     } catch (const CLI::ParseError& error) {
       if (error.get_exit_code() == 0) return app.exit(error);
       return refuse(std::string(error.what()) + "; see kv-polarize --help");

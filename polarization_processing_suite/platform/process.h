@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 namespace kv::platform {
 
 /// Whether a person is likely to watch the error stream.
@@ -29,6 +32,10 @@ bool output_stream_is_terminal();
 
 /// Processor time of this process so far, of all its threads, user and system, in seconds.
 double processor_seconds();
+
+/// The words of the command line behind the program's name, in UTF-8 where the system has them in a
+/// form of its own; the console is made to show UTF-8 there.
+std::vector<std::string> command_line_words(int argc, char** argv);
 
 /// For this process and the libraries that it loads from here on. Call it before a thread starts.
 void set_environment(const char* name, const char* value);

@@ -30,6 +30,11 @@ double processor_seconds() {
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
+std::vector<std::string> command_line_words(int argc, char** argv) {
+  if (argc < 1) return {};
+  return {argv + 1, argv + argc};
+}
+
 void set_environment(const char* name, const char* value) {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): the caller sees to it that there is one thread.
   setenv(name, value, 1);

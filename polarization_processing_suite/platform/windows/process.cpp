@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <io.h>
+#include <shellapi.h>  // behind windows.h, whose types it uses
 #include <windows.h>
 
 #include <cstdio>
@@ -33,6 +34,22 @@ double processor_seconds() {
     return 1e-7 * (4294967296.0 * time.dwHighDateTime + time.dwLowDateTime);
   };
   return seconds(system) + seconds(user);
+}
+
+std::vector<std::string> command_line_words(int, char**) {
+  SetConsoleOutputCP(CP_UTF8);
+  int count = 0;
+  wchar_t** words = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> all;
+  for (int i = 1; i < count; ++i) {
+    const int size = WideCharToMultiByte(CP_UTF8, 0, words[i], -1, nullptr, 0, nullptr, nullptr);
+    std::string word(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, words[i], -1, word.data(), size, nullptr, nullptr);
+    word.pop_back();  // the zero at its end
+    all.push_back(std::move(word));
+  }
+  LocalFree(words);
+  return all;
 }
 
 void set_environment(const char* name, const char* value) { _putenv_s(name, value); }
