@@ -99,8 +99,9 @@ TEST(ZlibEncoder, StreamsAreWhatZlibInflates) {
                      " with compression " + std::to_string(static_cast<int>(compression)));
         const Bytes stream = encoded(encoder, bytes, piece);
         Bytes back(bytes.size() + 1);
-        uLongf size = back.size();
-        ASSERT_EQ(uncompress(back.data(), &size, stream.data(), stream.size()), Z_OK);
+        auto size = static_cast<uLongf>(back.size());
+        ASSERT_EQ(uncompress(back.data(), &size, stream.data(), static_cast<uLong>(stream.size())),
+                  Z_OK);
         back.resize(size);
         EXPECT_TRUE(back == bytes);
         EXPECT_TRUE(encoded(encoder, bytes, piece) == stream);
