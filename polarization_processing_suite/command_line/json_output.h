@@ -16,6 +16,11 @@ inline Json json_of(const std::filesystem::path& path) {
   return std::string(text.begin(), text.end());
 }
 
+/// In one line, without its end.
+inline std::string line_of(const Json& json) {
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
 /// For a file or a stream. Bytes of file names that are no UTF-8 become replacement characters.
 inline std::string text_of(const Json& json) {
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

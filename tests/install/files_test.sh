@@ -42,7 +42,7 @@ share/bash-completion/completions/kv-polarize
 share/fish/vendor_completions.d/kv-polarize.fish
 share/man/man1/kv-polarize.1
 $("$prefix/bin/kv-polarize" --help |
-  sed -n '/^Commands:/,/^$/s|^  \([a-z-]*\) .*|share/man/man1/kv-polarize-\1.1|p')
+  sed -n '/^Commands:/,/^$/s|^  \([a-z-]\+\) .*|share/man/man1/kv-polarize-\1.1|p')
 share/zsh/site-functions/_kv-polarize"
 expect_same 'installed files' "$(LC_ALL=C sort <<<"$expected")" \
   "$(find "$prefix" -type f -printf '%P\n' -o -type l -printf '%P -> %l\n' | LC_ALL=C sort)"

@@ -18,8 +18,8 @@ constexpr const char* kUnknown =
 /// The options that results record, with a value or without. A stranger's file may ask for no
 /// others, as some write files.
 constexpr std::array<const char*, 15> kValueOptions = {
-    "--phase",  "--origin",      "--bit-depth", "--width",  "--height",
-    "--planes", "--raw-format",  "--pictures",  "--format", "--dolp-white",
+    "--phase",  "--origin",      "--bit-depth", "--width",      "--height",
+    "--planes", "--raw-format",  "--pictures",  "--format",     "--dolp-white",
     "--stack",  "--calibration", "--pages",     "--output-max", "--compression"};
 constexpr std::array<const char*, 2> kFlags = {"--no-planes", "--no-pictures"};
 
@@ -66,8 +66,8 @@ void RecordedRun::check_file(const char* key, const char* what) const {
   const nlohmann::json& recorded = record_[key];
   const std::string name = recorded.value("file", "");
   if (!recorded.contains("xxh3")) {
-    throw Fault(FaultKind::unsupported, "its " + std::string(what) +
-                                            " came through a pipe, and cannot be read again");
+    throw Fault(FaultKind::unsupported,
+                "its " + std::string(what) + " came through a pipe, and cannot be read again");
   }
   const std::filesystem::path file = path_of(name);
   if (!std::filesystem::exists(file)) {

@@ -23,7 +23,7 @@ EventStream::~EventStream() {
   if (stream_ != nullptr) std::fclose(stream_);
 }
 
-void EventStream::write(const nlohmann::ordered_json& event) {
+void EventStream::write(const Json& event) {
   if (stream_ == nullptr) return;
   const std::string line = line_of(event) + "\n";
   const bool written = std::fwrite(line.data(), 1, line.size(), stream_) == line.size();

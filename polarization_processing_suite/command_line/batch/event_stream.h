@@ -2,8 +2,9 @@
 
 #include <cstdio>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
+
+#include "command_line/json_output.h"
 
 namespace kv::polarization {
 
@@ -21,7 +22,7 @@ class EventStream {
 
   /// One line at once. A reader that has gone away is no reason to end the run: nothing is told to
   /// it further.
-  void write(const nlohmann::ordered_json& event);
+  void write(const Json& event);
 
  private:
   std::FILE* stream_ = nullptr;

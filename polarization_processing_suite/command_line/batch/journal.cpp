@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 
@@ -12,8 +11,6 @@
 
 namespace kv::polarization {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 std::string journal_line(const JournalEntry& entry) {
   Json results = Json::array();

@@ -11,9 +11,8 @@ namespace {
 
 constexpr std::array<const char*, 3> kTierNames = {"", "avx2", "avx512"};
 
-nlohmann::ordered_json json_of_file(const std::string& name,
-                                    const std::optional<ContentIdentity>& identity) {
-  nlohmann::ordered_json json = {{"file", name}};
+Json json_of_file(const std::string& name, const std::optional<ContentIdentity>& identity) {
+  Json json = {{"file", name}};
   if (identity) {
     json["size"] = identity->size;
     json["xxh3"] = identity->hash;
@@ -35,8 +34,8 @@ const MachineRecord& this_machine() {
 
 std::string software_name() { return "kv-polarize " KV_VERSION; }
 
-nlohmann::ordered_json json_of(const ProvenanceRecord& record) {
-  nlohmann::ordered_json json;
+Json json_of(const ProvenanceRecord& record) {
+  Json json;
   json["software"] = software_name();
   json["command"] = record.command;
   json["input"] = json_of_file(record.input, record.identity);
@@ -61,16 +60,12 @@ std::filesystem::path sidecar_of(const std::filesystem::path& result) {
 }
 
 std::string sidecar_text(const std::string& record_line, const ImageShape& shape) {
-  auto json = nlohmann::ordered_json::parse(record_line);
+  auto json = Json::parse(record_line);
   const char* kind = shape.bytes == 4 ? "float" : "uint";
   json["image"] = {{"width", shape.width},       {"height", shape.height},
                    {"channels", shape.channels}, {"type", kind + std::to_string(8 * shape.bytes)},
                    {"byte_order", "little"},     {"images", shape.images}};
   return line_of(json) + "\n";
-}
-
-std::string line_of(const nlohmann::ordered_json& json) {
-  return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
 std::string json_text(const std::filesystem::path& path) {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "command_line/batch/file_hash.h"
+#include "command_line/json_output.h"
 #include "kv/polarization/mosaic.h"
 
 namespace kv::polarization {
@@ -40,7 +40,7 @@ const MachineRecord& this_machine();
 std::string software_name();
 
 /// The record as JSON.
-nlohmann::ordered_json json_of(const ProvenanceRecord& record);
+Json json_of(const ProvenanceRecord& record);
 
 /// What a headerless file does not tell of its images.
 struct ImageShape {
@@ -55,9 +55,6 @@ struct ImageShape {
 /// the shape, in a line with its end.
 std::filesystem::path sidecar_of(const std::filesystem::path& result);
 std::string sidecar_text(const std::string& record_line, const ImageShape& shape);
-
-/// JSON in one line, whatever bytes its texts hold.
-std::string line_of(const nlohmann::ordered_json& json);
 
 /// A path as UTF-8 text with / between folders; bytes that are no UTF-8 are shown as \xNN.
 std::string json_text(const std::filesystem::path& path);

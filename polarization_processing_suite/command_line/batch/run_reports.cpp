@@ -11,8 +11,6 @@
 namespace kv::polarization {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 Json json_of(const FrameReport& report) {
   constexpr const char* outcomes[] = {"frame", "failed", "skipped"};
   Json json = {{"event", outcomes[static_cast<std::size_t>(report.outcome)]},

@@ -3,6 +3,8 @@
 #include <iomanip>
 #include <sstream>
 
+#include "command_line/json_output.h"
+
 namespace kv::polarization {
 namespace {
 
@@ -38,7 +40,7 @@ void RunTotals::add(const FrameReport& report) {
   if (report.clipped_pixels > 0) ++clipped_frames;
 }
 
-nlohmann::ordered_json json_of(const RunTotals& totals) {
+Json json_of(const RunTotals& totals) {
   return {{"frames", totals.frames},
           {"failed", totals.failed},
           {"skipped", totals.skipped},

@@ -2,10 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "command_line/batch/frame_report.h"
+#include "command_line/json_output.h"
 
 namespace kv::polarization {
 
@@ -26,7 +26,7 @@ struct RunTotals {
   void add(const FrameReport& report);
 };
 
-nlohmann::ordered_json json_of(const RunTotals& totals);
+Json json_of(const RunTotals& totals);
 
 /// One line for people.
 std::string summary_of(const RunTotals& totals, const std::string& destination, bool dry_run);

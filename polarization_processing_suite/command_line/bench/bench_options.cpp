@@ -83,7 +83,7 @@ class BenchCommand : public Command {
                    .value = "LIST",
                    .summary = "Planes to compute, one set after the other, with + within a set",
                    .details = "Planes are " + comma_list(plane_names()) + ".",
-                   .initial = kUsualPlanes},
+                   .initial = "three planes, and the sets of these and of all 16-bit ones"},
                   [this](const std::string& list) { options_.planes = sets_of(list); });
     options().add({.names = "--threads",
                    .value = "LIST",

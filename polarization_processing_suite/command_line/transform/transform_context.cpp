@@ -1,5 +1,6 @@
 #include "command_line/transform/transform_context.h"
 
+#include "command_line/json_output.h"
 #include "command_line/transform/page_list.h"
 #include "kv/calibration/calibration_file.h"
 
@@ -14,7 +15,7 @@ std::string stacking_text(const TransformOptions& options) {
 /// same text.
 std::string recipe_text(const TransformContext& context) {
   const TransformOptions& options = context.options;
-  nlohmann::ordered_json json;
+  Json json;
   json["software"] = software_name();
   for (const Result& result : context.plan.results()) {
     json["results"].push_back(arguments_for(options.recipe, {&result, 1}));
