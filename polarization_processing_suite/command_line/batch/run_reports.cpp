@@ -1,10 +1,11 @@
 #include "command_line/batch/run_reports.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <iostream>
 #include <utility>
 
 #include "command_line/batch/provenance_record.h"
+#include "command_line/exit_status.h"
 #include "command_line/messages.h"
 #include "kv/polarization/fault.h"
 
@@ -94,7 +95,7 @@ void RunReports::show_results(const FrameReport& report) {
   }
 }
 
-void RunReports::finish(int status) {
+int RunReports::finish(int status) {
   const std::lock_guard lock(mutex_);
   for (const FrameReport& report : order_.rest()) tell(report);
   progress_.hide();
@@ -102,8 +103,15 @@ void RunReports::finish(int status) {
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
   const std::string clipping = clipping_of(totals_);
   if (!clipping.empty() && !options_.quiet) show("warning: " + clipping);
-  write_list();
-  write_summary(status);
+  try {
+    write_list();
+  } catch (const Fault& fault) {
+    show(fault.what());
+    status = std::max<int>(status, exit_some_failed);
+  }
+  if (write_summary(status)) return status;
+  show("the summary cannot be written to standard output; what was done is complete");
+  return std::max<int>(status, exit_some_failed);
 }
 
 void RunReports::write_list() {
@@ -113,7 +121,7 @@ void RunReports::write_list() {
   list_->publish();
 }
 
-void RunReports::write_summary(int status) {
+bool RunReports::write_summary(int status) {
   Json json = kv::polarization::json_of(totals_);
   json["status"] = status;
   Json event = json;
@@ -124,12 +132,9 @@ void RunReports::write_summary(int status) {
   if (options_.json) {
     (results_there ? std::cerr : std::cout) << line_of(json) + "\n" << std::flush;
   } else if (!options_.quiet && !results_there) {
-    std::cout << summary_of(totals_, destination_, dry_run_) << std::endl;
+    std::cout << summary_of(totals_, printable(destination_), dry_run_) << std::endl;
   }
-  if (!std::cout) {
-    throw Fault(FaultKind::file,
-                "the summary cannot be written to standard output; what was done is complete");
-  }
+  return static_cast<bool>(std::cout);
 }
 
 }  // namespace kv::polarization

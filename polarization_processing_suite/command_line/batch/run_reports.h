@@ -30,15 +30,16 @@ class RunReports {
 
   const RunTotals& totals() const { return totals_; }
 
-  /// Tells what is left, and the sums. Throws Fault when they cannot be written.
-  void finish(int status);
+  /// Tells what is left, and the sums. Returns the status, which becomes that of a failure when
+  /// they cannot be written.
+  int finish(int status);
 
  private:
   void tell(const FrameReport& report);
   void show(const std::string& line);
   void show_results(const FrameReport& report);
   void write_list();
-  void write_summary(int status);
+  bool write_summary(int status);
 
   const ReportOptions& options_;
   std::string destination_;

@@ -4,6 +4,7 @@
 
 #include "command_line/calibrate/stack_manifest.h"
 #include "command_line/exit_status.h"
+#include "command_line/messages.h"
 #include "command_line/progress_line.h"
 #include "kv/calibration/calibration_file.h"
 #include "kv/calibration/report.h"
@@ -88,20 +89,19 @@ void print_result(const Calibration& calibration, const CalibrateOptions& option
     if (frame.used) {
       ++used;
     } else {
-      std::cerr << "kv-polarize: warning: " << frame.name << ": not used: " << frame.refusal
-                << std::endl;
+      complain("warning: " + frame.name + ": not used: " + frame.refusal);
     }
   }
   std::size_t doubts = 0;
   for (const Finding& finding : calibration.findings) {
     if (finding.good) continue;
     ++doubts;
-    std::cerr << "kv-polarize: warning: " << finding.name << ": " << finding.verdict << std::endl;
+    complain("warning: " + finding.name + ": " + finding.verdict);
   }
   std::cout << used << " of " << calibration.frames.size() << " frames used; "
             << calibration.findings.size() - doubts << " of " << calibration.findings.size()
-            << " checks good; calibration in " << options.file.string() << ", report in "
-            << report.string() << std::endl;
+            << " checks good; calibration in " << printable(options.file) << ", report in "
+            << printable(report) << std::endl;
 }
 
 /// Whether both files can be written, before many frames are read for them.

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "command_line/exit_status.h"
+#include "command_line/messages.h"
 #include "command_line/simulate/simulated_frame.h"
 #include "command_line/simulate/simulated_night.h"
 #include "command_line/simulate/simulated_stack.h"
@@ -37,8 +38,8 @@ std::string frame_text(const SimulateOptions& options) {
 int simulate_stack(const SimulateOptions& options) {
   const WrittenStack stack = write_calibration_stack(options);
   std::cout << stack.frames << " frames" << frame_text(options)
-            << ", and what the sensor truly is, in " << options.file.string()
-            << "; next: kv-polarize calibrate --manifest " << stack.manifest.string()
+            << ", and what the sensor truly is, in " << printable(options.file)
+            << "; next: kv-polarize calibrate --manifest " << printable(stack.manifest)
             << (options.phase_degrees != 0 ? " --phase " + std::to_string(options.phase_degrees)
                                            : "")
             << " -o camera.json" << std::endl;
@@ -50,7 +51,7 @@ int simulate_night(const SimulateOptions& options) {
   const std::string files =
       (options.file / ("*" + std::string(ending_of(options.format)))).string();
   std::cout << frames << (frames == 1 ? " frame" : " frames") << frame_text(options) << " with "
-            << options.camera.bit_depth << " bits in " << options.file.string()
+            << options.camera.bit_depth << " bits in " << printable(options.file)
             << "; next: kv-polarize transform "
             << transform_arguments(options, files, options.format) << std::endl;
   return platform::interrupted() ? exit_interrupted : exit_success;
@@ -62,7 +63,7 @@ int simulate_frame(const SimulateOptions& options) {
   if (platform::interrupted()) return exit_interrupted;
   save_image(options.file, grey_image(simulator.take(0)));
   std::cout << "frame" << frame_text(options) << " with " << options.camera.bit_depth << " bits in "
-            << options.file.string() << "; next: kv-polarize transform "
+            << printable(options.file) << "; next: kv-polarize transform "
             << transform_arguments(options, options.file.string(), format) << std::endl;
   return exit_success;
 }

@@ -272,9 +272,7 @@ int run_transform(const TransformOptions& options) {
     reports.warn("the disk is full, and the run has stopped; make room, and go on with --resume");
   }
   if (folder) folder->tidy();
-  const int status = status_of(reports.totals(), !run.disk_is_full());
-  reports.finish(status);
-  return status;
+  return reports.finish(status_of(reports.totals(), !run.disk_is_full()));
 }
 
 }  // namespace kv::polarization
