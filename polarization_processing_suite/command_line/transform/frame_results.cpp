@@ -79,8 +79,9 @@ void FrameWork::write_to_standard_output(InputRun& input, const FramePlace& plac
 }
 
 void FrameWork::add_to_stack(InputRun& input, std::size_t frame, const Result& result) {
-  StackOutput& stack = input.stack_of(result, raw_bit_depth_, shape_of(result));
-  stack.add(input.place_in_stack(result, frame), [&](StackWriter& writer) {
+  StackOutput* stack = input.stack_of(result, raw_bit_depth_, shape_of(result));
+  if (stack == nullptr) return;
+  stack->add(input.place_in_stack(result, frame), [&](StackWriter& writer) {
     if (result.kind == ImageKind::floats) {
       writer.add(float_image_of());
     } else {

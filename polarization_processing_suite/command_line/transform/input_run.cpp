@@ -23,9 +23,10 @@ std::vector<Result> InputRun::sharing(const Result& result) const {
   return results;
 }
 
-StackOutput& InputRun::stack_of(const Result& result, int bit_depth, const ImageShape& shape) {
+StackOutput* InputRun::stack_of(const Result& result, int bit_depth, const ImageShape& shape) {
   const ResultNames& names = context_.plan.names();
   const std::lock_guard lock(mutex_);
+  if (failed_) return nullptr;
   Stack& stack = stacks_[names.plane_of(result, planned_.pages)];
   if (stack.output == nullptr) {
     const std::vector<Result> results = sharing(result);
@@ -41,7 +42,7 @@ StackOutput& InputRun::stack_of(const Result& result, int bit_depth, const Image
     }
     stack.output = std::make_unique<StackOutput>(path, result.format, all.images, options);
   }
-  return *stack.output;
+  return stack.output.get();
 }
 
 std::size_t InputRun::place_in_stack(const Result& result, std::size_t frame) const {
@@ -61,7 +62,10 @@ bool InputRun::frame_failed() {
   const bool is_first = !failed_;
   failed_ = true;
   for (auto& [plane, stack] : stacks_) stack.output->give_up();
-  return is_first && !stacks_.empty();
+  const ResultNames& names = context_.plan.names();
+  return is_first && std::ranges::any_of(context_.plan.results(), [&](const Result& result) {
+           return names.is_stacked(result, planned_.pages);
+         });
 }
 
 std::vector<JournalFile> InputRun::publish_stacks(Publishing publishing) {

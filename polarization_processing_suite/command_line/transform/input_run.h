@@ -23,8 +23,9 @@ class InputRun {
   std::size_t number() const { return number_; }
   FrameSource& source() { return *source_; }
 
-  /// The stack of that result, which is made when its first image comes.
-  StackOutput& stack_of(const Result& result, int bit_depth, const ImageShape& shape);
+  /// The stack of that result, which is made when its first image comes; null when a frame of the
+  /// input has failed.
+  StackOutput* stack_of(const Result& result, int bit_depth, const ImageShape& shape);
 
   /// Place of a frame's image in its stack.
   std::size_t place_in_stack(const Result& result, std::size_t frame) const;
@@ -33,8 +34,8 @@ class InputRun {
   /// was the last one of an input of which no frame failed.
   bool frame_done(const std::vector<JournalFile>& files);
 
-  /// To be called for a frame that failed. True for the first one, when there are stacks, which
-  /// are given up by that.
+  /// To be called for a frame that failed. True for the first one, when its results share files
+  /// with those of other frames, which are given up by that.
   bool frame_failed();
 
   /// Completes the stacks of an input that is done. Returns their files.
