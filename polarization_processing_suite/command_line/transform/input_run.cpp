@@ -68,6 +68,11 @@ bool InputRun::frame_failed() {
          });
 }
 
+bool InputRun::frame_over() {
+  const std::lock_guard lock(mutex_);
+  return ++over_ == planned_.wanted.size();
+}
+
 std::vector<JournalFile> InputRun::publish_stacks(Publishing publishing) {
   std::vector<JournalFile> files;
   for (auto& [plane, stack] : stacks_) {

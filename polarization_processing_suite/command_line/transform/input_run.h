@@ -20,7 +20,6 @@ class InputRun {
            std::shared_ptr<FrameSource> source);
 
   const PlannedInput& planned() const { return planned_; }
-  std::size_t number() const { return number_; }
   FrameSource& source() { return *source_; }
 
   /// The stack of that result, which is made when its first image comes; null when a frame of the
@@ -37,6 +36,9 @@ class InputRun {
   /// To be called for a frame that failed. True for the first one, when its results share files
   /// with those of other frames, which are given up by that.
   bool frame_failed();
+
+  /// To be called once for each frame, when nothing is left to do for it. True for the last one.
+  bool frame_over();
 
   /// Completes the stacks of an input that is done. Returns their files.
   std::vector<JournalFile> publish_stacks(Publishing publishing);
@@ -57,6 +59,7 @@ class InputRun {
   };
   std::map<std::string, Stack> stacks_;  ///< by what stands for {plane}
   std::size_t done_ = 0;
+  std::size_t over_ = 0;
   bool failed_ = false;
   std::vector<JournalFile> files_;
 };

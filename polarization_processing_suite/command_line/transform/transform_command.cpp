@@ -109,6 +109,7 @@ class TransformRun {
       }
     });
     if (!good) after_failure(*input, work, report);
+    if (input->frame_over()) inputs_[task.input].reset();  // with the memory of its file
     reports_.add(std::move(report));
   }
 
@@ -145,7 +146,6 @@ class TransformRun {
     const auto stacks = input.publish_stacks(publishing);
     report.results.insert(report.results.end(), stacks.begin(), stacks.end());
     if (journal_ != nullptr && input.source().identity()) journal_->add(input.journal_entry());
-    inputs_[input.number()].reset();
   }
 
   void after_failure(InputRun& input, const FrameWork& work, FrameReport& report) {
