@@ -200,6 +200,7 @@ void prepare_log(const TransformOptions& options) {
   if (!options.log_level) return;
   platform::set_environment("KEVRINTH_QRM_LOGGER_LEVEL",
                             std::to_string(*options.log_level).c_str());
+  const Processor processor;  // the library looks for its logger when the first one is made
   if (!platform::is_loaded((std::string(kLoggerLibrary) + platform::kLibrarySuffix).c_str())) {
     throw Fault(FaultKind::argument,
                 "--log needs the library " + std::string(kLoggerLibrary) +
