@@ -47,7 +47,8 @@ TEST_F(Calibrate, CorrectsFramesOfTheSensor) {
   const auto mean_error = [this](const std::string& calibration) {
     EXPECT_EQ(
         tool_
-            .run("transform scene.pgm -o x --planes dolp --no-pictures --format pgm " + calibration)
+            .run("transform scene.pgm -o x --overwrite --planes dolp --no-pictures --format pgm " +
+                 calibration)
             .status,
         0);
     const Frame dolp = open_frames(tool_.path("x/scene_dolp.pgm"))->read(0);
@@ -64,7 +65,7 @@ TEST_F(Calibrate, CorrectsFramesOfTheSensor) {
 
   const ToolResult other =
       tool_.run("transform scene.pgm --phase 0 --calibration camera.json -o x");
-  EXPECT_EQ(other.status, 1);
+  EXPECT_EQ(other.status, 2);
   EXPECT_PRED2(contains, other.error, "phase 90");
 }
 
@@ -87,14 +88,14 @@ TEST_F(Calibrate, SaysWhatIsWrongAndWritesNothing) {
     tool_.write("list.csv", manifest);
     const ToolResult result =
         tool_.run(std::string("calibrate --manifest list.csv -o bad.json ") + arguments);
-    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.complaints(), 1);
     EXPECT_PRED2(contains, result.error, part);
   }
   // Told before any frame is read.
   for (const char* file : {"camera", "none/camera.json"}) {
     const ToolResult result = tool_.run("calibrate --manifest list.csv -o " + std::string(file));
-    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.status, 2);
     EXPECT_PRED2(contains, result.error, file);
   }
   const ToolResult phase = tool_.run("calibrate --manifest stack/stack.csv -o bad.json");

@@ -66,6 +66,13 @@ class Tool {
   /// Names of the files in that folder, sorted; none if there is no such folder.
   Names files_in(const std::string& name) const { return names_in(path(name)); }
 
+  /// The same without the journal.
+  Names results_in(const std::string& name) const {
+    Names names = files_in(name);
+    std::erase(names, "kv-polarize.journal");
+    return names;
+  }
+
  private:
   std::filesystem::path program_;
   TemporaryFolder folder_;
