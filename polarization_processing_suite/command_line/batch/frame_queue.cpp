@@ -18,8 +18,8 @@ std::optional<FrameTask> FrameQueue::next() {
     }
     std::shared_ptr<FrameSource> source = open_(input);
     if (source == nullptr) continue;
-    const auto count = source->count();
-    Shared shared{input, source, count ? pages_(input, *count) : std::deque<std::size_t>{}};
+    Shared shared{input, source, {}};
+    if (source->count()) shared.pages = pages_(input);
     const std::lock_guard lock(mutex_);
     shared_.push_back(std::move(shared));
   }
@@ -30,9 +30,8 @@ std::optional<FrameTask> FrameQueue::next_of_shared() {
   Shared& first = shared_.front();
   FrameTask task{first.input, first.source, std::nullopt};
   if (!first.source->count()) return task;
-  task.page = first.pages.front();
-  first.pages.pop_front();
-  if (first.pages.empty()) shared_.pop_front();
+  task.page = first.pages[first.next];
+  if (++first.next == first.pages.size()) shared_.pop_front();
   return task;
 }
 

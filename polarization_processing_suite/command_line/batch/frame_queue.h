@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <vector>
 
 #include "command_line/batch/frame_source.h"
 
@@ -25,8 +26,8 @@ class FrameQueue {
   /// Opens an input; null when there is nothing to do with it.
   using Open = std::function<std::shared_ptr<FrameSource>(std::size_t input)>;
 
-  /// The pages of an input that are wanted, from 0 up.
-  using Pages = std::function<std::deque<std::size_t>(std::size_t input, std::size_t count)>;
+  /// The pages of an input that are wanted, from 0 up, at least one. Not asked for pipes.
+  using Pages = std::function<std::vector<std::size_t>(std::size_t input)>;
 
   FrameQueue(std::size_t inputs, Open open, Pages pages);
 
@@ -40,7 +41,8 @@ class FrameQueue {
   struct Shared {
     std::size_t input;
     std::shared_ptr<FrameSource> source;
-    std::deque<std::size_t> pages;  ///< that were not handed out
+    std::vector<std::size_t> pages;
+    std::size_t next = 0;  ///< of the pages
   };
 
   std::optional<FrameTask> next_of_shared();

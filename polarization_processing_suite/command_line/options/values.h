@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cmath>
+#include <algorithm>
+#include <array>
 #include <concepts>
 #include <stdexcept>
 #include <string>
@@ -36,6 +37,13 @@ std::string comma_list(const std::vector<std::string>& words);
 
 /// The text itself if it is among the choices.
 std::string choice_of(const std::string& text, const std::vector<std::string>& choices);
+
+/// The value of an enumeration whose names are listed in its order.
+template <class Value, std::size_t Count>
+Value named_value(const std::string& name, const std::array<const char*, Count>& names) {
+  const std::string found = choice_of(name, {names.begin(), names.end()});
+  return static_cast<Value>(std::ranges::find(names, found) - names.begin());
+}
 
 /// Setters of variables, also of optional ones, which must outlive them.
 template <class Target>

@@ -53,7 +53,10 @@ bool ResultsFolder::lock(platform::FileLock::Mode mode) {
 }
 
 void ResultsFolder::tidy() {
-  if (lock(platform::FileLock::Mode::exclusive)) journal_.tidy();
+  try {
+    if (lock(platform::FileLock::Mode::exclusive)) journal_.tidy();
+  } catch (const Fault&) {  // a full disk: a journal out of order is as good
+  }
   lock_.reset();
 }
 

@@ -6,74 +6,12 @@
 #include "command_line/options/values.h"
 #include "command_line/outputs/name_template.h"
 #include "command_line/transform/page_list.h"
+#include "command_line/transform/result_options.h"
 #include "command_line/transform/results.h"
 #include "command_line/transform/transform_command.h"
 
 namespace kv::polarization {
 namespace {
-
-std::vector<std::string> plane_names() {
-  std::vector<std::string> names;
-  for (const PlaneTraits& traits : kPlanes) names.emplace_back(traits.name);
-  names.emplace_back("mean");
-  return names;
-}
-
-void parse_planes(const std::string& list, Recipe& recipe) {
-  recipe.planes = {};
-  recipe.mean = false;
-  for (const std::string& name : split_list(list)) {
-    const auto plane = plane_named(name);
-    if (name == "mean") {
-      recipe.mean = true;
-    } else if (plane) {
-      recipe.planes.add(*plane);
-    } else {
-      throw BadValue("there is no plane '" + name + "'; the planes are " +
-                     comma_list(plane_names()));
-    }
-  }
-  if (recipe.planes.empty() && !recipe.mean) {
-    throw BadValue("the list is empty; name a plane");
-  }
-}
-
-std::vector<std::string> picture_names() {
-  std::vector<std::string> names;
-  for (const PictureTraits& traits : kPictureKinds) names.emplace_back(traits.name);
-  return names;
-}
-
-std::vector<PictureKind> parse_pictures(const std::string& list) {
-  std::vector<PictureKind> kinds;
-  for (const std::string& name : split_list(list)) {
-    const auto kind = picture_kind_named(name);
-    if (!kind) {
-      throw BadValue("there is no picture '" + name + "'; the pictures are " +
-                     comma_list(picture_names()));
-    }
-    if (std::find(kinds.begin(), kinds.end(), *kind) == kinds.end()) kinds.push_back(*kind);
-  }
-  if (kinds.empty()) throw BadValue("the list is empty; name a picture");
-  return kinds;
-}
-
-/// Names of the formats that planes are written in.
-std::vector<std::string> plane_formats() {
-  std::vector<std::string> names;
-  for (const ImageFormatTraits& traits : image_formats()) {
-    if (traits.writes(ImageKind::grey)) names.emplace_back(traits.name);
-  }
-  return names;
-}
-
-/// Also by an ending, such as tif.
-ImageFormat plane_format_named(const std::string& name) {
-  const auto format = format_named(name);
-  const auto names = plane_formats();
-  return format_named(choice_of(format ? std::string(traits_of(*format).name) : name, names))
-      .value();
-}
 
 /// The table of formats, as far as this build has them.
 std::string format_table() {
@@ -84,13 +22,6 @@ std::string format_table() {
              std::string(text) + "\n";
   }
   return table + "\nHeaderless frames need --width, --height and --raw-format.";
-}
-
-/// The value of a name in a table that has the order of the enumeration.
-template <class Value, std::size_t Count>
-Value named(const std::string& name, const std::array<const char*, Count>& names) {
-  const std::string& found = choice_of(name, {names.begin(), names.end()});
-  return static_cast<Value>(std::ranges::find(names, found) - names.begin());
 }
 
 constexpr const char* kInputDetails =
@@ -136,8 +67,7 @@ class TransformCommand : public Command {
     add_inputs();
     add_outputs();
     add_frames();
-    add_planes();
-    add_pictures();
+    add_result_options(options(), options_.recipe);
     add_run();
     add_reports();
   }
@@ -225,7 +155,7 @@ class TransformCommand : public Command {
          .choices = {kStackingNames.begin(), kStackingNames.end()},
          .initial = "planes"},
         [&output](const std::string& name) {
-          output.stacking = named<Stacking>(name, kStackingNames);
+          output.stacking = named_value<Stacking>(name, kStackingNames);
         });
     options().add_flag(
         {.names = "--overwrite", .summary = "Replace results that are there already, else refused"},
@@ -256,65 +186,6 @@ class TransformCommand : public Command {
          .completion = Completion::file},
         path_into(recipe.calibration), [&recipe] { recipe.calibration.reset(); });
     raw_shape_.emplace(options());
-  }
-
-  void add_planes() {
-    Recipe& recipe = options_.recipe;
-    options().add(
-        {.names = "--planes",
-         .value = "LIST",
-         .summary = "Planes to write, of",
-         .choices = plane_names(),
-         .initial = "all but mean"},
-        [&recipe](const std::string& list) { parse_planes(list, recipe); },
-        [&recipe] {
-          recipe.planes = {};
-          recipe.mean = false;
-        });
-    options().add({.names = "--output-max",
-                   .value = "N",
-                   .summary = "Full scale of the 16-bit planes",
-                   .initial = "65535"},
-                  whole_number_into(recipe.output_max, 1, 65535));
-    options().add({.names = "--format",
-                   .value = "NAME",
-                   .summary = "File format of the planes",
-                   .details = "normalized_stokes becomes TIFF, or NPY, where the format holds no "
-                              "floats. Planes of raw and npy have a file NAME.json beside them, "
-                              "which tells how they were made, as other formats do within.",
-                   .choices = plane_formats(),
-                   .initial = std::string(traits_of(recipe.format).name)},
-                  [&recipe](const std::string& name) { recipe.format = plane_format_named(name); });
-    options().add(
-        {.names = "--compression",
-         .value = "HOW",
-         .summary = "Of PNG and TIFF, without loss",
-         .details = "none: as fast as the disk. fast: some 600 MB of samples a second and "
-                    "core. small: a few per cent smaller, at ten times the time.",
-         .choices = {kCompressionNames.begin(), kCompressionNames.end()},
-         .initial = "fast for PNG, none for TIFF"},
-        [&recipe](const std::string& name) {
-          recipe.compression = named<Compression>(name, kCompressionNames);
-        });
-  }
-
-  void add_pictures() {
-    Recipe& recipe = options_.recipe;
-    options().add(
-        {.names = "--pictures",
-         .value = "LIST",
-         .summary = "Pictures to write, of",
-         .choices = picture_names(),
-         .initial = "intensity,dolp,angle"},
-        [&recipe](const std::string& list) { recipe.pictures = parse_pictures(list); },
-        [&recipe] { recipe.pictures.clear(); });
-    options().add(
-        {.names = "--dolp-white",
-         .value = "N",
-         .summary = "DoLP that pictures show at full brightness",
-         .initial = "what one pixel in 100 of the frame exceeds, rounded up to a multiple "
-                    "of 0.05"},
-        number_into(recipe.dolp_white, 0.01, 1), [&recipe] { recipe.dolp_white.reset(); });
   }
 
   void add_run() {
