@@ -10,7 +10,7 @@ namespace kv::platform {
 
 /// A lock that programs agree on; it keeps nobody from reading or writing. Several holders share
 /// one, or one holds it exclusively. It ends with the object, and with the process, however that
-/// ends. The file stays, as its removal would let two programs lock two files of one name.
+/// ends. The file stays; who holds it exclusively may remove it, or put another one in its place.
 class FileLock {
  public:
   enum class Mode : std::uint8_t { shared, exclusive };
