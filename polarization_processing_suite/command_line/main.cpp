@@ -33,6 +33,7 @@ int run(const Commands& commands) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  kv::platform::fill_standard_streams();
   kv::platform::defer_interrupts();
   kv::platform::ignore_file_size_signal();
   kv::platform::ignore_broken_pipes();

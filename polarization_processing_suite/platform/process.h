@@ -19,6 +19,10 @@ int terminal_columns();
 void defer_interrupts();
 bool interrupted();
 
+/// Gives a process that was started without standard streams some that refuse everything: else the
+/// next files that it opens would take their places, and get what is meant for people.
+void fill_standard_streams();
+
 /// A file that outgrows the user's limit becomes an ordinary failed write.
 void ignore_file_size_signal();
 

@@ -1,5 +1,6 @@
 #include "platform/process.h"
 
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <time.h>
 #include <unistd.h>
@@ -18,6 +19,15 @@ int terminal_columns() {
   winsize size{};
   const bool told = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
   return told ? size.ws_col : kUsualColumns;
+}
+
+void fill_standard_streams() {
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    if (fcntl(stream, F_GETFD) >= 0) continue;
+    // A file that is opened takes the least free number. Nothing is read of one that is for
+    // writing.
+    open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
 }
 
 void make_standard_input_binary() {}

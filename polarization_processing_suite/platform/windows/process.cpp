@@ -23,6 +23,8 @@ int terminal_columns() {
   return console.srWindow.Right - console.srWindow.Left + 1;
 }
 
+void fill_standard_streams() {}  // no file takes the place of a stream
+
 void make_standard_input_binary() { _setmode(_fileno(stdin), _O_BINARY); }
 
 bool output_stream_is_terminal() { return _isatty(_fileno(stdout)) != 0; }
