@@ -1,6 +1,5 @@
 #include "command_line/batch/run_reports.h"
 
-#include <algorithm>
 #include <iostream>
 #include <utility>
 
@@ -103,25 +102,32 @@ int RunReports::finish(int status) {
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
   const std::string clipping = clipping_of(totals_);
   if (!clipping.empty() && !options_.quiet) show("warning: " + clipping);
+  const auto after_failure = [&status] {
+    if (status == exit_success) status = exit_some_failed;
+  };
+  if (!write_list()) after_failure();
+  write_summary(status);
+  if (!std::cout) {
+    after_failure();
+    show("the summary cannot be written to standard output; what was done is complete");
+  }
+  return status;
+}
+
+bool RunReports::write_list() {
+  if (!list_) return true;
   try {
-    write_list();
+    list_->write(listed_.data(), listed_.size());
+    list_->close();
+    list_->publish();
+    return true;
   } catch (const Fault& fault) {
     show(fault.what());
-    status = std::max<int>(status, exit_some_failed);
+    return false;
   }
-  if (write_summary(status)) return status;
-  show("the summary cannot be written to standard output; what was done is complete");
-  return std::max<int>(status, exit_some_failed);
 }
 
-void RunReports::write_list() {
-  if (!list_) return;
-  list_->write(listed_.data(), listed_.size());
-  list_->close();
-  list_->publish();
-}
-
-bool RunReports::write_summary(int status) {
+void RunReports::write_summary(int status) {
   Json json = kv::polarization::json_of(totals_);
   json["status"] = status;
   Json event = json;
@@ -134,7 +140,6 @@ bool RunReports::write_summary(int status) {
   } else if (!options_.quiet && !results_there) {
     std::cout << summary_of(totals_, printable(destination_), dry_run_) << std::endl;
   }
-  return static_cast<bool>(std::cout);
 }
 
 }  // namespace kv::polarization

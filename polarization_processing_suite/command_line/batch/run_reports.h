@@ -30,16 +30,16 @@ class RunReports {
 
   const RunTotals& totals() const { return totals_; }
 
-  /// Tells what is left, and the sums. Returns the status, which becomes that of a failure when
-  /// they cannot be written.
+  /// Tells what is left, and the sums. Returns the exit status, which is no success when they
+  /// cannot be written.
   int finish(int status);
 
  private:
   void tell(const FrameReport& report);
   void show(const std::string& line);
   void show_results(const FrameReport& report);
-  void write_list();
-  bool write_summary(int status);
+  bool write_list();
+  void write_summary(int status);
 
   const ReportOptions& options_;
   std::string destination_;

@@ -53,10 +53,7 @@ bool ResultsFolder::lock(platform::FileLock::Mode mode) {
 }
 
 void ResultsFolder::tidy() {
-  try {
-    if (lock(platform::FileLock::Mode::exclusive)) journal_.tidy();
-  } catch (const Fault&) {  // a full disk: a journal out of order is as good
-  }
+  if (lock(platform::FileLock::Mode::exclusive)) journal_.tidy();
   lock_.reset();
 }
 

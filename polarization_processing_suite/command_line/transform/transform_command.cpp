@@ -62,6 +62,15 @@ void check_standard_output(const TransformPlan& plan) {
   }
 }
 
+/// The results are complete without it.
+void tidy(ResultsFolder& folder, RunReports& reports) {
+  try {
+    folder.tidy();
+  } catch (const Fault& fault) {
+    reports.warn(std::string("the journal stays as it is: ") + fault.what());
+  }
+}
+
 }  // namespace
 
 int run_transform(const TransformOptions& options) {
@@ -92,7 +101,7 @@ int run_transform(const TransformOptions& options) {
   if (run.disk_is_full()) {
     reports.warn("the disk is full, and the run has stopped; make room, and go on with --resume");
   }
-  if (folder) folder->tidy();
+  if (folder) tidy(*folder, reports);
   return reports.finish(status_of(reports.totals(), !run.disk_is_full()));
 }
 

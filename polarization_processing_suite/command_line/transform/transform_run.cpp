@@ -1,8 +1,10 @@
 #include "command_line/transform/transform_run.h"
 
 #include <algorithm>
+#include <exception>
 #include <future>
 #include <new>
+#include <system_error>
 #include <utility>
 
 #include "kv/polarization/fault.h"
@@ -17,12 +19,13 @@ bool attempt(FrameReport& report, Work work) {
   try {
     work();
     return true;
-  } catch (const Fault& fault) {
-    report.failure = fault.what();
   } catch (const std::bad_alloc&) {
     report.failure =
         "there is not enough memory for this frame; close other programs, use a smaller one, or "
         "fewer at a time by --jobs";
+  } catch (const std::exception& error) {
+    // Also of the standard library, as of a folder that goes away: other frames may do.
+    report.failure = error.what();
   }
   report.outcome = FrameReport::Outcome::failed;
   report.results.clear();
@@ -50,8 +53,12 @@ TransformRun::TransformRun(const TransformContext& context, Journal* journal, Ru
 
 void TransformRun::run(std::size_t workers) {
   std::vector<std::future<void>> others;
-  for (std::size_t i = 1; i < workers; ++i) {
-    others.push_back(std::async(std::launch::async, [this] { work(); }));
+  try {
+    for (std::size_t i = 1; i < workers; ++i) {
+      others.push_back(std::async(std::launch::async, [this] { work(); }));
+    }
+  } catch (const std::system_error&) {
+    // The system has no more threads for us: those that are there do the work.
   }
   work();
   for (std::future<void>& other : others) other.get();
@@ -59,7 +66,7 @@ void TransformRun::run(std::size_t workers) {
 
 void TransformRun::work() {
   FrameWork frame_work(context_);
-  while (!platform::interrupted() && !disk_is_full_) {
+  while (!platform::interrupted() && !disk_is_full_ && !reader_is_gone_) {
     const auto task = queue_.next();
     if (!task) return;
     transform(*task, frame_work);
@@ -148,7 +155,7 @@ void TransformRun::write(InputRun& input, const FramePlace& place, FrameWork& wo
   const Publishing publishing = options_.output.existing == Existing::refuse
                                     ? Publishing::as_new
                                     : Publishing::as_replacement;
-  if (options_.output.to_standard_output()) return work.write_to_standard_output(input, place);
+  if (options_.output.to_standard_output()) return write_to_reader(input, place, work);
   work.write(input, place, report, publishing);
   if (!input.frame_done(report.results) || !input.planned().pages) return;
   const auto stacks = input.publish_stacks(publishing);
@@ -156,8 +163,18 @@ void TransformRun::write(InputRun& input, const FramePlace& place, FrameWork& wo
   if (journal_ != nullptr && input.source().identity()) journal_->add(input.journal_entry());
 }
 
+/// What comes behind a result that was not taken to its end would be useless.
+void TransformRun::write_to_reader(InputRun& input, const FramePlace& place, FrameWork& work) {
+  try {
+    work.write_to_standard_output(input, place);
+  } catch (const Fault&) {
+    reader_is_gone_ = true;
+    throw;
+  }
+}
+
 void TransformRun::after_failure(InputRun& input, const FrameWork& work, FrameReport& report) {
-  if (input.frame_failed()) {
+  if (input.frame_failed() && !options_.output.to_standard_output()) {
     report.failure +=
         "; the files that its pages share are not written: --stack none writes the other pages";
   }

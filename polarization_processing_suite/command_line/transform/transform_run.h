@@ -30,6 +30,7 @@ class TransformRun {
   bool read(const FrameTask& task, InputRun& input, FrameWork& work, FramePlace& place,
             FrameReport& report);
   void write(InputRun& input, const FramePlace& place, FrameWork& work, FrameReport& report);
+  void write_to_reader(InputRun& input, const FramePlace& place, FrameWork& work);
   void after_failure(InputRun& input, const FrameWork& work, FrameReport& report);
 
   const TransformContext& context_;
@@ -40,6 +41,7 @@ class TransformRun {
   std::vector<std::shared_ptr<InputRun>> inputs_;
   FrameQueue queue_;
   std::atomic<bool> disk_is_full_ = false;
+  bool reader_is_gone_ = false;  // of standard output, to which only one worker writes
 };
 
 }  // namespace kv::polarization
