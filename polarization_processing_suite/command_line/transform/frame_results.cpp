@@ -55,12 +55,13 @@ void FrameWork::write(InputRun& input, const FramePlace& place, FrameReport& rep
     const std::string provenance = provenance_text(context_, input.planned(), input.source(),
                                                    page_of(place), {&result, 1}, raw_bit_depth_);
     const std::filesystem::path path = names.path_of(input.planned().input, place, result);
-    output.add(path, [this, &result, provenance](PendingFile& file) {
-      write_result(result, file, {.provenance = provenance, .compression = recipe_.compression});
-    });
+    // Before the result: a run that is killed in between leaves none that nobody knows.
     if (!traits_of(result.format).keeps_text) {
       output.add_text(sidecar_of(path), sidecar_text(provenance, shape_of(result)));
     }
+    output.add(path, [this, &result, provenance](PendingFile& file) {
+      write_result(result, file, {.provenance = provenance, .compression = recipe_.compression});
+    });
   }
   for (const Result& result : context_.plan.results()) {
     if (names.is_stacked(result, place.pages)) add_to_stack(input, report.place, result);

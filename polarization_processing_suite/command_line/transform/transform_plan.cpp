@@ -1,8 +1,10 @@
 #include "command_line/transform/transform_plan.h"
 
 #include <algorithm>
+#include <fstream>
 #include <numeric>
 #include <set>
+#include <string_view>
 
 #include "command_line/batch/provenance_record.h"
 #include "command_line/options/common_options.h"
@@ -14,10 +16,20 @@
 namespace kv::polarization {
 namespace {
 
+constexpr std::string_view kOwnProvenance = "{\"software\":\"kv-polarize ";
+
 /// Whether a file tells of itself that this program made it.
 bool is_own_result(const std::filesystem::path& file) {
   const auto provenance = provenance_of(file);
-  return provenance && provenance->starts_with("{\"software\":\"kv-polarize ");
+  return provenance && provenance->starts_with(kOwnProvenance);
+}
+
+/// The same of the file beside a result.
+bool is_own_sidecar(const std::filesystem::path& file) {
+  std::string start(kOwnProvenance.size(), '\0');
+  std::ifstream(file, std::ios::binary)
+      .read(start.data(), static_cast<std::streamsize>(start.size()));
+  return start == kOwnProvenance;
 }
 
 InputList inputs_of(const TransformOptions& options, const Journal& journal) {
@@ -98,7 +110,9 @@ void TransformPlan::for_each_name_of(std::size_t input, Visit visit) const {
     const bool stacked = names_.is_stacked(result, planned.pages);
     if (stacked && !stacks.insert(names_.plane_of(result, planned.pages)).second) continue;
     for (const std::size_t page : planned.wanted) {
-      visit(names_.name_of(planned.input, {input, page, planned.pages}, result));
+      const auto name = names_.name_of(planned.input, {input, page, planned.pages}, result);
+      visit(name);
+      if (!traits_of(result.format).keeps_text) visit(sidecar_of(name));
       if (stacked) break;
     }
   }
@@ -129,7 +143,10 @@ void TransformPlan::check_results(const OutputOptions& options, const Journal& j
     if (!std::filesystem::exists(std::filesystem::symlink_status(path))) return;
     // What a killed run has left is its own.
     const bool resumes = options.existing == Existing::resume;
-    if (resumes && (journal.has_result(json_text(name)) || is_own_result(path))) return;
+    if (resumes &&
+        (journal.has_result(json_text(name)) || is_own_result(path) || is_own_sidecar(path))) {
+      return;
+    }
     if (there++ == 0) first = path;
   });
   if (there == 0) return;
