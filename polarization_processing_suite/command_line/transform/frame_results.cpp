@@ -97,18 +97,34 @@ ImageShape FrameWork::shape_of(const Result& result) const {
   return {source_->width, source_->height, 1, bytes};
 }
 
+std::uint64_t FrameWork::most_bytes_of(const Result& result) const {
+  const std::uint64_t pixels = source_->samples.size();
+  const std::uint64_t bytes = result.kind == ImageKind::floats    ? 8 * pixels
+                              : result.kind == ImageKind::picture ? 4 * pixels + kMostOfLegends
+                                                                  : 2 * pixels;
+  // Incompressible samples grow by five bytes in 32 kilobytes.
+  return bytes + bytes / 4096 + kMostOfHeaders;
+}
+
 std::vector<JournalFile> FrameWork::estimate(const PlannedInput& planned,
                                              const FramePlace& place) const {
-  const std::uint64_t pixels = source_->samples.size();
   const ResultNames& names = context_.plan.names();
   std::vector<JournalFile> files;
   for (const Result& result : context_.plan.results()) {
-    const std::uint64_t bytes = result.kind == ImageKind::floats    ? 8 * pixels
-                                : result.kind == ImageKind::picture ? 4 * pixels + kMostOfLegends
-                                                                    : 2 * pixels;
-    // Incompressible samples grow by five bytes in 32 kilobytes.
-    files.push_back({json_text(names.name_of(planned.input, place, result)),
-                     bytes + bytes / 4096 + kMostOfHeaders});
+    const bool stacked = names.is_stacked(result, place.pages);
+    if (stacked && place.page != planned.wanted.front()) continue;
+    const std::filesystem::path name = names.name_of(planned.input, place, result);
+    const std::uint64_t bytes =
+        most_bytes_of(result) * (stacked ? planned.wanted.size() : std::size_t{1});
+    const auto same = std::ranges::find(files, json_text(name), &JournalFile::name);
+    if (same != files.end()) {
+      same->size += bytes;
+      continue;
+    }
+    files.push_back({json_text(name), bytes});
+    if (!traits_of(result.format).keeps_text) {
+      files.push_back({json_text(sidecar_of(name)), kMostOfHeaders});
+    }
   }
   return files;
 }

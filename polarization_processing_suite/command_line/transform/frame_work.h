@@ -32,7 +32,8 @@ class FrameWork {
   /// Writes its only result to standard output. Throws Fault.
   void write_to_standard_output(InputRun& input, const FramePlace& place);
 
-  /// What the results would be, with sizes that they do not exceed.
+  /// What the results would be, with sizes that they do not exceed. A file that pages share is told
+  /// with the first of them.
   std::vector<JournalFile> estimate(const PlannedInput& planned, const FramePlace& place) const;
 
  private:
@@ -47,6 +48,7 @@ class FrameWork {
   void write_result(const Result& result, PendingFile& file, const WriteOptions& options) const;
   void add_to_stack(InputRun& input, std::size_t frame, const Result& result);
   ImageShape shape_of(const Result& result) const;
+  std::uint64_t most_bytes_of(const Result& result) const;
 
   const TransformContext& context_;
   const Recipe& recipe_;
