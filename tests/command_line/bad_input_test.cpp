@@ -172,14 +172,12 @@ TEST(BadInput, FramesLargerThanTheMemoryAreReported) {
                  "kv-polarize: there is no memory for");
 }
 
-// The first frame's results show that the tool is at work, and 400 frames last for seconds. The
-// file that is missing would be reported if it were looked at.
+// The first frame's results show that the tool is at work, and 400 frames last for seconds.
 TEST(Interrupt, FinishesTheFramesAtHandAndLeavesTheRest) {
   const Tool tool;
   tool.write("stack.raw", std::string(std::size_t{400} * 64 * 48, 'x'));
   const ToolResult result = tool.run(
-      "transform stack.raw missing.raw -o out --width 64 --height 48 --raw-bits 8 --planes dolp",
-      "",
+      "transform stack.raw -o out --width 64 --height 48 --raw-bits 8 --planes dolp", "",
       " & for i in $(seq 1000); do ls out/stack_001_* && break; sleep 0.01; done >log 2>&1;"
       " kill -INT $!; wait $!");
   EXPECT_EQ(result.status, 130);
