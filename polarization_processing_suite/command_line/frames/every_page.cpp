@@ -8,6 +8,7 @@
 
 #include "command_line/exit_status.h"
 #include "command_line/messages.h"
+#include "command_line/path_text.h"
 #include "kv/polarization/fault.h"
 #include "platform/process.h"
 #include "toolkit/api/worker_pool.h"
@@ -47,7 +48,7 @@ class PageQueue {
         reader = open_frames_of_user(files_[next_.file], settings_.raw_shape);
         next_.pages = reader->count();
       };
-      if (attempt(files_[next_.file].string(), open)) break;
+      if (attempt(text_of(files_[next_.file]), open)) break;
       ++failures_;
       next_ = {.file = next_.file + 1};
     }
@@ -75,7 +76,7 @@ int PageCounts::exit_status() const {
 }
 
 std::string name_of(const std::filesystem::path& file, const PagePlace& place) {
-  return file.string() + (place.pages > 1 ? ", page " + std::to_string(place.page + 1) : "");
+  return text_of(file) + (place.pages > 1 ? ", page " + std::to_string(place.page + 1) : "");
 }
 
 void read_page(FrameReader& reader, std::size_t page, const FrameSettings& settings,

@@ -15,7 +15,9 @@ struct PagePlace {
   std::size_t page = 0;   ///< from 0 up
   std::size_t pages = 1;  ///< of the file
 
-  auto operator<=>(const PagePlace&) const = default;
+  bool operator<(const PagePlace& other) const {
+    return file != other.file ? file < other.file : page < other.page;
+  }
 };
 
 /// The file, and the page where there are several.

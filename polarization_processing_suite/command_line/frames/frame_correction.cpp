@@ -41,7 +41,13 @@ FrameCorrection::FrameCorrection(const FrameSettings& settings,
 
 KnownFrame FrameCorrection::of(const Frame& raw) {
   if (!calibration_) return {raw, at_its_own_origin(settings_.mosaic), settings_.samples};
-  return corrected(raw, settings_.mosaic_given ? settings_.mosaic : calibration_->mosaic);
+  Mosaic mosaic = calibration_->mosaic;
+  if (settings_.phase_given) mosaic.phase = settings_.mosaic.phase;
+  if (settings_.origin_given) {
+    mosaic.x_origin = settings_.mosaic.x_origin;
+    mosaic.y_origin = settings_.mosaic.y_origin;
+  }
+  return corrected(raw, mosaic);
 }
 
 KnownFrame FrameCorrection::corrected(const Frame& raw, const Mosaic& mosaic) {

@@ -18,7 +18,8 @@ SensorNoise noise_of(const std::string& text) {
 
 }  // namespace
 
-FrameOptions::FrameOptions(OptionList& options) : mosaic_(options), raw_shape_(options) {
+FrameOptions::FrameOptions(OptionList& options)
+    : options_(options), mosaic_(options), raw_shape_(options) {
   add_bit_depth(options, bit_depth_);
   options.add({.names = "--calibration",
                .value = "FILE",
@@ -59,7 +60,8 @@ FrameSettings FrameOptions::value() const {
         "--clip-level and --sensor-noise");
   }
   return {.mosaic = mosaic_.value(),
-          .mosaic_given = mosaic_.given(),
+          .phase_given = options_.given("phase"),
+          .origin_given = options_.given("origin"),
           .raw_shape = raw_shape_.value(),
           .bit_depth = bit_depth_,
           .calibration = calibration_,

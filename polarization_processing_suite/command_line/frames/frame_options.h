@@ -13,7 +13,8 @@ namespace kv::polarization {
 /// How the frames of a command line are read, and how their samples are to be understood.
 struct FrameSettings {
   Mosaic mosaic{};
-  bool mosaic_given = false;  ///< else a calibration tells it
+  bool phase_given = false;   ///< else a calibration tells it
+  bool origin_given = false;  ///< likewise
   std::optional<RawShape> raw_shape{};
   std::optional<int> bit_depth{};  ///< instead of the files' own
   std::optional<std::filesystem::path> calibration{};
@@ -29,6 +30,7 @@ class FrameOptions {
   FrameSettings value() const;
 
  private:
+  const OptionList& options_;
   MosaicOptions mosaic_;
   RawShapeOptions raw_shape_;
   std::optional<int> bit_depth_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <system_error>
 
+#include "command_line/path_text.h"
 #include "kv/polarization/fault.h"
 
 namespace kv::polarization {
@@ -15,7 +16,7 @@ void check_is_no_input(const std::filesystem::path& output,
   });
   if (is_input) {
     throw Fault(FaultKind::argument,
-                output.string() + " is an input, which would be replaced; name another output");
+                text_of(output) + " is an input, which would be replaced; name another output");
   }
 }
 

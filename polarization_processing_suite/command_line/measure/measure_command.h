@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "command_line/frames/frame_options.h"
@@ -11,7 +12,9 @@
 namespace kv::polarization {
 
 struct MeasureOptions {
-  std::vector<std::filesystem::path> files;
+  std::vector<std::string> words;  ///< for the files of frames, as list_inputs() takes them
+  bool recursive = false;
+  std::vector<std::string> skip;
   std::vector<NamedRegion> regions;  ///< none for whole frames
   std::optional<std::filesystem::path> region_file;
   FrameSettings settings;

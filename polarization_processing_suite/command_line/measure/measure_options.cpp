@@ -31,9 +31,9 @@ CommandPage measure_page() {
           "free of that on average.\n"
           "\n"
           "A bad frame is reported, and the others are still measured.",
-      .examples = {"kv-polarize measure night/*.tiff --region sky=100,80,64,64 --region "
+      .examples = {"kv-polarize measure night --region sky=100,80,64,64 --region "
                    "sea=100,900,64,64",
-                   "kv-polarize measure night/*.tiff --regions places.csv --calibration "
+                   "kv-polarize measure night --regions places.csv --calibration "
                    "camera.json -o night.csv",
                    "kv-polarize measure frame.png --phase 90 --sensor-noise 0.39,2.5 --as json"}};
 }
@@ -41,12 +41,26 @@ CommandPage measure_page() {
 class MeasureCommand : public Command {
  public:
   explicit MeasureCommand(CLI::App& app) : Command(app, measure_page()) {
-    options().add_arguments({.names = "FRAME",
-                             .value = "FILE",
-                             .summary = "Raw mosaic frames",
-                             .required = true,
-                             .completion = Completion::file},
-                            files_, 1, 1 << 30);
+    options().add_arguments(
+        {.names = "FRAME",
+         .value = "FILE",
+         .summary = "Raw mosaic frames: files, folders, patterns, @LIST",
+         .details = "As the command transform takes them, but for standard input. All pages of "
+                    "files of several frames are measured.",
+         .required = true,
+         .completion = Completion::file},
+        options_.words, 1, 1 << 30);
+    options().add_flag(
+        {.names = "-r,--recursive", .summary = "Take the folders within folders, too"},
+        options_.recursive);
+    options().add(
+        {.names = "--skip",
+         .value = "PATTERN",
+         .summary = "Leave out inputs of that name, such as '*_dark*'",
+         .details = "Held against the name and the whole path of each file. It may be "
+                    "given several times."},
+        [this](const std::string& pattern) { options_.skip.push_back(pattern); },
+        [this] { options_.skip.clear(); });
     options().add_flag(
         {.names = "--rescue",
          .summary = "Rebuild the only clipped sample of a cell from its other three",
@@ -58,7 +72,6 @@ class MeasureCommand : public Command {
   }
 
   int run() override {
-    options_.files.assign(files_.begin(), files_.end());
     options_.settings = frames_.value();
     options_.settings.samples.rescue = rescue_;
     if (output_ != "-") options_.output = output_;
@@ -117,7 +130,6 @@ class MeasureCommand : public Command {
 
   FrameOptions frames_{options()};
   MeasureOptions options_;
-  std::vector<std::string> files_;
   std::optional<MeasurementForm> form_;
   std::filesystem::path output_ = "-";
   bool rescue_ = false;

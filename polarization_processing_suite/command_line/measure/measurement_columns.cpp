@@ -1,12 +1,9 @@
 #include "command_line/measure/measurement_columns.h"
 
+#include "command_line/path_text.h"
+
 namespace kv::polarization {
 namespace {
-
-std::string text_of(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
 
 template <std::size_t RegionStatistics::*member>
 ColumnValue count_of(const Measurement& measurement) {
@@ -24,16 +21,13 @@ ColumnValue side_of(const Measurement& measurement) {
 }
 
 template <double RegionStatistics::*member>
-MeasurementColumn value_column(std::string name, std::string heading, Quantity quantity) {
-  return {.name = std::move(name),
-          .heading = std::move(heading),
-          .quantity = quantity,
-          .value = number_of<member>};
+MeasurementColumn value_column(const char* name, const char* heading, Quantity quantity) {
+  return {.name = name, .heading = heading, .quantity = quantity, .value = number_of<member>};
 }
 
 template <double RegionStatistics::*member>
-MeasurementColumn error_column(std::string name, Quantity quantity) {
-  return {.name = std::move(name),
+MeasurementColumn error_column(const char* name, Quantity quantity) {
+  return {.name = name,
           .heading = "error",
           .in_table = InTable::if_told,
           .quantity = quantity,
@@ -42,17 +36,13 @@ MeasurementColumn error_column(std::string name, Quantity quantity) {
 }
 
 template <std::size_t RegionStatistics::*member>
-MeasurementColumn count_column(std::string name, std::string heading, InTable in_table) {
-  return {.name = std::move(name),
-          .heading = std::move(heading),
-          .in_table = in_table,
-          .value = count_of<member>};
+MeasurementColumn count_column(const char* name, const char* heading, InTable in_table) {
+  return {.name = name, .heading = heading, .in_table = in_table, .value = count_of<member>};
 }
 
 template <int Rectangle::*member>
-MeasurementColumn side_column(std::string name) {
-  return {
-      .name = std::move(name), .heading = {}, .in_table = InTable::never, .value = side_of<member>};
+MeasurementColumn side_column(const char* name) {
+  return {.name = name, .heading = {}, .in_table = InTable::never, .value = side_of<member>};
 }
 
 std::vector<MeasurementColumn> make_columns() {

@@ -4,8 +4,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <nlohmann/json.hpp>
 
+#include "command_line/json_output.h"
 #include "command_line/measure/measurement_columns.h"
 #include "command_line/measure/measurement_table.h"
 
@@ -51,7 +51,6 @@ std::string csv_of(const std::vector<Measurement>& measurements) {
 }
 
 std::string json_of(const std::vector<Measurement>& measurements) {
-  using Json = nlohmann::ordered_json;
   Json list = Json::array();
   for (const Measurement& measurement : measurements) {
     Json& object = list.emplace_back(Json::object());
@@ -65,8 +64,7 @@ std::string json_of(const std::vector<Measurement>& measurements) {
       {"software", "kv-polarize " KV_VERSION},
       {"units", {{"s0", "counts"}, {"s1", "counts"}, {"s2", "counts"}, {"angle", "degrees"}}},
       {"measurements", std::move(list)}};
-  // File names need not be UTF-8.
-  return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return text_of(document);
 }
 
 }  // namespace

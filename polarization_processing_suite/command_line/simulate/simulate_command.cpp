@@ -48,12 +48,14 @@ int simulate_stack(const SimulateOptions& options) {
 
 int simulate_night(const SimulateOptions& options) {
   const std::size_t frames = write_night(options);
-  const std::string files =
-      (options.file / ("*" + std::string(ending_of(options.format)))).string();
+  if (frames == 0) return exit_interrupted;
+  const std::filesystem::path files =
+      options.in_one_file ? options.file
+                          : options.file / ("*" + std::string(ending_of(options.format)));
   std::cout << frames << (frames == 1 ? " frame" : " frames") << frame_text(options) << " with "
             << options.camera.bit_depth << " bits in " << printable(options.file)
             << "; next: kv-polarize transform "
-            << transform_arguments(options, files, options.format) << std::endl;
+            << transform_arguments(options, files.string(), options.format) << std::endl;
   return platform::interrupted() ? exit_interrupted : exit_success;
 }
 

@@ -26,6 +26,7 @@ struct SimulateOptions {
   bool calibration_stack = false;
   std::optional<std::size_t> frames{};            ///< none for a single one
   ImageFormat format = depth_recording_format();  ///< of several frames
+  bool in_one_file = false;                       ///< several frames, in that of `file`
 };
 
 /// Writes a frame of the synthetic scene, several ones, or a stack to calibrate the sensor with.

@@ -69,6 +69,7 @@ class SimulateCommand : public Command {
     }
     options_.camera.phase = phase_at(options_.phase_degrees).value();
     if (options_.calibration_stack && !options_.scatter) options_.scatter = 1;
+    if (options_.frames) choose_file_or_folder();
     return run_simulate(options_);
   }
 
@@ -94,19 +95,34 @@ class SimulateCommand : public Command {
                        options_.camera.noise);
   }
 
+  /// Several frames go into one file when -o has the ending of a format, and is no folder.
+  void choose_file_or_folder() {
+    const std::string ending = options_.file.extension().string();
+    const auto format = ending.empty() ? std::nullopt : format_named(ending);
+    options_.in_one_file = format && !std::filesystem::is_directory(options_.file);
+    if (!options_.in_one_file) return;
+    if (options().given("format")) {
+      throw UsageError("--format is of frames in a folder; the ending of -o decides on that of " +
+                       options_.file.string());
+    }
+    options_.format = *format;
+  }
+
   void add_frames() {
     options().add({.names = "--frames",
                    .value = "N",
-                   .summary = "Write so many frames of the scene in the folder of -o",
-                   .details = "frame_0001.tiff and so on, with as many digits as the last one has. "
-                              "They differ in their noise: each has the seed that follows the "
-                              "one before, so that the first is what a single frame would be.",
+                   .summary = "Write so many frames of the scene, into one file or a folder",
+                   .details = "Where -o ends like a format that takes several frames, they become "
+                              "the pages of that file; else it is a folder, which is made if "
+                              "missing, for frame_0001.tiff and so on. They differ in their noise: "
+                              "each has the seed that follows the one before, so that the first is "
+                              "what a single frame would be.",
                    .initial = "a single one, in the file of -o"},
                   whole_number_into(options_.frames, 1, 99'999'999),
                   [this] { options_.frames.reset(); });
     options().add({.names = "--format",
                    .value = "NAME",
-                   .summary = "File format of the frames of --frames",
+                   .summary = "File format of the frames of --frames in a folder",
                    .choices = writable_formats(),
                    .initial = std::string(traits_of(options_.format).name)},
                   [this](const std::string& name) {

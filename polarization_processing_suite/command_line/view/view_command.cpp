@@ -7,6 +7,7 @@
 #include "command_line/frames/every_page.h"
 #include "command_line/frames/output_check.h"
 #include "command_line/messages.h"
+#include "command_line/path_text.h"
 #include "kv/image_files/image_writer.h"
 #include "kv/polarization/fault.h"
 
@@ -19,7 +20,7 @@ ImageFormat format_of_output(const ViewOptions& options) {
   if (options.settings.calibration) inputs.push_back(*options.settings.calibration);
   check_is_no_input(options.output, inputs);
   if (!options.overwrite && std::filesystem::exists(options.output)) {
-    throw Fault(FaultKind::argument, options.output.string() +
+    throw Fault(FaultKind::argument, text_of(options.output) +
                                          " is there already; name another output, or replace it "
                                          "by --overwrite");
   }
@@ -27,7 +28,7 @@ ImageFormat format_of_output(const ViewOptions& options) {
 }
 
 std::string title_of(const ViewOptions& options, std::size_t pages, const Frame& frame) {
-  std::string title = options.file.filename().string();
+  std::string title = text_of(options.file.filename());
   if (pages > 1) {
     title += ", page " + std::to_string(options.page) + " of " + std::to_string(pages);
   }
@@ -70,12 +71,12 @@ int run_view(const ViewOptions& options) {
     try {
       return sheet_of_file(options, calibration);
     } catch (const Fault& fault) {
-      throw Fault(fault.kind(), options.file.string() + ": " + fault.what());
+      throw Fault(fault.kind(), text_of(options.file) + ": " + fault.what());
     }
   }();
   write_image(file, format, sheet.picture, {.title = sheet.layout.title});
   file.close();
-  file.publish();
+  options.overwrite ? file.publish() : file.publish_new();
   std::cout << "sheet of " << sheet.picture.width << " x " << sheet.picture.height << " pixels in "
             << printable(options.output) << scale_text(sheet.layout) << std::endl;
   return exit_success;

@@ -17,7 +17,8 @@ CommandPage view_page() {
           "\n"
           "Quality flags name pixels not to believe, with their share of all pixels: clipped ones, "
           "those more polarized than light can be, those without light, and with a calibration bad "
-          "pixels and clipped ones that were rebuilt. Once the noise is known, by a calibration "
+          "pixels and those that were rebuilt from their cell's other three. Once the noise is "
+          "known, by a calibration "
           "or --sensor-noise, also those whose DoLP is less than 3 of its standard deviations. A "
           "reduced picture shows a flag of any pixel, so that single ones are seen.",
       .examples = {"kv-polarize view frame.png -o sheet.png --phase 90",
@@ -27,12 +28,12 @@ CommandPage view_page() {
 class ViewCommand : public Command {
  public:
   explicit ViewCommand(CLI::App& app) : Command(app, view_page()) {
-    options().add_arguments({.names = "FRAME",
-                             .value = "FILE",
-                             .summary = "Raw mosaic frame",
-                             .required = true,
-                             .completion = Completion::file},
-                            files_, 1, 1);
+    options().add_argument({.names = "FRAME",
+                            .value = "FILE",
+                            .summary = "Raw mosaic frame",
+                            .required = true,
+                            .completion = Completion::file},
+                           path_into(options_.file));
     options().add({.names = "-o,--output",
                    .value = "SHEET",
                    .summary = "The picture to write, whose ending decides on the format",
@@ -50,10 +51,10 @@ class ViewCommand : public Command {
                   whole_number_into(options_.page, 1, 1LL << 40));
     options().add({.names = "--sheet-width",
                    .value = "PIXELS",
-                   .summary = "How wide the sheet may be, 480 to 16384",
-                   .details = "The legends of three pictures alone take some 400 pixels.",
+                   .summary = "How wide the sheet may be, 960 to 16384",
+                   .details = "The titles of three pictures alone take some 900 pixels.",
                    .initial = "1600"},
-                  whole_number_into(options_.sheet.width, 480, 16384));
+                  whole_number_into(options_.sheet.width, 960, 16384));
     options().add(
         {.names = "--dolp-white",
          .value = "N",
@@ -65,7 +66,6 @@ class ViewCommand : public Command {
   }
 
   int run() override {
-    options_.file = files_.front();
     options_.settings = frames_.value();
     return run_view(options_);
   }
@@ -73,7 +73,6 @@ class ViewCommand : public Command {
  private:
   FrameOptions frames_{options()};
   ViewOptions options_;
-  std::vector<std::string> files_;
 };
 
 }  // namespace

@@ -105,10 +105,13 @@ Picture ContactSheet::picture() const {
     largest.width = std::max(largest.width, entry.picture.width);
     largest.height = std::max(largest.height, entry.picture.height);
   }
-  const int scale = largest.width >= kWidthForLargeTitles ? 2 : 1;
+  int title_width = 0;
   for (const Entry& entry : entries_) {
-    largest.width = std::max(largest.width, text_width(entry.title, scale));
+    title_width = std::max(title_width, text_width(entry.title, 1));
   }
+  const bool has_room = largest.width >= std::max(kWidthForLargeTitles, 2 * title_width);
+  const int scale = has_room ? 2 : 1;
+  largest.width = std::max(largest.width, scale * title_width);
   const int title_height = (kGlyphHeight + 3) * scale;
   const int column_width = largest.width + kSpace;
   const int row_height = title_height + largest.height + kSpace;

@@ -16,7 +16,8 @@ struct SheetLayout {
 };
 
 /// The layout with which a sheet of pictures of that size is as wide as can be, up to that number
-/// of pixels: reduced where they must be, else enlarged. Legends alone may make it wider.
+/// of pixels: reduced where they must be, else enlarged. Legends and titles alone may make it
+/// wider.
 SheetLayout layout_within(int sheet_width, int picture_width, int picture_height);
 
 /// Pictures of a frame side by side, three in a row, each under its title and beside its legend.
