@@ -1,5 +1,6 @@
 #include "command_line/batch/journal.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <optional>
@@ -53,11 +54,25 @@ void Journal::read() {
   std::ifstream stream(folder_ / kJournalName, std::ios::binary);
   for (std::string line; std::getline(stream, line);) {
     ends_within_line_ = stream.eof();
-    if (auto entry = entry_of(line)) {
-      for (const JournalFile& file : entry->results) results_.insert(file.name);
-      entries_[entry->input] = std::move(*entry);
-    }
+    if (auto entry = entry_of(line)) take(std::move(*entry));
   }
+}
+
+void Journal::take(JournalEntry entry) {
+  JournalEntry& taken = entries_[entry.input];
+  taken = std::move(entry);
+  for (const JournalFile& file : taken.results) {
+    JournalEntry*& owner = owners_[file.name];
+    if (owner != nullptr && taken.recipe.empty()) continue;
+    if (owner != nullptr && owner != &taken) owner->recipe.clear();
+    owner = &taken;
+  }
+}
+
+std::string Journal::owner_of(const std::string& name) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = owners_.find(name);
+  return found == owners_.end() ? "" : found->second->input;
 }
 
 bool Journal::is_done(const std::string& input, const ContentIdentity& identity,
@@ -82,8 +97,23 @@ std::size_t Journal::frames_of(const std::string& input) const {
   return found == entries_.end() ? 0 : found->second.frames;
 }
 
+void Journal::release(const std::vector<std::string>& names) {
+  const std::lock_guard lock(mutex_);
+  for (const std::string& name : names) {
+    const auto found = owners_.find(name);
+    if (found == owners_.end() || found->second->recipe.empty()) continue;
+    found->second->recipe.clear();
+    append(*found->second);
+  }
+}
+
 void Journal::add(const JournalEntry& entry) {
   const std::lock_guard lock(mutex_);
+  append(entry);
+  take(entry);
+}
+
+void Journal::append(const JournalEntry& entry) {
   const std::string line =
       (std::exchange(ends_within_line_, false) ? "\n" : "") + journal_line(entry);
   // Opened for each line: another process may have tidied the journal meanwhile.
@@ -95,11 +125,16 @@ void Journal::add(const JournalEntry& entry) {
                                      " cannot be written; the results are complete, but a later "
                                      "run will make them again");
   }
-  entries_[entry.input] = entry;
+}
+
+bool Journal::owns_any(const JournalEntry& entry) const {
+  return std::ranges::any_of(
+      entry.results, [&](const JournalFile& result) { return owners_.at(result.name) == &entry; });
 }
 
 void Journal::tidy() {
   entries_.clear();
+  owners_.clear();
   read();
   if (entries_.empty()) {
     std::error_code ignored;
@@ -108,6 +143,7 @@ void Journal::tidy() {
   }
   PendingFile file(folder_ / kJournalName);
   for (const auto& [input, entry] : entries_) {
+    if (!owns_any(entry)) continue;
     const std::string line = journal_line(entry);
     file.write(line.data(), line.size());
   }

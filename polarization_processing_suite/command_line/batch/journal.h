@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <map>
 #include <mutex>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -24,14 +23,16 @@ struct JournalFile {
 struct JournalEntry {
   std::string input;
   ContentIdentity identity;
-  std::string recipe;  ///< hash of all else that decides on the results' bytes
+  std::string recipe;  ///< hash of all else that decides on the results' bytes; empty when they are
+                       ///< no longer its own, or not all of them
   std::size_t frames = 0;
   std::vector<JournalFile> results;
 };
 
 /// What was done in a folder of results, a line of JSON for each input. A line is added when all
 /// results of an input have their names, so that whatever a killed run was about is done again.
-/// Several processes may add lines to one journal.
+/// A file is the result of the last input that took it. Several processes may add lines to one
+/// journal.
 class Journal {
  public:
   /// Reads what is there. A torn line, the last one of a run that was killed, counts for nothing.
@@ -42,9 +43,16 @@ class Journal {
                const std::string& recipe) const;
 
   /// Whether a run has written that file, by its name relative to the folder.
-  bool has_result(const std::string& name) const { return results_.contains(name); }
+  bool has_result(const std::string& name) const { return owners_.contains(name); }
+
+  /// The input that the file is the result of; empty when no run has written it.
+  std::string owner_of(const std::string& name) const;
 
   std::size_t frames_of(const std::string& input) const;
+
+  /// To be called before those files get a new content, so that nobody takes them for what they
+  /// were, however the run ends. From any thread. Throws Fault of kind file.
+  void release(const std::vector<std::string>& names);
 
   /// Any thread may add entries. Throws Fault of kind file.
   void add(const JournalEntry& entry);
@@ -55,10 +63,13 @@ class Journal {
 
  private:
   void read();
+  void take(JournalEntry entry);
+  void append(const JournalEntry& entry);
+  bool owns_any(const JournalEntry& entry) const;
 
   std::filesystem::path folder_;
   std::map<std::string, JournalEntry> entries_;  ///< by input
-  std::set<std::string> results_;
+  std::map<std::string, JournalEntry*> owners_;  ///< of results
   mutable std::mutex mutex_;
   bool ends_within_line_ = false;
 };

@@ -39,8 +39,8 @@ std::string comma_list(const std::vector<std::string>& words);
 std::string choice_of(const std::string& text, const std::vector<std::string>& choices);
 
 /// The value of an enumeration whose names are listed in its order.
-template <class Value, std::size_t Count>
-Value named_value(const std::string& name, const std::array<const char*, Count>& names) {
+template <class Value, std::size_t count>
+Value named_value(const std::string& name, const std::array<const char*, count>& names) {
   const std::string found = choice_of(name, {names.begin(), names.end()});
   return static_cast<Value>(std::ranges::find(names, found) - names.begin());
 }

@@ -10,6 +10,7 @@
 #include "command_line/options/common_options.h"
 #include "command_line/options/values.h"
 #include "command_line/outputs/collisions.h"
+#include "command_line/path_text.h"
 #include "kv/image_files/provenance.h"
 #include "kv/polarization/fault.h"
 
@@ -44,6 +45,13 @@ InputList inputs_of(const TransformOptions& options, const Journal& journal) {
     return journal.has_result(name) || is_own_result(file);
   };
   return list_inputs(request);
+}
+
+/// Whether an input of an earlier run is here, and is another file than this one.
+bool is_other_input(const std::string& earlier, const Input& input) {
+  if (earlier.empty() || earlier == json_text(input.path)) return false;
+  std::error_code absent;
+  return !std::filesystem::equivalent(path_of(earlier), input.path, absent) && !absent;
 }
 
 std::vector<std::size_t> wanted_pages(std::size_t pages, const std::vector<std::size_t>& chosen) {
@@ -138,11 +146,18 @@ void TransformPlan::check_results(const OutputOptions& options, const Journal& j
   if (options.existing == Existing::overwrite || options.dry_run) return;
   std::size_t there = 0;
   std::filesystem::path first;
-  for_each_name([&](std::size_t, const std::filesystem::path& name) {
+  for_each_name([&](std::size_t input, const std::filesystem::path& name) {
     const std::filesystem::path path = names_.folder() / name;
     if (!std::filesystem::exists(std::filesystem::symlink_status(path))) return;
     // What a killed run has left is its own.
     const bool resumes = options.existing == Existing::resume;
+    const std::string owner = resumes ? journal.owner_of(json_text(name)) : "";
+    if (is_other_input(owner, inputs_[input].input)) {
+      throw Fault(FaultKind::argument, path.string() + " is a result of " + owner +
+                                           ", and would become one of " +
+                                           json_text(inputs_[input].input.path) +
+                                           "; choose another folder, or replace it by --overwrite");
+    }
     if (resumes &&
         (journal.has_result(json_text(name)) || is_own_result(path) || is_own_sidecar(path))) {
       return;
@@ -159,14 +174,18 @@ void TransformPlan::check_results(const OutputOptions& options, const Journal& j
                        : "; --resume does what is missing, --overwrite replaces them"));
 }
 
+std::vector<std::filesystem::path> TransformPlan::results_of_input(std::size_t input) const {
+  std::vector<std::filesystem::path> results;
+  for_each_name_of(input, [&](const std::filesystem::path& name) { results.push_back(name); });
+  return results;
+}
+
 void TransformPlan::check_collisions() const {
   std::vector<Input> inputs;
   for (const PlannedInput& planned : inputs_) inputs.push_back(planned.input);
   NameRegister names(inputs, [this](std::size_t owner) {
-    std::vector<std::filesystem::path> results;
-    for_each_name_of(owner, [&](const std::filesystem::path& name) {
-      results.push_back(names_.folder() / name);
-    });
+    std::vector<std::filesystem::path> results = results_of_input(owner);
+    for (std::filesystem::path& result : results) result = names_.folder() / result;
     return results;
   });
   for_each_name([&](std::size_t input, const std::filesystem::path& name) {

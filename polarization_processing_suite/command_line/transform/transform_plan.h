@@ -35,6 +35,9 @@ class TransformPlan {
   /// Frames; none when a pipe alone knows.
   std::optional<std::size_t> frames() const;
 
+  /// The results of an input, by their names relative to the folder of results; none of a pipe.
+  std::vector<std::filesystem::path> results_of_input(std::size_t input) const;
+
   /// The folders that results go to.
   std::vector<std::filesystem::path> folders() const;
 

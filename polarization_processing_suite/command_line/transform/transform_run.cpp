@@ -93,12 +93,21 @@ std::shared_ptr<FrameSource> TransformRun::open(std::size_t number) {
     report.outcome = FrameReport::Outcome::failed;
   } else if (opened && is_done(planned, *source)) {
     report.outcome = FrameReport::Outcome::skipped;
-  } else if (opened) {
+  } else if (opened && attempt(report, [&] { release_results(number); })) {
     inputs_[number] = std::make_shared<InputRun>(context_, number, source);
     return source;
   }
   reports_.add(std::move(report));
   return nullptr;
+}
+
+void TransformRun::release_results(std::size_t number) {
+  if (journal_ == nullptr || options_.output.existing == Existing::refuse) return;
+  std::vector<std::string> names;
+  for (const auto& name : context_.plan.results_of_input(number)) {
+    names.push_back(json_text(name));
+  }
+  journal_->release(names);
 }
 
 bool TransformRun::is_done(const PlannedInput& planned, const FrameSource& source) const {

@@ -25,6 +25,10 @@ class TransformRun {
  private:
   void work();
   std::shared_ptr<FrameSource> open(std::size_t number);
+
+  /// What the input's results replace is no longer the results of other inputs.
+  void release_results(std::size_t number);
+
   bool is_done(const PlannedInput& planned, const FrameSource& source) const;
   void transform(const FrameTask& task, FrameWork& work);
   bool read(const FrameTask& task, InputRun& input, FrameWork& work, FramePlace& place,
