@@ -5,6 +5,7 @@
 #include "command_line/compare/compare_report.h"
 #include "command_line/compare/folder_comparison.h"
 #include "command_line/options/values.h"
+#include "command_line/path_text.h"
 #include "kv/polarization/fault.h"
 #include "platform/process.h"
 
@@ -16,7 +17,7 @@ bool is_folder(const std::filesystem::path& path) {
   const auto status = std::filesystem::status(path, failure);
   if (!std::filesystem::exists(status)) {
     throw Fault(FaultKind::file,
-                path.string() + ": there is no such file or folder; check the path");
+                text_of(path) + ": there is no such file or folder; check the path");
   }
   return std::filesystem::is_directory(status);
 }
@@ -24,8 +25,8 @@ bool is_folder(const std::filesystem::path& path) {
 int compare_folders(const CompareOptions& options) {
   const std::vector<FilePair> pairs = pair_files(options.left, options.right);
   if (pairs.empty()) {
-    throw Fault(FaultKind::file, "there are no files in " + options.left.string() + " and " +
-                                     options.right.string() + "; check the paths");
+    throw Fault(FaultKind::file, "there are no files in " + text_of(options.left) + " and " +
+                                     text_of(options.right) + "; check the paths");
   }
   CompareReport report(options);
   for (const FilePair& pair : pairs) {
@@ -47,7 +48,7 @@ int run_compare(const CompareOptions& options) {
   if (left_is_folder != is_folder(options.right)) {
     const auto& [folder, file] = left_is_folder ? std::tie(options.left, options.right)
                                                 : std::tie(options.right, options.left);
-    throw UsageError(folder.string() + " is a folder, " + file.string() +
+    throw UsageError(text_of(folder) + " is a folder, " + text_of(file) +
                      " is a file; name two of a kind");
   }
   if (left_is_folder) return compare_folders(options);

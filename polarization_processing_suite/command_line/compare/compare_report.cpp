@@ -5,6 +5,7 @@
 
 #include "command_line/exit_status.h"
 #include "command_line/messages.h"
+#include "command_line/path_text.h"
 
 namespace kv::polarization {
 namespace {
@@ -54,7 +55,7 @@ void CompareReport::add(const std::filesystem::path& name, const FileComparison&
 
 void CompareReport::add_lone(const FilePair& pair) {
   ++(pair.in_left ? only_left_ : only_right_);
-  tell(pair.name, "only in " + (pair.in_left ? options_.left : options_.right).string());
+  tell(pair.name, "only in " + text_of(pair.in_left ? options_.left : options_.right));
   if (!options_.json) return;
   files_.push_back(
       {{"name", json_of(pair.name)}, {"result", pair.in_left ? "only in a" : "only in b"}});

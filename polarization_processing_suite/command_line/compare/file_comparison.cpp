@@ -4,6 +4,7 @@
 #include <fstream>
 #include <vector>
 
+#include "command_line/path_text.h"
 #include "kv/image_files/frame_reader.h"
 #include "kv/polarization/fault.h"
 
@@ -19,7 +20,7 @@ class ByteStream {
     // A pipe has no bytes that stay.
     if (!std::filesystem::is_regular_file(file)) {
       throw Fault(FaultKind::file,
-                  file.string() + ": it is missing, or no regular file; check the path");
+                  text_of(file) + ": it is missing, or no regular file; check the path");
     }
     stream_.open(file, std::ios::binary);
     if (!stream_) fail(file);
@@ -35,7 +36,7 @@ class ByteStream {
  private:
   [[noreturn]] static void fail(const std::filesystem::path& file) {
     throw Fault(FaultKind::file,
-                file.string() + ": the file cannot be read; check its permissions");
+                text_of(file) + ": the file cannot be read; check its permissions");
   }
 
   std::ifstream stream_;
@@ -67,7 +68,7 @@ auto naming(const std::filesystem::path& file, Function function) {
   try {
     return function();
   } catch (const Fault& fault) {
-    throw Fault(fault.kind(), file.string() + ": " + fault.what());
+    throw Fault(fault.kind(), text_of(file) + ": " + fault.what());
   }
 }
 

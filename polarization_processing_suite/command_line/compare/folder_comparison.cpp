@@ -2,22 +2,22 @@
 
 #include <map>
 
+#include "command_line/batch/journal.h"
+#include "command_line/path_text.h"
 #include "kv/polarization/fault.h"
 
 namespace kv::polarization {
 namespace {
 
-constexpr const char* kJournal = "kv-polarize.journal";
-
 std::vector<std::filesystem::path> files_below(const std::filesystem::path& folder) {
   std::vector<std::filesystem::path> files;
   try {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-      if (entry.is_directory() || entry.path().filename() == kJournal) continue;
+      if (entry.is_directory() || entry.path().filename() == kJournalName) continue;
       files.push_back(entry.path().lexically_relative(folder));
     }
   } catch (const std::filesystem::filesystem_error& error) {
-    throw Fault(FaultKind::file, error.path1().string() + ": the folder cannot be read: " +
+    throw Fault(FaultKind::file, text_of(error.path1()) + ": the folder cannot be read: " +
                                      error.code().message() + "; check its permissions");
   }
   return files;
