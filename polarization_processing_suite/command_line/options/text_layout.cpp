@@ -36,7 +36,37 @@ std::string joined(const std::vector<std::string>& lines) {
 bool is_code(std::string_view word) {
   const bool is_option =
       word.starts_with("-") && word.find_first_not_of("-0123456789.,") != std::string_view::npos;
-  return is_option || word.find('_') != std::string_view::npos || word.starts_with("*.");
+  return is_option || word.find_first_of("_{") != std::string_view::npos || word.starts_with("*.");
+}
+
+/// Where code in a word begins and ends; nowhere if the word is none.
+struct CodeRange {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+};
+
+CodeRange code_in(std::string_view word) {
+  const std::size_t begin = std::min(word.find_first_not_of("(\"`"), word.size());
+  const std::string_view rest = word.substr(begin);
+  if (const std::size_t quote = rest.find('\'', 1); rest.starts_with("'") && quote != rest.npos) {
+    return {begin, begin + quote + 1};
+  }
+  const std::size_t size = rest.find_last_not_of(".,:;)\"'`") + 1;
+  const bool is_marked = begin > 0 && word[begin - 1] == '`';
+  if (size > 0 && (is_marked || is_code(rest.substr(0, size)))) return {begin, begin + size};
+  return {};
+}
+
+/// The word, or its parts behind commas where it has more columns than there is room for.
+std::vector<std::string> breakable(const std::string& word, std::size_t room) {
+  if (columns_of(word) <= room) return {word};
+  std::vector<std::string> parts;
+  for (std::size_t begin = 0; begin < word.size();) {
+    const std::size_t end = std::min(word.find(',', begin), word.size() - 1) + 1;
+    parts.push_back(word.substr(begin, end - begin));
+    begin = end;
+  }
+  return parts;
 }
 
 }  // namespace
@@ -61,15 +91,17 @@ std::string in_capitals(std::string text) {
 std::string wrapped(const std::string& text, std::size_t indent, std::size_t width) {
   std::string lines;
   std::string line;
-  std::size_t columns = 0;
   std::istringstream words(text);
   for (std::string word; words >> word;) {
-    if (!line.empty() && columns + 1 + columns_of(word) > width) {
-      lines += line + "\n";
-      line.clear();
+    std::string gap = " ";
+    for (const std::string& part : breakable(word, width - indent)) {
+      if (!line.empty() && columns_of(line + gap + part) > width) {
+        lines += line + "\n";
+        line.clear();
+      }
+      line += (line.empty() ? std::string(indent, ' ') : gap) + part;
+      gap.clear();
     }
-    line += line.empty() ? std::string(indent, ' ') + word : " " + word;
-    columns = columns_of(line);
   }
   return lines + line + "\n";
 }
@@ -113,20 +145,18 @@ std::vector<TextBlock> blocks_of(const std::string& text) {
 std::vector<TextSpan> spans_of(const std::string& sentence) {
   std::vector<TextSpan> spans;
   const auto add = [&spans](bool code, std::string_view text) {
-    if (text.empty()) return;
-    if (spans.empty() || spans.back().code != code) spans.push_back({code, ""});
-    spans.back().text += text;
+    for (const char letter : text) {
+      if (letter == '`') continue;
+      if (spans.empty() || spans.back().code != code) spans.push_back({code, ""});
+      spans.back().text += letter;
+    }
   };
   for (std::string_view rest = sentence; !rest.empty();) {
     const std::string_view word = rest.substr(0, std::max<std::size_t>(rest.find(' '), 1));
-    const std::size_t begin = std::min(word.find_first_not_of("(\"'`"), word.size());
-    const std::size_t end = std::max(word.find_last_not_of(".,:;)\"'`") + 1, begin);
-    const std::string_view core = word.substr(begin, end - begin);
-    const bool is_marked = begin > 0 && word[begin - 1] == '`';
-    const std::size_t mark = is_marked ? 1 : 0;
-    add(false, word.substr(0, begin - mark));
-    add(is_marked || is_code(core), core);
-    add(false, word.substr(std::min(end + mark, word.size())));
+    const auto [begin, end] = code_in(word);
+    add(false, word.substr(0, begin));
+    add(true, word.substr(begin, end - begin));
+    add(false, word.substr(end));
     rest.remove_prefix(word.size());
   }
   return spans;

@@ -16,7 +16,7 @@ std::size_t columns_of(std::string_view text);
 std::string in_capitals(std::string text);
 
 /// The text's words in lines that reach at most to column `width`, each behind `indent` spaces and
-/// with its end of line. A word that is too long stays whole.
+/// with its end of line. A word that is too long for a line is broken behind its commas.
 std::string wrapped(const std::string& text, std::size_t indent, std::size_t width);
 
 /// A term behind two spaces, and what is told of it, from column `indent` on; on the lines below
@@ -35,8 +35,8 @@ struct TextBlock {
 /// The blocks of a text: paragraphs with empty lines between them, and runs of indented lines.
 std::vector<TextBlock> blocks_of(const std::string& text);
 
-/// A piece of a sentence. Code is what stands in backticks, and words such as --width,
-/// frame_dolp.png and *.tiff.
+/// A piece of a sentence. Code is what stands in backticks or single quotes, and words such as
+/// --width, frame_dolp.png, {page} and *.tiff. Backticks are left out, quotes are not.
 struct TextSpan {
   bool code;
   std::string text;

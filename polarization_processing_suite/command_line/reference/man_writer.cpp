@@ -37,6 +37,9 @@ std::string escaped(std::string_view text) {
       case '\\':
         roff += "\\e";
         break;
+      case ',':
+        roff += ",\\:";  // a place where lines may break
+        break;
       case '-':
         roff += "\\-";
         break;
