@@ -18,6 +18,14 @@ PixelValue value_of(float number) {
 PixelValue value_of(std::uint8_t number) { return {static_cast<double>(number)}; }
 PixelValue value_of(std::uint16_t number) { return {static_cast<double>(number)}; }
 
+bool same_bits(float left, float right) {
+  return std::bit_cast<std::uint32_t>(left) == std::bit_cast<std::uint32_t>(right);
+}
+template <class Integer>
+bool same_bits(Integer left, Integer right) {
+  return left == right;
+}
+
 /// How far apart numbers are: infinitely where one alone is none, or is another infinity.
 double distance(double left, double right) {
   if (left == right || (std::isnan(left) && std::isnan(right))) return 0;
@@ -49,7 +57,7 @@ class RowComparison {
     for (int column = 0; column < width; ++column) {
       bool is_equal = true;
       for (int channel = 0; channel < channels; ++channel, ++left, ++right) {
-        if (std::memcmp(left, right, sizeof(Element)) == 0) continue;
+        if (same_bits(*left, *right)) continue;
         const PixelValue a = value_of(*left);
         const PixelValue b = value_of(*right);
         const double apart = distance(a.number, b.number);

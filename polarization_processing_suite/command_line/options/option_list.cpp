@@ -19,7 +19,7 @@ void take(const std::string& name, const Setter& set, const std::string& text) {
 
 // Callbacks run as the parser meets their options, so that the last one wins among an option and
 // what undoes it.
-void OptionList::add(OptionRecord record, Setter set, std::function<void()> unset) {
+void OptionList::add(OptionRecord record, const Setter& set, const std::function<void()>& unset) {
   const std::string key = key_of(record);
   const std::string name = (is_argument(record) ? "" : "--") + key;
   command_
@@ -48,9 +48,9 @@ void OptionList::add_flag(OptionRecord record, bool& flag) {
   records_.push_back(std::move(record));
 }
 
-void OptionList::add_argument(OptionRecord record, Setter set) {
+void OptionList::add_argument(OptionRecord record, const Setter& set) {
   record.least = record.required ? 1 : 0;
-  add(std::move(record), std::move(set));
+  add(std::move(record), set);
 }
 
 void OptionList::add_arguments(OptionRecord record, std::vector<std::string>& arguments, int least,

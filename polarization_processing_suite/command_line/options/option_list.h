@@ -19,13 +19,13 @@ class OptionList {
   explicit OptionList(CLI::App& command) : command_(command) {}
 
   /// An option with a value. `unset`, if there is one, is what --no-NAME does.
-  void add(OptionRecord record, Setter set, std::function<void()> unset = nullptr);
+  void add(OptionRecord record, const Setter& set, const std::function<void()>& unset = nullptr);
 
   /// Sets a flag; --no-NAME clears it.
   void add_flag(OptionRecord record, bool& flag);
 
   /// One argument without a dash, which may be left out unless it is required.
-  void add_argument(OptionRecord record, Setter set);
+  void add_argument(OptionRecord record, const Setter& set);
 
   /// Arguments without a dash, as many as there are between these numbers.
   void add_arguments(OptionRecord record, std::vector<std::string>& arguments, int least, int most);

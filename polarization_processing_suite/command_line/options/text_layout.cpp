@@ -48,7 +48,8 @@ struct CodeRange {
 CodeRange code_in(std::string_view word) {
   const std::size_t begin = std::min(word.find_first_not_of("(\"`"), word.size());
   const std::string_view rest = word.substr(begin);
-  if (const std::size_t quote = rest.find('\'', 1); rest.starts_with("'") && quote != rest.npos) {
+  if (const std::size_t quote = rest.find('\'', 1);
+      rest.starts_with("'") && quote != std::string_view::npos) {
     return {begin, begin + quote + 1};
   }
   const std::size_t size = rest.find_last_not_of(".,:;)\"'`") + 1;

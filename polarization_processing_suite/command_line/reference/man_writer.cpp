@@ -91,7 +91,7 @@ class ManWriter : public PageWriter {
   void begin(const std::string& name, const std::string& summary) override {
     std::string title = name;
     std::ranges::replace(title, ' ', '-');
-    written_ += ".TH \"" + escaped(title) + "\" 1 \"\" \"" + escaped(version_) + "\"\n";
+    written_ += ".TH \"" + escaped(title) + R"(" 1 "" ")" + escaped(version_) + "\"\n";
     // Without hyphens and stretched spaces, which hinder copying and searching.
     written_ += ".nh\n.ad l\n";
     section("Name");

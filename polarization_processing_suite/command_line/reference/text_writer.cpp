@@ -30,6 +30,7 @@ class TextWriter : public PageWriter {
 
   void entry(const std::vector<Term>& terms, const std::string& text) override {
     std::vector<std::string> shown;
+    shown.reserve(terms.size());
     for (const Term& term : terms) {
       shown.push_back(term.word + (term.value.empty() || term.word.empty() ? "" : " ") +
                       term.value);
