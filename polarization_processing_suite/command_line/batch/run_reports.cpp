@@ -6,6 +6,7 @@
 #include "command_line/batch/provenance_record.h"
 #include "command_line/exit_status.h"
 #include "command_line/messages.h"
+#include "command_line/path_text.h"
 #include "kv/polarization/fault.h"
 
 namespace kv::polarization {
@@ -24,6 +25,13 @@ Json json_of(const FrameReport& report) {
     results.push_back({{"file", file.name}, {"size", file.size}});
   }
   return json;
+}
+
+/// As a line of a list that @ reads: some names would be comments, lists or standard input there.
+std::string listed_name(const std::filesystem::path& file) {
+  const std::string name = text_of(file);
+  const bool has_meaning = name == "-" || name.find_first_of(" \t#@") == 0;
+  return (has_meaning ? "./" : "") + name;
 }
 
 }  // namespace
@@ -75,7 +83,13 @@ void RunReports::tell(const FrameReport& report) {
   if (!report.failure.empty()) show(report.name() + ": " + report.failure);
   if (report.outcome == failed && list_ &&
       std::exchange(last_listed_, report.input) != report.input) {
-    listed_ += report.file.string() + "\n";
+    const std::string name = listed_name(report.file);
+    const bool is_line = name.find('\n') == std::string::npos && !name.ends_with('\r');
+    if (is_line) {
+      listed_ += name + "\n";
+    } else {
+      show(report.name() + ": the name has an end of a line, and cannot be listed");
+    }
   }
   if (report.outcome != failed) show_results(report);
 }
