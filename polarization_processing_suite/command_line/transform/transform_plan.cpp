@@ -88,7 +88,11 @@ TransformPlan::TransformPlan(const TransformOptions& options, InputList list)
 
 void TransformPlan::find_pages(PlannedInput& planned, const TransformOptions& options) const {
   if (planned.input.is_standard_input()) {
-    planned.source = std::make_shared<FrameSource>(options.recipe.raw_shape);
+    try {
+      planned.source = std::make_shared<FrameSource>(options.recipe.raw_shape);
+    } catch (const Fault& fault) {
+      throw Fault(fault.kind(), std::string("standard input: ") + fault.what());
+    }
     planned.pages = planned.source->count();
   } else {
     try {
