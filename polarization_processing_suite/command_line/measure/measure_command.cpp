@@ -15,6 +15,7 @@
 #include "command_line/measure/region_list.h"
 #include "command_line/messages.h"
 #include "command_line/options/values.h"
+#include "command_line/outputs/own_results.h"
 #include "kv/image_files/pending_file.h"
 
 namespace kv::polarization {
@@ -101,7 +102,8 @@ std::vector<std::filesystem::path> files_of(const MeasureOptions& options) {
   const InputList list = list_inputs({.words = options.words,
                                       .recursive = options.recursive,
                                       .skip = options.skip,
-                                      .headerless = options.settings.raw_shape.has_value()});
+                                      .headerless = options.settings.raw_shape.has_value(),
+                                      .is_own_result = is_own_result});
   std::vector<std::filesystem::path> files;
   for (const Input& input : list.inputs) {
     if (input.is_standard_input()) {

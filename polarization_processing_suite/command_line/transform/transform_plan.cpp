@@ -1,37 +1,19 @@
 #include "command_line/transform/transform_plan.h"
 
 #include <algorithm>
-#include <fstream>
 #include <numeric>
 #include <set>
-#include <string_view>
 
 #include "command_line/batch/provenance_record.h"
 #include "command_line/options/common_options.h"
 #include "command_line/options/values.h"
 #include "command_line/outputs/collisions.h"
+#include "command_line/outputs/own_results.h"
 #include "command_line/path_text.h"
-#include "kv/image_files/provenance.h"
 #include "kv/polarization/fault.h"
 
 namespace kv::polarization {
 namespace {
-
-constexpr std::string_view kOwnProvenance = "{\"software\":\"kv-polarize ";
-
-/// Whether a file tells of itself that this program made it.
-bool is_own_result(const std::filesystem::path& file) {
-  const auto provenance = provenance_of(file);
-  return provenance && provenance->starts_with(kOwnProvenance);
-}
-
-/// The same of the file beside a result.
-bool is_own_sidecar(const std::filesystem::path& file) {
-  std::string start(kOwnProvenance.size(), '\0');
-  std::ifstream(file, std::ios::binary)
-      .read(start.data(), static_cast<std::streamsize>(start.size()));
-  return start == kOwnProvenance;
-}
 
 InputList inputs_of(const TransformOptions& options, const Journal& journal) {
   InputRequest request{.words = options.input.words,
@@ -50,8 +32,9 @@ InputList inputs_of(const TransformOptions& options, const Journal& journal) {
 /// Whether an input of an earlier run is here, and is another file than this one.
 bool is_other_input(const std::string& earlier, const Input& input) {
   if (earlier.empty() || earlier == json_text(input.path)) return false;
-  std::error_code absent;
-  return !std::filesystem::equivalent(path_of(earlier), input.path, absent) && !absent;
+  std::error_code unknown;
+  return std::filesystem::exists(path_of(earlier), unknown) &&
+         !std::filesystem::equivalent(path_of(earlier), input.path, unknown) && !unknown;
 }
 
 std::vector<std::size_t> wanted_pages(std::size_t pages, const std::vector<std::size_t>& chosen) {
