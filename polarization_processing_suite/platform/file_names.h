@@ -10,10 +10,10 @@ inline constexpr bool kNamesIgnoreCase = true;
 inline constexpr std::string_view kForbiddenInNames = "<>:\"|?*\\";
 #elif defined(__APPLE__)
 inline constexpr bool kNamesIgnoreCase = true;
-inline constexpr std::string_view kForbiddenInNames = "";
+inline constexpr std::string_view kForbiddenInNames;
 #else
 inline constexpr bool kNamesIgnoreCase = false;
-inline constexpr std::string_view kForbiddenInNames = "";
+inline constexpr std::string_view kForbiddenInNames;
 #endif
 
 }  // namespace kv::platform

@@ -1,5 +1,6 @@
 #include "platform/processor_name.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -42,7 +43,7 @@ std::string processor_name() {
     const Registers registers = cpuid(leaf);
     name.append(reinterpret_cast<const char*>(registers.data()), sizeof registers);
   }
-  name = name.c_str();  // without the zeros behind its end
+  name.resize(std::min(name.find('\0'), name.size()));
   const std::size_t first = name.find_first_not_of(' ');
   if (first == std::string::npos) return "";
   return name.substr(first, name.find_last_not_of(' ') - first + 1);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "command_line/batch/provenance_record.h"
+#include "command_line/path_text.h"
 #include "kv/image_files/pending_file.h"
 #include "kv/polarization/fault.h"
 
@@ -40,10 +41,6 @@ std::optional<JournalEntry> entry_of(const std::string& line) {
   } catch (const Json::exception&) {
     return std::nullopt;
   }
-}
-
-std::filesystem::path path_of(const std::string& name) {
-  return {std::u8string(name.begin(), name.end())};
 }
 
 }  // namespace
@@ -89,12 +86,6 @@ bool Journal::is_done(const std::string& input, const ContentIdentity& identity,
     }
   }
   return true;
-}
-
-std::size_t Journal::frames_of(const std::string& input) const {
-  const std::lock_guard lock(mutex_);
-  const auto found = entries_.find(input);
-  return found == entries_.end() ? 0 : found->second.frames;
 }
 
 void Journal::release(const std::vector<std::string>& names) {

@@ -48,8 +48,6 @@ class Journal {
   /// The input that the file is the result of; empty when no run has written it.
   std::string owner_of(const std::string& name) const;
 
-  std::size_t frames_of(const std::string& input) const;
-
   /// To be called before those files get a new content, so that nobody takes them for what they
   /// were, however the run ends. From any thread. Throws Fault of kind file.
   void release(const std::vector<std::string>& names);

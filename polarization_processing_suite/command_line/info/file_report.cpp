@@ -48,7 +48,7 @@ class Oddities {
   void tell_bits() {
     const FrameFacts& facts = page_.facts;
     if (facts.greatest == 0) {
-      lines_.push_back("all samples are 0");
+      lines_.emplace_back("all samples are 0");
     } else if (facts.unused_low_bits > 1 &&
                facts.greatest >> facts.unused_low_bits >= kLeastLevels) {
       tell_alignment(facts.unused_low_bits);
@@ -89,7 +89,7 @@ class Oddities {
 
   void tell_cells() {
     if (page_.width % 2 != 0 || page_.height % 2 != 0) {
-      lines_.push_back("a side is odd, while a sensor has whole cells of 2 x 2 pixels");
+      lines_.emplace_back("a side is odd, while a sensor has whole cells of 2 x 2 pixels");
     }
     const double difference = std::abs(page_.facts.diagonal_difference);
     if (difference > kGreatestDiagonalDifference) {

@@ -11,33 +11,39 @@ namespace kv::polarization {
 namespace {
 
 char32_t folded(char32_t character) {
-  const bool is_capital = character >= U'A' && character <= U'Z';
-  return platform::kNamesIgnoreCase && is_capital ? character + (U'a' - U'A') : character;
+  if constexpr (platform::kNamesIgnoreCase) {
+    if (character >= U'A' && character <= U'Z') return character + (U'a' - U'A');
+  }
+  return character;
 }
 
-/// Characters of UTF-8. A byte that belongs to none counts as one, beyond those of Unicode, as file
-/// names may hold anything.
+/// Bytes of a character of UTF-8 that begins with this one; 0 for none.
+std::size_t bytes_of_character(unsigned char first) {
+  if (first < 0x80) return 1;
+  if (first < 0xC2 || first > 0xF4) return 0;
+  return first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+}
+
+/// Takes the first character off the text. A byte that belongs to none counts as one, beyond those
+/// of Unicode, as file names may hold anything.
+char32_t take_character(std::string_view& text) {
+  constexpr char32_t beyond = 0x110000;
+  const auto first = static_cast<unsigned char>(text[0]);
+  const std::size_t size = bytes_of_character(first);
+  char32_t character = size == 1 ? first : first & (0x7FU >> size);
+  bool is_character = size > 0 && size <= text.size();
+  for (std::size_t i = 1; is_character && i < size; ++i) {
+    const auto next = static_cast<unsigned char>(text[i]);
+    is_character = (next & 0xC0) == 0x80;
+    character = character << 6 | (next & 0x3FU);
+  }
+  text.remove_prefix(is_character ? size : 1);
+  return is_character ? folded(character) : beyond + first;
+}
+
 std::u32string characters_of(std::string_view text) {
   std::u32string characters;
-  for (std::size_t i = 0; i < text.size();) {
-    const auto first = static_cast<unsigned char>(text[i]);
-    const std::size_t size = first < 0x80   ? 1
-                             : first < 0xC2 ? 0
-                             : first < 0xE0 ? 2
-                             : first < 0xF0 ? 3
-                             : first < 0xF5 ? 4
-                                            : 0;
-    char32_t character = size == 1 ? first : first & (0x7FU >> size);
-    bool is_character = size > 0 && i + size <= text.size();
-    for (std::size_t k = 1; is_character && k < size; ++k) {
-      const auto next = static_cast<unsigned char>(text[i + k]);
-      is_character = (next & 0xC0) == 0x80;
-      character = character << 6 | (next & 0x3FU);
-    }
-    constexpr char32_t beyond = 0x110000;
-    characters += is_character ? folded(character) : beyond + first;
-    i += is_character ? size : 1;
-  }
+  while (!text.empty()) characters += take_character(text);
   return characters;
 }
 
@@ -88,16 +94,21 @@ NamePattern::NamePattern(std::string_view text) {
     } else if (close == std::u32string::npos) {
       items_.push_back({set, {{character, character}}});
     } else {
-      const bool negated = pattern[i + 1] == U'!' || pattern[i + 1] == U'^';
-      Item item{negated ? other_than_set : set, {}};
-      for (i += negated ? 2 : 1; i < close; ++i) {
-        const bool is_range = i + 2 < close && pattern[i + 1] == U'-';
-        item.ranges.emplace_back(pattern[i], pattern[is_range ? i + 2 : i]);
-        if (is_range) i += 2;
-      }
-      items_.push_back(std::move(item));
+      items_.push_back(set_of(std::u32string_view(pattern).substr(i + 1, close - i - 1)));
+      i = close;
     }
   }
+}
+
+NamePattern::Item NamePattern::set_of(std::u32string_view text) {
+  const bool negated = text[0] == U'!' || text[0] == U'^';
+  Item item{negated ? Item::Kind::other_than_set : Item::Kind::set, {}};
+  for (std::size_t i = negated ? 1 : 0; i < text.size(); ++i) {
+    const bool is_range = i + 2 < text.size() && text[i + 1] == U'-';
+    item.ranges.emplace_back(text[i], text[is_range ? i + 2 : i]);
+    if (is_range) i += 2;
+  }
+  return item;
 }
 
 bool NamePattern::Item::takes(char32_t character) const {

@@ -26,6 +26,10 @@ class NamePattern {
 
     bool takes(char32_t character) const;
   };
+
+  /// Of what stands between brackets.
+  static Item set_of(std::u32string_view text);
+
   std::vector<Item> items_;
 };
 
