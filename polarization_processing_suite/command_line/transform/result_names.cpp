@@ -16,7 +16,9 @@ bool ResultNames::is_stacked(const Result& result, std::optional<std::size_t> pa
 }
 
 std::string ResultNames::plane_of(const Result& result, std::optional<std::size_t> pages) const {
-  const bool shared = stacking_ == Stacking::inputs && result.kind == ImageKind::grey;
+  // The mean has the samples' own depth, and images of a file have one.
+  const bool shared = stacking_ == Stacking::inputs && result.kind == ImageKind::grey &&
+                      std::holds_alternative<Plane>(result.what);
   return shared && is_stacked(result, pages) ? "planes" : result.name;
 }
 
