@@ -180,8 +180,10 @@ TEST(Batch, StandardStreamsTakeAndGiveFrames) {
   const ToolResult piped = night.run("transform - -o - " + plane, "cat in/c.pgm | ");
   EXPECT_EQ(piped.status, 0) << piped.error;
   EXPECT_TRUE(piped.out == expected);
-  EXPECT_PRED2(contains, night.transform("in/c.pgm -o - --format pgm", 2).error, "takes one result");
-  EXPECT_PRED2(contains, night.transform("in -o - --planes dolp --no-pictures", 2).error, "raw, npy and");
+  EXPECT_PRED2(contains, night.transform("in/c.pgm -o - --format pgm", 2).error,
+               "takes one result");
+  EXPECT_PRED2(contains, night.transform("in -o - --planes dolp --no-pictures", 2).error,
+               "raw, npy and");
 }
 
 #if !defined(_WIN32)
@@ -252,9 +254,8 @@ TEST(Batch, EqualRunsWriteEqualBytesInTheOrderOfThePages) {
   night.transform("in/c.pgm -o first --stack none" + kPlane);
   for (std::size_t page = 0; page < 3; ++page) {
     const auto single = night.path("first/c_" + std::to_string(page + 1) + "_dolp.pgm");
-    EXPECT_TRUE(
-        std::ranges::equal(open_frames(night.path("first/c_dolp.pgm"))->read(page).samples,
-                           open_frames(single)->read(0).samples));
+    EXPECT_TRUE(std::ranges::equal(open_frames(night.path("first/c_dolp.pgm"))->read(page).samples,
+                                   open_frames(single)->read(0).samples));
   }
 }
 

@@ -148,7 +148,8 @@ void BlockWriter::describe_code() {
 std::size_t BlockWriter::coded_bits() const {
   std::size_t bits = kHeaderBits + 3 * length_codes_ + extra_bits_;
   for (const std::uint8_t length : described_) bits += length_code_.lengths[length];
-  for (std::size_t i = 0; i < counts_.size(); ++i) bits += counts_[i] * code_.lengths[i];
+  for (std::size_t i = 0; i < counts_.size(); ++i)
+    bits += std::size_t{counts_[i]} * code_.lengths[i];
   return bits;
 }
 

@@ -59,7 +59,7 @@ PngChunk png_chunk_at(ByteSource& source, std::uint64_t position) {
   if (source.read(position, head.data(), kHead) != kHead) {
     fail_as_damaged_png("the file ends too early");
   }
-  const PngChunk chunk{{head.begin() + 4, head.end()}, position + kHead, png_number(head.data())};
+  PngChunk chunk{{head.begin() + 4, head.end()}, position + kHead, png_number(head.data())};
   if (!std::all_of(chunk.kind.begin(), chunk.kind.end(), is_letter)) {
     fail_as_damaged_png("at byte " + std::to_string(position) + " a chunk has to begin");
   }

@@ -14,15 +14,15 @@ constexpr std::size_t kLength = 13;
 
 /// The kinds of pixels, with the bits a channel that each may have.
 struct Kind {
-  PngColour colour;
   const char* name;
   std::uint32_t bits;  ///< their sum
+  PngColour colour;
 };
-constexpr Kind kKinds[] = {{PngColour::grey, "grey", 1 + 2 + 4 + 8 + 16},
-                           {PngColour::rgb, "RGB colour", 8 + 16},
-                           {PngColour::palette, "palette colour", 1 + 2 + 4 + 8},
-                           {PngColour::grey_alpha, "grey with alpha", 8 + 16},
-                           {PngColour::rgba, "RGB colour", 8 + 16}};
+constexpr Kind kKinds[] = {{"grey", 1 + 2 + 4 + 8 + 16, PngColour::grey},
+                           {"RGB colour", 8 + 16, PngColour::rgb},
+                           {"palette colour", 1 + 2 + 4 + 8, PngColour::palette},
+                           {"grey with alpha", 8 + 16, PngColour::grey_alpha},
+                           {"RGB colour", 8 + 16, PngColour::rgba}};
 
 const Kind& kind_of(const PngHeader& header) {
   for (const Kind& kind : kKinds) {
