@@ -38,6 +38,7 @@ class BitWriter {
 
   /// Behind align().
   void copy(const std::uint8_t* from, std::size_t size) {
+    if (size == 0) return;  // from may be null then, which memcpy must not get
     std::memcpy(to_, from, size);
     to_ += size;
   }
