@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <atomic>
 #include <future>
+#include <optional>
 #include <utility>
 
 namespace kv::polarization {
 
 void FrameOutput::add(const std::filesystem::path& path, Work work) {
-  files_.emplace_back(path);
+  paths_.push_back(path);
   work_.push_back(std::move(work));
 }
 
@@ -17,34 +18,36 @@ void FrameOutput::add_text(const std::filesystem::path& path, std::string text) 
 }
 
 void FrameOutput::write(std::size_t threads, Publishing publishing) {
+  std::vector<std::optional<PendingFile>> files(paths_.size());
   std::atomic<std::size_t> next = 0;
   const auto write_next_files = [&] {
-    for (std::size_t i = next++; i < files_.size(); i = next++) {
-      work_[i](files_[i]);
-      files_[i].sync();
-      files_[i].close();
+    for (std::size_t i = next++; i < files.size(); i = next++) {
+      PendingFile& file = files[i].emplace(paths_[i]);
+      work_[i](file);
+      file.sync();
+      file.close();
     }
   };
   std::vector<std::future<void>> writers;
-  for (std::size_t i = 1; i < std::min(threads, files_.size()); ++i) {
+  for (std::size_t i = 1; i < std::min(threads, files.size()); ++i) {
     writers.push_back(std::async(std::launch::async, write_next_files));
   }
   // A future of std::async waits in its destructor: no writer outlives the files, even if this
   // thread's own writing throws.
   write_next_files();
   for (std::future<void>& writer : writers) writer.get();
-  for (PendingFile& file : files_) {
+  for (std::optional<PendingFile>& file : files) {
     if (publishing == Publishing::as_new) {
-      file.publish_new();
+      file->publish_new();
     } else {
-      file.publish();
+      file->publish();
     }
   }
 }
 
 std::vector<JournalFile> FrameOutput::files(const std::filesystem::path& folder) const {
   std::vector<JournalFile> files;
-  for (const PendingFile& file : files_) files.push_back(journal_file(file.target(), folder));
+  for (const std::filesystem::path& path : paths_) files.push_back(journal_file(path, folder));
   return files;
 }
 

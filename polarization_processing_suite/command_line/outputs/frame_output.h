@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -25,15 +24,15 @@ class FrameOutput {
   /// Adds a file of text.
   void add_text(const std::filesystem::path& path, std::string text);
 
-  /// Writes all files on that many threads, hands them to the disk, and then gives them their
-  /// names. Throws a failure of any of them.
+  /// Writes all files on that many threads, each of which has one of them open; hands them to the
+  /// disk, and then gives them their names. Throws a failure of any of them.
   void write(std::size_t threads, Publishing publishing);
 
   /// What was written, by names relative to a folder.
   std::vector<JournalFile> files(const std::filesystem::path& folder) const;
 
  private:
-  std::deque<PendingFile> files_;
+  std::vector<std::filesystem::path> paths_;
   std::vector<Work> work_;
 };
 
