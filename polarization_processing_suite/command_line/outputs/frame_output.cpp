@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <atomic>
-#include <future>
 #include <optional>
 #include <utility>
+
+#include "command_line/batch/side_by_side.h"
 
 namespace kv::polarization {
 
@@ -20,22 +21,14 @@ void FrameOutput::add_text(const std::filesystem::path& path, std::string text) 
 void FrameOutput::write(std::size_t threads, Publishing publishing) {
   std::vector<std::optional<PendingFile>> files(paths_.size());
   std::atomic<std::size_t> next = 0;
-  const auto write_next_files = [&] {
+  run_side_by_side(std::min(threads, files.size()), [&] {
     for (std::size_t i = next++; i < files.size(); i = next++) {
       PendingFile& file = files[i].emplace(paths_[i]);
       work_[i](file);
       file.sync();
       file.close();
     }
-  };
-  std::vector<std::future<void>> writers;
-  for (std::size_t i = 1; i < std::min(threads, files.size()); ++i) {
-    writers.push_back(std::async(std::launch::async, write_next_files));
-  }
-  // A future of std::async waits in its destructor: no writer outlives the files, even if this
-  // thread's own writing throws.
-  write_next_files();
-  for (std::future<void>& writer : writers) writer.get();
+  });
   for (std::optional<PendingFile>& file : files) {
     if (publishing == Publishing::as_new) {
       file->publish_new();

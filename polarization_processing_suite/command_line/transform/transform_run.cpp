@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <exception>
-#include <future>
 #include <new>
-#include <system_error>
 #include <utility>
 
+#include "command_line/batch/side_by_side.h"
 #include "kv/polarization/fault.h"
 #include "platform/process.h"
 
@@ -52,16 +51,7 @@ TransformRun::TransformRun(const TransformContext& context, Journal* journal, Ru
           [this](std::size_t input) { return context_.plan.inputs()[input].wanted; }) {}
 
 void TransformRun::run(std::size_t workers) {
-  std::vector<std::future<void>> others;
-  try {
-    for (std::size_t i = 1; i < workers; ++i) {
-      others.push_back(std::async(std::launch::async, [this] { work(); }));
-    }
-  } catch (const std::system_error&) {
-    // The system has no more threads for us: those that are there do the work.
-  }
-  work();
-  for (std::future<void>& other : others) other.get();
+  run_side_by_side(workers, [this] { work(); });
 }
 
 void TransformRun::work() {
