@@ -66,6 +66,11 @@ void RunReports::warn(const std::string& line) {
   if (!options_.quiet) show("warning: " + line);
 }
 
+void RunReports::fail(const std::string& line) {
+  const std::lock_guard lock(mutex_);
+  show(line);
+}
+
 void RunReports::show(const std::string& line) {
   progress_.hide();
   complain(line);

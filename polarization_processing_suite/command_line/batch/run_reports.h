@@ -25,8 +25,9 @@ class RunReports {
   void start(std::size_t inputs, std::optional<std::size_t> frames);
   void add(FrameReport report);
 
-  /// A line that belongs to no frame.
+  /// Lines that belong to no frame; failures are told even when the run is to be quiet.
   void warn(const std::string& line);
+  void fail(const std::string& line);
 
   const RunTotals& totals() const { return totals_; }
 

@@ -99,7 +99,7 @@ int run_transform(const TransformOptions& options) {
   TransformRun run(context, to_folder ? &journal : nullptr, reports);
   run.run(workers);
   if (run.disk_is_full()) {
-    reports.warn("the disk is full, and the run has stopped; make room, and go on with --resume");
+    reports.fail("the disk is full, and the run has stopped; make room, and go on with --resume");
   }
   if (folder) tidy(*folder, reports);
   return reports.finish(status_of(reports.totals(), !run.disk_is_full()));
