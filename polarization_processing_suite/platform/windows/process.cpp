@@ -2,8 +2,11 @@
 
 #include <fcntl.h>
 #include <io.h>
-#include <shellapi.h>  // behind windows.h, whose types it uses
+// windows.h comes before the other, which uses its types.
+// clang-format off
 #include <windows.h>
+#include <shellapi.h>
+// clang-format on
 
 #include <cstdio>
 #include <cstdlib>
