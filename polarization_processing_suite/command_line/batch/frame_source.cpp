@@ -27,7 +27,7 @@ FrameSource::FrameSource(const std::filesystem::path& file,
                          const std::optional<RawShape>& raw_shape, FileMemory& memory) {
   std::error_code unknown;
   const std::uintmax_t size = std::filesystem::file_size(file, unknown);
-  if (!unknown && size <= kLargestFileInMemory && std::filesystem::is_regular_file(file)) {
+  if (!unknown && size <= kLargestFileInMemory) {
     memory_ = &memory;
     content_ = memory.take();
     read_file(file, content_);
@@ -35,7 +35,7 @@ FrameSource::FrameSource(const std::filesystem::path& file,
     const std::span<const std::uint8_t> bytes(content_);
     reader_ = open_frames_of_user(std::as_bytes(bytes), file, raw_shape);
   } else {
-    if (std::filesystem::is_regular_file(file)) identity_ = identity_of(file);
+    identity_ = identity_of(file);
     reader_ = open_frames_of_user(file, raw_shape);
   }
   count_ = reader_->count();
@@ -44,6 +44,16 @@ FrameSource::FrameSource(const std::filesystem::path& file,
 FrameSource::FrameSource(const std::optional<RawShape>& raw_shape) {
   platform::make_standard_input_binary();
   reader_ = open_frames(std::cin, raw_shape);
+  count_frames();
+}
+
+FrameSource::FrameSource(const std::filesystem::path& pipe,
+                         const std::optional<RawShape>& raw_shape)
+    : reader_(open_frames_of_user(pipe, raw_shape)) {
+  count_frames();
+}
+
+void FrameSource::count_frames() {
   try {
     count_ = reader_->count();
   } catch (const Fault& fault) {

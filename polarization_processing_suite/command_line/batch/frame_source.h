@@ -34,14 +34,16 @@ class FrameSource {
   FrameSource(const std::filesystem::path& file, const std::optional<RawShape>& raw_shape,
               FileMemory& memory);
 
-  /// Standard input, whose frames are counted unless they are headerless ones of a pipe.
+  /// Standard input, or what a shell has opened under the name of a file. Frames are counted unless
+  /// they are headerless ones of a pipe.
   explicit FrameSource(const std::optional<RawShape>& raw_shape);
+  FrameSource(const std::filesystem::path& pipe, const std::optional<RawShape>& raw_shape);
 
   ~FrameSource();
   FrameSource(const FrameSource&) = delete;
   FrameSource& operator=(const FrameSource&) = delete;
 
-  /// Empty for standard input.
+  /// Empty for what is no file.
   const std::optional<ContentIdentity>& identity() const { return identity_; }
 
   /// Frames; none when only the end of the pipe will tell.
@@ -54,6 +56,8 @@ class FrameSource {
   bool read_next(Frame& frame, std::size_t& page);
 
  private:
+  void count_frames();
+
   std::mutex mutex_;
   FileMemory* memory_ = nullptr;
   Buffer<std::uint8_t> content_;

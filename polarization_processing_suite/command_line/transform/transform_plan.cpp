@@ -29,6 +29,17 @@ InputList inputs_of(const TransformOptions& options, const Journal& journal) {
   return list_inputs(request);
 }
 
+/// What an input is called that can be opened only once; none for a file.
+std::optional<std::string> name_of_pipe(const Input& input) {
+  if (input.is_standard_input()) return "standard input";
+  std::error_code unknown;
+  const std::filesystem::file_status status = std::filesystem::status(input.path, unknown);
+  if (!std::filesystem::exists(status) || std::filesystem::is_regular_file(status)) {
+    return std::nullopt;
+  }
+  return text_of(input.path);
+}
+
 /// Whether an input of an earlier run is here, and is another file than this one.
 bool is_other_input(const std::string& earlier, const Input& input) {
   if (earlier.empty() || earlier == json_text(input.path)) return false;
@@ -70,11 +81,14 @@ TransformPlan::TransformPlan(const TransformOptions& options, InputList list)
 }
 
 void TransformPlan::find_pages(PlannedInput& planned, const TransformOptions& options) const {
-  if (planned.input.is_standard_input()) {
+  if (const auto name = name_of_pipe(planned.input)) {
+    const auto& raw_shape = options.recipe.raw_shape;
     try {
-      planned.source = std::make_shared<FrameSource>(options.recipe.raw_shape);
+      planned.source = planned.input.is_standard_input()
+                           ? std::make_shared<FrameSource>(raw_shape)
+                           : std::make_shared<FrameSource>(planned.input.path, raw_shape);
     } catch (const Fault& fault) {
-      throw Fault(fault.kind(), std::string("standard input: ") + fault.what());
+      throw Fault(fault.kind(), *name + ": " + fault.what());
     }
     planned.pages = planned.source->count();
   } else {

@@ -15,7 +15,7 @@ struct PlannedInput {
   Input input;
   std::optional<std::size_t> pages = 1;   ///< in the file; none for a pipe that does not tell
   std::vector<std::size_t> wanted{};      ///< from 0 up; empty for a pipe
-  std::shared_ptr<FrameSource> source{};  ///< standard input, which can be opened only once
+  std::shared_ptr<FrameSource> source{};  ///< of what can be opened only once
 };
 
 /// All that is settled before the first frame is read: which frames become which files, and that no
