@@ -53,8 +53,11 @@ bool ResultsFolder::lock(platform::FileLock::Mode mode) {
 }
 
 void ResultsFolder::tidy() {
-  if (lock(platform::FileLock::Mode::exclusive)) journal_.tidy();
+  const bool alone = lock(platform::FileLock::Mode::exclusive);
+  // Windows replaces no file that is open. Should another run add a line in these milliseconds, its
+  // input is done once more.
   lock_.reset();
+  if (alone) journal_.tidy();
 }
 
 }  // namespace kv::polarization
