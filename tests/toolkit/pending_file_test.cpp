@@ -74,7 +74,10 @@ TEST_F(PendingFiles, ASignalsHandlerRemovesTheUnpublishedOnes) {
     closed.close();
     EXPECT_EQ(names().size(), 3u);
     kv::platform::remove_registered_files();
-    EXPECT_EQ(names(), std::vector<std::string>{"plane.png"});
+    // On Windows the names of open files stay until they are closed, but open no more.
+    for (const std::string& name : names()) {
+      EXPECT_EQ(std::ifstream(folder_ / name).is_open(), name == "plane.png") << name;
+    }
   }
   std::deque<PendingFile> more_than_are_noted;
   for (int i = 0; i < 300; ++i) more_than_are_noted.emplace_back(folder_ / std::to_string(i));
@@ -91,8 +94,10 @@ TEST_F(PendingFiles, LeftoversOfKilledRunsAreRemovedAndNothingElse) {
   write_content(folder_ / "a.png.1234567890.partial", "stale");
   write_content(folder_ / ".kv.1234567890.partial", "stale");
   std::filesystem::create_directory(folder_ / "b.1234567890.partial");
-  PendingFile live(path_);
-  EXPECT_EQ(remove_stale_partials(path_.parent_path()), 3u);
+  {
+    PendingFile live(path_);
+    EXPECT_EQ(remove_stale_partials(path_.parent_path()), 3u);
+  }
   EXPECT_EQ(names().size(), others.size() + 1);
   for (const std::string& name : others) EXPECT_EQ(content_of(folder_ / name), "kept") << name;
   EXPECT_EQ(remove_stale_partials(folder_ / "missing"), 0u);
