@@ -41,6 +41,9 @@ double processor_seconds();
 /// form of its own; the console is made to show UTF-8 there.
 std::vector<std::string> command_line_words(int argc, char** argv);
 
+/// Of this process; a forked one has another.
+int process_number();
+
 /// For this process and the libraries that it loads from here on. Call it before a thread starts.
 void set_environment(const char* name, const char* value);
 

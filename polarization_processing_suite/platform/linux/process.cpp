@@ -34,6 +34,8 @@ void make_standard_input_binary() {}
 
 bool output_stream_is_terminal() { return isatty(STDOUT_FILENO) != 0; }
 
+int process_number() { return getpid(); }
+
 double processor_seconds() {
   timespec time{};
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);

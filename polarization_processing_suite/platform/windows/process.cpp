@@ -32,6 +32,8 @@ void make_standard_input_binary() { _setmode(_fileno(stdin), _O_BINARY); }
 
 bool output_stream_is_terminal() { return _isatty(_fileno(stdout)) != 0; }
 
+int process_number() { return static_cast<int>(GetCurrentProcessId()); }
+
 double processor_seconds() {
   FILETIME start, end, system, user;
   if (!GetProcessTimes(GetCurrentProcess(), &start, &end, &system, &user)) return 0;

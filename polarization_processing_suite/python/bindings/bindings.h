@@ -1,0 +1,11 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+namespace kv::polarization::python {
+
+// Each of these adds a part of the toolkit to the module `kv_polarization._core`.
+void bind_faults(pybind11::module_& module);
+void bind_processor(pybind11::module_& module);
+
+}  // namespace kv::polarization::python

@@ -1,0 +1,37 @@
+#include <exception>
+
+#include "kv/polarization/fault.h"
+#include "python/bindings/bindings.h"
+
+namespace kv::polarization::python {
+namespace {
+
+PyObject* exception_for(FaultKind kind) {
+  switch (kind) {
+    case FaultKind::argument:
+      return PyExc_ValueError;
+    case FaultKind::memory:
+      return PyExc_MemoryError;
+    case FaultKind::file:
+      return PyExc_OSError;
+    case FaultKind::unsupported:
+      return PyExc_NotImplementedError;
+    case FaultKind::state:
+      break;
+  }
+  return PyExc_RuntimeError;
+}
+
+}  // namespace
+
+void bind_faults(pybind11::module_&) {
+  pybind11::register_local_exception_translator([](std::exception_ptr exception) {
+    try {
+      if (exception) std::rethrow_exception(exception);
+    } catch (const Fault& fault) {
+      PyErr_SetString(exception_for(fault.kind()), fault.what());
+    }
+  });
+}
+
+}  // namespace kv::polarization::python

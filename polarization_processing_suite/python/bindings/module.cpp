@@ -1,0 +1,9 @@
+#include "python/bindings/bindings.h"
+
+using namespace kv::polarization::python;
+
+PYBIND11_MODULE(_core, module) {
+  module.doc() = "The toolkit as it is in C++; the package around it is the interface.";
+  bind_faults(module);
+  bind_processor(module);
+}
