@@ -64,7 +64,7 @@ TEST_F(Calibrate, CorrectsFramesOfTheSensor) {
   EXPECT_LT(mean_error("--calibration camera.json"), 0.015);
 
   const ToolResult other =
-      tool_.run("transform scene.pgm --phase 0 --calibration camera.json -o x");
+      tool_.run("transform scene.pgm --phase 0 --calibration camera.json -o y");
   EXPECT_EQ(other.status, 2);
   EXPECT_PRED2(contains, other.error, "phase 90");
 }
