@@ -154,7 +154,7 @@ TEST(Measure, GoesOnAfterFramesThatFailAndRefusesWhatCannotBe) {
       {1, "bad.pgm a.pgm", "bad.pgm: the PGM file is truncated", 1},
       {1, "none.pgm a.pgm", "none.pgm: there is no such file", 1},
       {2, "bad.pgm none.pgm", "bad.pgm: "},
-      {1, ". --skip list.csv", "./bad.pgm: the PGM file is truncated", 1},
+      {1, ". --skip list.csv", "bad.pgm: the PGM file is truncated", 1},
       {2, "-", "standard input"},
       {2, "a.pgm --region 3,0,2,2", "not within the frame's 4 x 2"},
       {2, "a.pgm --region 0,0,2", "write, for example, 100,80,64,64"},
