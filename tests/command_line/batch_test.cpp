@@ -5,7 +5,6 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <random>
-#include <ranges>
 #include <sstream>
 
 #include "kv/image_files.h"
@@ -169,7 +168,7 @@ TEST(Batch, ADryRunNamesTheFilesOfTheRun) {
     }
     std::ranges::sort(named);
     EXPECT_EQ(named, names);
-    EXPECT_TRUE(std::ranges::equal(std::views::keys(files), names));
+    EXPECT_TRUE(std::ranges::equal(files, names, {}, [](const auto& file) { return file.first; }));
   }
 }
 
