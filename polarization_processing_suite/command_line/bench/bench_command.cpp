@@ -8,12 +8,13 @@
 #include "command_line/bench/frame_ring.h"
 #include "command_line/bench/library_copy.h"
 #include "command_line/exit_status.h"
-#include "command_line/machine/machine.h"
+#include "command_line/machine/machine_json.h"
 #include "command_line/messages.h"
 #include "kv/image_files/frame_reader.h"
 #include "kv/polarization/fault.h"
 #include "kv/polarization/processor.h"
 #include "platform/process.h"
+#include "toolkit/machine/machine.h"
 #include "toolkit/simulation/mosaic_camera.h"
 
 namespace kv::polarization {

@@ -3,7 +3,7 @@
 #include <random>
 #include <system_error>
 
-#include "command_line/machine/machine.h"
+#include "toolkit/machine/machine.h"
 
 namespace kv::polarization {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "command_line/info/file_report.h"
 #include "command_line/json_output.h"
-#include "command_line/machine/machine.h"
+#include "toolkit/machine/machine.h"
 
 namespace kv::polarization {
 

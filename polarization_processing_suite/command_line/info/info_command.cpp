@@ -5,6 +5,7 @@
 
 #include "command_line/exit_status.h"
 #include "command_line/info/file_print.h"
+#include "command_line/machine/machine_json.h"
 #include "command_line/messages.h"
 #include "kv/image_files/image_format.h"
 #include "kv/polarization/fault.h"

@@ -5,6 +5,7 @@
 namespace kv::polarization::python {
 
 // Each of these adds a part of the toolkit to the module `kv_polarization._core`.
+void bind_build_info(pybind11::module_& module);
 void bind_faults(pybind11::module_& module);
 void bind_processor(pybind11::module_& module);
 

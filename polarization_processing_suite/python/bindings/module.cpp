@@ -4,6 +4,7 @@ using namespace kv::polarization::python;
 
 PYBIND11_MODULE(_core, module) {
   module.doc() = "The toolkit as it is in C++; the package around it is the interface.";
+  bind_build_info(module);
   bind_faults(module);
   bind_processor(module);
 }

@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "command_line/json_output.h"
 #include "platform/cpu_features.h"
 
 namespace kv::polarization {
@@ -39,9 +38,9 @@ Machine look_at_machine();
 /// The file of the processing library that the process has loaded; empty when it cannot be told.
 std::filesystem::path core_library();
 
+std::string_view name_of(CpuTier tier);
+
 /// The file name of a tier's vector module; empty for the tier that has none.
 std::string module_file_name(CpuTier tier);
-
-Json json_of(const Machine& machine);
 
 }  // namespace kv::polarization

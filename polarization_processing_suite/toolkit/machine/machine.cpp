@@ -1,4 +1,4 @@
-#include "command_line/machine/machine.h"
+#include "toolkit/machine/machine.h"
 
 #include <algorithm>
 #include <array>
@@ -47,10 +47,14 @@ const KernelTraits& traits_of(Kernels kernels) {
   return all[static_cast<std::size_t>(kernels)];
 }
 
+std::string_view name_of(CpuTier tier) {
+  static constexpr std::array<std::string_view, 3> names{"baseline", "avx2", "avx512"};
+  return names[static_cast<std::size_t>(tier)];
+}
+
 std::string module_file_name(CpuTier tier) {
   if (tier == CpuTier::baseline) return "";
-  return std::string(kModuleStem) + (tier == CpuTier::avx512 ? "avx512" : "avx2") +
-         platform::kLibrarySuffix;
+  return std::string(kModuleStem).append(name_of(tier)) + platform::kLibrarySuffix;
 }
 
 std::filesystem::path core_library() {
@@ -79,20 +83,6 @@ Machine look_at_machine() {
     machine.logger_configuration = configuration_beside(machine.logger);
   }
   return machine;
-}
-
-Json json_of(const Machine& machine) {
-  constexpr std::array tiers{"baseline", "avx2", "avx512"};
-  Json json;
-  json["processor"] = machine.processor;
-  json["cores"] = machine.cores;
-  json["tier"] = tiers[static_cast<std::size_t>(machine.tier)];
-  json["kernels"] = traits_of(machine.kernels).name;
-  json["library"] = json_of(machine.library);
-  json["vector_module"] = json_of(machine.module);
-  json["logger"] = json_of(machine.logger);
-  json["logger_configuration"] = json_of(machine.logger_configuration);
-  return json;
 }
 
 }  // namespace kv::polarization

@@ -1,0 +1,18 @@
+#include "command_line/machine/machine_json.h"
+
+namespace kv::polarization {
+
+Json json_of(const Machine& machine) {
+  Json json;
+  json["processor"] = machine.processor;
+  json["cores"] = machine.cores;
+  json["tier"] = name_of(machine.tier);
+  json["kernels"] = traits_of(machine.kernels).name;
+  json["library"] = json_of(machine.library);
+  json["vector_module"] = json_of(machine.module);
+  json["logger"] = json_of(machine.logger);
+  json["logger_configuration"] = json_of(machine.logger_configuration);
+  return json;
+}
+
+}  // namespace kv::polarization

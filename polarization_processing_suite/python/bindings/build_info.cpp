@@ -1,0 +1,45 @@
+#include <pybind11/stl.h>
+
+#include <string>
+
+#include "kv/image_files/image_format.h"
+#include "python/bindings/bindings.h"
+#include "toolkit/machine/machine.h"
+
+namespace kv::polarization::python {
+namespace {
+
+namespace py = pybind11;
+
+py::object text_or_none(const std::string& text) {
+  if (text.empty()) return py::none();
+  return py::str(text);
+}
+
+py::dict build_info() {
+  const Machine machine = look_at_machine();
+  py::dict info;
+  info["version"] = KV_VERSION;
+  info["library"] = text_or_none(machine.library.string());
+  info["processor"] = text_or_none(machine.processor);
+  info["cores"] = machine.cores;
+  info["tier"] = std::string(name_of(machine.tier));
+  info["kernels"] = std::string(traits_of(machine.kernels).name);
+  info["vector_module"] = text_or_none(machine.module.string());
+  info["logger"] = text_or_none(machine.logger.string());
+  py::dict formats;
+  for (const ImageFormatTraits& format : image_formats()) {
+    formats[py::str(std::string(format.name))] = format.available();
+  }
+  info["formats"] = formats;
+  return info;
+}
+
+}  // namespace
+
+void bind_build_info(py::module_& module) {
+  module.attr("__version__") = KV_VERSION;
+  module.def("build_info", &build_info);
+}
+
+}  // namespace kv::polarization::python
