@@ -1,0 +1,40 @@
+"""What the package offers to other programs' tests and reports."""
+
+import numpy as np
+import pytest
+
+import kv_polarization as kv
+from kv_polarization.testing import assert_planes_equal
+
+
+def test_planes_are_compared_by_bits():
+    plane = np.arange(12, dtype=np.uint16).reshape(3, 4)
+    other = plane.copy()
+    other[1, 2:] = 60000
+    nan, zero = np.float32([[np.nan, 0.0]]), np.float32([[np.nan, -0.0]])
+    cases = [
+        (kv.Planes(dolp=plane), {"dolp": plane.copy()}, None),
+        (nan, nan.copy(), None),
+        (nan, zero, "differs in 1 of 2 values, first at (0, 1): 0.0, and -0.0"),
+        (kv.Planes(dolp=other), kv.Planes(dolp=plane),
+         "dolp differs in 2 of 12 values, first at (1, 2): 60000, and 6 was expected"),
+        (plane, plane.astype(np.float32), "uint16"),
+        (plane, plane[:2], "(2, 4)"),
+        (kv.Planes(dolp=plane), kv.Planes(azimuth=plane), "azimuth"),
+    ]  # fmt: skip
+    for actual, expected, part in cases:
+        if part is None:
+            assert_planes_equal(actual, expected)
+            continue
+        with pytest.raises(AssertionError) as error:
+            assert_planes_equal(actual, expected)
+        assert part in str(error.value)
+
+
+def test_the_build_tells_of_itself():
+    info = kv.build_info()
+    assert info["version"] == kv.__version__
+    assert info["library"].endswith("kevrinth_qrm_polarization_processor.so")
+    assert info["kernels"] in ("sse2", "sse41", "avx2", "avx512")
+    assert (info["tier"] == "baseline") == (info["vector_module"] is None)
+    assert info["logger"] and info["formats"]["npy"]
