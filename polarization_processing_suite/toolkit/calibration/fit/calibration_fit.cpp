@@ -69,7 +69,7 @@ void CalibrationFit::Implementation::begin_calibration() {
   calibration_.width = grid.width;
   calibration_.height = grid.height;
   calibration_.mosaic = settings_.mosaic;
-  calibration_.bit_depth = intake_.bit_depth();
+  calibration_.bit_depth = intake_.reference().bit_depth;
   calibration_.clip_level = static_cast<std::uint16_t>(intake_.clip_level());
   calibration_.noise = intake_.noise();
   calibration_.source_dolp = settings_.source_dolp;
@@ -93,7 +93,7 @@ void CalibrationFit::Implementation::fill_black() {
     return;
   }
   const std::optional<double> variance = polarization::fill_black(
-      intake_.grid(), intake_.sums(), darks, intake_.dark_reference(), intake_.range(), maps);
+      intake_.grid(), intake_.sums(), darks, intake_.reference().dark_means, intake_.range(), maps);
   constexpr double rounding = 1.0 / 12;  // variance that whole counts have at least
   if (variance) figures_.dark_variance = std::max(rounding, *variance);
   figures_.noise.dark_from_frames = variance.has_value();
@@ -176,7 +176,7 @@ Calibration CalibrationFit::Implementation::finish(const FrameAgain& again) {
   mark_clipped();
   const PixelGrid& grid = intake_.grid();
   const std::vector<std::size_t> frames = used_frames(intake_.stack(), FrameKind::polarized);
-  const ClassNormal::Source source{intake_.stack(), black, responses, intake_.scale()};
+  const ClassNormal::Source source{intake_.stack(), black, responses, intake_.reference().scale};
   const ClassNormals normals = class_normals(source, frames);
   PixelMaps& maps = calibration_.maps;
   {

@@ -16,6 +16,7 @@ struct StackEntry {
   FrameTerms terms;    ///< of a polarized frame
   std::size_t half = 0;
   bool summed = false;  ///< whether it is in the sums of the pixels
+  bool added = true;    ///< false for a planned frame that has not come
 
   bool is(FrameKind kind) const { return record.used && record.kind == kind; }
 };

@@ -1,21 +1,14 @@
 #include "toolkit/calibration/fit/stack_intake.h"
 
-#include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "kv/polarization/fault.h"
 #include "toolkit/api/memory_checks.h"
 #include "toolkit/api/packed_frame.h"
 #include "toolkit/api/request_checks.h"
-#include "toolkit/calibration/fit/fit_checks.h"
 
 namespace kv::polarization {
 namespace {
-
-// Of a sensor that nobody told about.
-constexpr double kFullWell = 10000;  // electrons at full scale
-constexpr float kReadNoise = 2.5f;   // electrons
 
 std::string size_of(int width, int height, int bit_depth) {
   return std::to_string(width) + " x " + std::to_string(height) + " pixels of " +
@@ -24,79 +17,45 @@ std::string size_of(int width, int height, int bit_depth) {
 
 }  // namespace
 
-void StackIntake::begin(const FrameView& frame) {
-  if (frame.width % 2 != 0 || frame.height % 2 != 0) {
-    refuse("the frames have " + std::to_string(frame.width) + " x " + std::to_string(frame.height) +
-           " pixels; width and height must be even");
-  }
-  sums_.emplace(frame.width, frame.height, settings_.mosaic);
-  grid_ = {frame.width, frame.height, class_numbers(settings_.mosaic)};
-  bit_depth_ = frame.bit_depth;
-  clip_level_ = settings_.clip_level.value_or(static_cast<std::uint16_t>(full_scale(bit_depth_)));
-  const auto gain = static_cast<float>(full_scale(bit_depth_) / kFullWell);
-  noise_ = settings_.noise.value_or(SensorNoise{gain, kReadNoise});
+void StackIntake::settle(const FitReference& reference) {
+  reference_ = reference;
+  grid_ = {reference.width, reference.height, class_numbers(settings_.mosaic)};
+  clip_level_ = clip_level_of(settings_, reference.bit_depth);
 }
 
 void StackIntake::add(const FrameView& frame, const StackFrame& what, WorkerPool& pool) {
   check_mosaic_frame(frame);
-  const bool has_angle =
-      what.kind == FrameKind::polarized && (settings_.angles_known || polarized_ == 0);
-  if (has_angle && !std::isfinite(what.angle)) {
-    refuse("the polarizer's angle of " + what.name + " is no number; it must be one in degrees");
-  }
-  if (!sums_) begin(frame);
-  StackEntry entry;
-  entry.record.name = what.name;
-  entry.record.kind = what.kind;
-  entry.record.angle = has_angle ? what.angle : 0;
-  if (frame.width != grid_.width || frame.height != grid_.height || frame.bit_depth != bit_depth_) {
-    entry.record.refusal = "it has " + size_of(frame.width, frame.height, frame.bit_depth) +
-                           "; the first frame has " +
-                           size_of(grid_.width, grid_.height, bit_depth_);
-    stack_.push_back(std::move(entry));
-    return;
-  }
-  const FramePart part = packed(frame, settings_.mosaic, room_);
-  entry.record.used = true;
-  entry.means = tile_means(part, clip_level_, pool);
-  entry.record.class_means = entry.means.classes;
-  if (what.kind == FrameKind::dark && !dark_reference_) {
-    dark_reference_ = entry.means.classes;
-    black_guess_ = vector_of(entry.means.classes).mean();
-  } else if (what.kind == FrameKind::polarized) {
-    entry.terms = terms_of(entry.means);
-    entry.half = next_half(entry.record.angle);
-    ++polarized_;
-  }
-  sum(part, entry, 1, pool);
-  entry.summed = true;
+  StackEntry entry = next_entry(stack_, what, reference_, settings_);
+  if (stack_.empty()) settle(reference_of(frame));
+  take_in(frame, stack_.size(), entry, pool);
   stack_.push_back(std::move(entry));
 }
 
-FrameTerms StackIntake::terms_of(const TileMeans& means) {
-  FrameTerms terms;
-  terms.means = means.classes;
-  const Eigen::Vector3d stokes = ideal_stokes(vector_of(means.classes));
-  if (scale_ == 0) scale_ = std::max(1.0, stokes[0]);
-  terms.regressors = {1, stokes[0] / scale_, stokes[1] / scale_, stokes[2] / scale_};
-  // Only the weights' ratios matter; near 1 they keep the sums small.
-  const double unit = noise_.variance(static_cast<float>(scale_ / 2));
-  for (std::size_t number = 0; number < 4; ++number) {
-    terms.weights[number] =
-        unit / noise_.variance(static_cast<float>(means.classes[number] - black_guess_));
+void StackIntake::take_in(const FrameView& frame, std::size_t number, StackEntry& entry,
+                          WorkerPool& pool) {
+  if (!reference_.fits(frame)) {
+    entry.record.used = false;
+    entry.record.refusal = "it has " + size_of(frame.width, frame.height, frame.bit_depth) +
+                           "; the first frame has " +
+                           size_of(reference_.width, reference_.height, reference_.bit_depth);
+    return;
   }
-  return terms;
+  if (!sums_) sums_.emplace(grid_.width, grid_.height, settings_.mosaic);
+  const FramePart part = packed(frame, settings_.mosaic, room_);
+  TileMeans means = tile_means(part, clip_level_, pool);
+  reference_.learn(number, entry.record.kind, means.classes);
+  keep(std::move(means), number, entry);
+  sum(part, entry, 1, pool);
 }
 
-/// In turns; frames of one angle in turns among themselves, so that both halves have all angles.
-std::size_t StackIntake::next_half(double angle) const {
-  for (auto entry = stack_.rbegin(); settings_.angles_known && entry != stack_.rend(); ++entry) {
-    if (entry->is(FrameKind::polarized) &&
-        std::abs(half_turn(entry->record.angle - angle)) < kSameAngle) {
-      return 1 - entry->half;
-    }
+void StackIntake::keep(TileMeans means, std::size_t number, StackEntry& entry) const {
+  entry.means = std::move(means);
+  entry.record.used = true;
+  entry.record.class_means = entry.means.classes;
+  if (entry.record.kind == FrameKind::polarized) {
+    entry.terms = terms_of(entry.means.classes, number, reference_, settings_);
   }
-  return polarized_ % 2;
+  entry.summed = true;
 }
 
 void StackIntake::sum(const FramePart& frame, const StackEntry& entry, double sign,
@@ -106,7 +65,7 @@ void StackIntake::sum(const FramePart& frame, const StackEntry& entry, double si
       sums_->add_polarized(frame, entry.terms, entry.half, clip_level_, sign, pool);
       break;
     case FrameKind::dark:
-      sums_->add_dark(frame, *dark_reference_, sign, pool);
+      sums_->add_dark(frame, reference_.dark_means, sign, pool);
       break;
     case FrameKind::flat:
       sums_->add_flat(frame, entry.means.classes, sign, pool);

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "kv/calibration/calibration_fit.h"
+#include "toolkit/calibration/fit/fit_reference.h"
 #include "toolkit/calibration/fit/pixel_solution.h"
 
 namespace kv::polarization {
@@ -10,8 +11,7 @@ namespace kv::polarization {
 /// Takes frames in one by one: into the sums of the pixels, and into the stack of what is kept.
 class StackIntake {
  public:
-  explicit StackIntake(const FitSettings& settings)
-      : settings_(settings), black_guess_(settings.black_level) {}
+  explicit StackIntake(const FitSettings& settings) : settings_(settings) {}
 
   void add(const FrameView& frame, const StackFrame& what, WorkerPool& pool);
 
@@ -21,33 +21,26 @@ class StackIntake {
   Stack& stack() { return stack_; }
   const PixelGrid& grid() const { return grid_; }
   const PixelSums& sums() const { return *sums_; }
-  int bit_depth() const { return bit_depth_; }
+  const FitReference& reference() const { return reference_; }
   int clip_level() const { return clip_level_; }
-  const SensorNoise& noise() const { return noise_; }  ///< as told, or assumed
-  double scale() const { return scale_; }              ///< of the regressors, counts
-  const ClassValues& dark_reference() const { return *dark_reference_; }
+  SensorNoise noise() const { return noise_of(settings_, reference_.bit_depth); }
 
   ClassValues black() const;  ///< class means of the darks, or the level that was told
   double range() const { return clip_level_ - vector_of(black()).mean(); }
 
  private:
-  void begin(const FrameView& frame);
+  void settle(const FitReference& reference);
+  void take_in(const FrameView& frame, std::size_t number, StackEntry& entry, WorkerPool& pool);
+  void keep(TileMeans means, std::size_t number, StackEntry& entry) const;
   void sum(const FramePart& frame, const StackEntry& entry, double sign, WorkerPool& pool);
-  FrameTerms terms_of(const TileMeans& means);
-  std::size_t next_half(double angle) const;
 
   FitSettings settings_;
   Buffer<std::uint16_t> room_;
-  std::optional<PixelSums> sums_;
+  std::optional<PixelSums> sums_;  // once there is a frame to sum
   PixelGrid grid_{};
   Stack stack_;
-  int bit_depth_ = 0;
+  FitReference reference_;
   int clip_level_ = 0;
-  SensorNoise noise_{};
-  double black_guess_;  // counts, for the weights
-  double scale_ = 0;
-  std::size_t polarized_ = 0;
-  std::optional<ClassValues> dark_reference_;
 };
 
 }  // namespace kv::polarization
