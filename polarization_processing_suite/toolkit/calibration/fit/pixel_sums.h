@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "kv/polarization/buffer.h"
@@ -38,6 +39,24 @@ class PixelSums {
                 WorkerPool& pool);
   void add_flat(const FramePart& frame, const ClassValues& means, double sign, WorkerPool& pool);
 
+  /// Adds the sums of other frames of the same sensor.
+  void merge(const PixelSums& other, WorkerPool& pool);
+
+  /// The sums in floats, in the order of their bytes: moments and squares of both halves, dark,
+  /// squares of dark, flat.
+  static constexpr std::size_t kFloats = 2 * (kMoments + 1) + 3;
+  /// The greatest values they can have, whatever their sign, and of the counts of clipped().
+  struct Limits {
+    std::array<float, kFloats> floats{};
+    int clipped = 0;
+  };
+  static constexpr std::size_t kBytesPerPixel = kFloats * sizeof(float) + 1;
+
+  /// Memory of kBytesPerPixel a pixel, at any address. read() tells whether all values are within
+  /// the limits.
+  void write(std::byte* to, WorkerPool& pool) const;
+  bool read(const std::byte* from, const Limits& limits, WorkerPool& pool);
+
   const Half& half(std::size_t index) const { return halves_[index]; }
   const Buffer<float>& dark() const { return dark_; }
   const Buffer<float>& dark_squares() const { return dark_squares_; }
@@ -49,6 +68,15 @@ class PixelSums {
  private:
   template <class Work>
   void for_lines(const FramePart& frame, WorkerPool& pool, Work work) const;
+
+  template <class Sums>
+  static auto floats_of(Sums& sums) {
+    auto& [even, odd] = sums.halves_;
+    return std::array{&even.moments[0], &even.moments[1], &even.moments[2], &even.moments[3],
+                      &even.squares,    &odd.moments[0],  &odd.moments[1],  &odd.moments[2],
+                      &odd.moments[3],  &odd.squares,     &sums.dark_,      &sums.dark_squares_,
+                      &sums.flat_};
+  }
 
   std::array<std::size_t, 4> numbers_;  // of the classes
   std::array<Half, 2> halves_;

@@ -1,5 +1,6 @@
 #include "toolkit/calibration/fit/stack_intake.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "kv/polarization/fault.h"
@@ -15,6 +16,10 @@ std::string size_of(int width, int height, int bit_depth) {
          std::to_string(bit_depth) + " bits";
 }
 
+[[noreturn]] void refuse_twice(const StackEntry& entry) {
+  refuse(entry.record.name + " came twice; each frame must be added to one part, once");
+}
+
 }  // namespace
 
 void StackIntake::settle(const FitReference& reference) {
@@ -23,12 +28,89 @@ void StackIntake::settle(const FitReference& reference) {
   clip_level_ = clip_level_of(settings_, reference.bit_depth);
 }
 
+StackIntake::StackIntake(std::shared_ptr<const PlannedStack> plan)
+    : plan_(std::move(plan)), settings_(plan_->settings), stack_(entries_of(*plan_)) {
+  settle(plan_->reference);
+}
+
 void StackIntake::add(const FrameView& frame, const StackFrame& what, WorkerPool& pool) {
+  if (plan_) {
+    throw Fault(FaultKind::state, "the fit has a plan; its frames must be added by their numbers");
+  }
   check_mosaic_frame(frame);
   StackEntry entry = next_entry(stack_, what, reference_, settings_);
   if (stack_.empty()) settle(reference_of(frame));
   take_in(frame, stack_.size(), entry, pool);
   stack_.push_back(std::move(entry));
+}
+
+void StackIntake::add_planned(const FrameView& frame, std::size_t number, WorkerPool& pool) {
+  if (!plan_) {
+    throw Fault(FaultKind::state,
+                "the fit has no plan; its frames must be added with what they are");
+  }
+  if (number >= stack_.size()) {
+    refuse("there is no frame " + std::to_string(number) + "; the plan has frames 0 to " +
+           std::to_string(stack_.size() - 1));
+  }
+  if (stack_[number].added) refuse_twice(stack_[number]);
+  check_mosaic_frame(frame);
+  StackEntry entry = stack_[number];
+  if (reference_.fits(frame) && !reference_.knows(entry.record.kind)) {
+    refuse(entry.record.name +
+           " is not of the size and bit depth that it had when the plan was made; it must be the "
+           "same frame");
+  }
+  take_in(frame, number, entry, pool);
+  entry.added = true;
+  stack_[number] = std::move(entry);
+}
+
+void StackIntake::merge(StackIntake& other, WorkerPool& pool) {
+  if (&other == this) refuse("a part of a fit cannot be merged into itself; it must be another");
+  if (!plan_ || !other.plan_ || !(*plan_ == *other.plan_)) {
+    refuse("the parts are not of one fit; all must be made with the same plan");
+  }
+  for (std::size_t number = 0; number < stack_.size(); ++number) {
+    if (stack_[number].added && other.stack_[number].added) refuse_twice(stack_[number]);
+  }
+  if (!sums_) {
+    sums_ = std::move(other.sums_);
+  } else if (other.sums_) {
+    sums_->merge(*other.sums_, pool);
+  }
+  for (std::size_t number = 0; number < stack_.size(); ++number) {
+    if (other.stack_[number].added) stack_[number] = std::move(other.stack_[number]);
+  }
+}
+
+void StackIntake::require_all() const {
+  const auto missing = std::count_if(stack_.begin(), stack_.end(),
+                                     [](const StackEntry& entry) { return !entry.added; });
+  if (missing == 0) return;
+  const auto first = std::find_if(stack_.begin(), stack_.end(),
+                                  [](const StackEntry& entry) { return !entry.added; });
+  throw Fault(FaultKind::state,
+              std::to_string(missing) + " of the " + std::to_string(stack_.size()) +
+                  " frames of the plan are missing, the first being frame " +
+                  std::to_string(first - stack_.begin()) + ", " + first->record.name +
+                  "; add them, or merge the parts that "
+                  "have them");
+}
+
+void StackIntake::restore(std::size_t number, TileMeans means) {
+  keep(std::move(means), number, stack_[number]);
+  stack_[number].added = true;
+}
+
+void StackIntake::restore_refused(std::size_t number, const std::string& refusal) {
+  stack_[number].record.used = false;
+  stack_[number].record.refusal = refusal;
+  stack_[number].added = true;
+}
+
+PixelSums& StackIntake::restore_sums() {
+  return sums_.emplace(grid_.width, grid_.height, settings_.mosaic);
 }
 
 void StackIntake::take_in(const FrameView& frame, std::size_t number, StackEntry& entry,

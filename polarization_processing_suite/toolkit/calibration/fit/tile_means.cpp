@@ -70,6 +70,10 @@ std::array<std::size_t, 4> class_numbers(const Mosaic& mosaic) {
   return numbers;
 }
 
+std::size_t tile_count(int width, int height) {
+  return pixel_count(tiles_along(width), tiles_along(height));
+}
+
 TileMeans tile_means(const FramePart& frame, int clip_level, WorkerPool& pool) {
   const int across = tiles_along(frame.width);
   const int down = tiles_along(frame.height);

@@ -26,6 +26,9 @@ struct TileMeans {
   bool operator==(const TileMeans&) const = default;
 };
 
+/// Number of tiles of a frame of that size.
+std::size_t tile_count(int width, int height);
+
 /// Of a frame with even sides.
 TileMeans tile_means(const FramePart& frame, int clip_level, WorkerPool& pool);
 

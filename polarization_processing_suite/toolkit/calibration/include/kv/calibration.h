@@ -7,6 +7,7 @@
 #include "kv/calibration/calibration_check.h"
 #include "kv/calibration/calibration_file.h"
 #include "kv/calibration/calibration_fit.h"
+#include "kv/calibration/fit_plan.h"
 #include "kv/calibration/frame_corrector.h"
 #include "kv/calibration/identify.h"
 #include "kv/calibration/report.h"
