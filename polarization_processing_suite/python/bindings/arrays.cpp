@@ -29,8 +29,8 @@ std::string type_name(const py::handle& object) {
   return text_of(py::type::handle_of(object).attr("__name__"));
 }
 
-/// Only true arrays: what merely claims to have memory may be wrong about it, and a mask would be
-/// lost.
+}  // namespace
+
 py::array array_of(const py::handle& object, const std::string& what) {
   if (!py::isinstance<py::array>(object)) {
     refuse_type(what + " must be a numpy array, not " + type_name(object) +
@@ -48,6 +48,8 @@ py::array array_of(const py::handle& object, const std::string& what) {
 bool is_of(const py::array& array, const py::dtype& dtype) {
   return py::detail::npy_api::get().PyArray_EquivTypes_(array.dtype().ptr(), dtype.ptr());
 }
+
+namespace {
 
 [[noreturn]] void refuse_sample_type(const py::array& array) {
   const std::string name = text_of(py::handle(array.dtype()));

@@ -16,6 +16,13 @@ namespace kv::polarization::python {
 
 namespace py = pybind11;
 
+/// The object as an array; TypeError for anything else, such as what merely claims to have memory
+/// and may be wrong about it, and for masked arrays, whose mask would be lost.
+py::array array_of(const py::handle& object, const std::string& what);
+
+/// Whether the elements are of that type, in the same byte order.
+bool is_of(const py::array& array, const py::dtype& dtype);
+
 /// The blocks that an array's last axes make, one for each place on its leading axes. Lookups touch
 /// no Python object, so that they need no lock of the interpreter.
 class BlockStack {

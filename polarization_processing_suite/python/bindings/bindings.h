@@ -7,6 +7,8 @@ namespace kv::polarization::python {
 // Each of these adds a part of the toolkit to the module `kv_polarization._core`.
 void bind_build_info(pybind11::module_& module);
 void bind_faults(pybind11::module_& module);
+void bind_image_files(pybind11::module_& module);
+void bind_image_writing(pybind11::module_& module);
 void bind_processor(pybind11::module_& module);
 
 }  // namespace kv::polarization::python

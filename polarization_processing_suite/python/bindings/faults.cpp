@@ -29,7 +29,11 @@ void bind_faults(pybind11::module_&) {
     try {
       if (exception) std::rethrow_exception(exception);
     } catch (const Fault& fault) {
-      PyErr_SetString(exception_for(fault.kind()), fault.what());
+      // As Python itself takes paths, whose bytes need not be UTF-8.
+      PyObject* const line = PyUnicode_DecodeFSDefault(fault.what());
+      if (line == nullptr) return;
+      PyErr_SetObject(exception_for(fault.kind()), line);
+      Py_DECREF(line);
     }
   });
 }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+namespace kv::polarization::python {
+
+/// Throws what a handler of Python's signals has raised, such as that of Ctrl-C. For long work, to
+/// be called now and then without the interpreter's lock.
+inline void throw_signal() {
+  const pybind11::gil_scoped_acquire lock;
+  if (PyErr_CheckSignals() != 0) throw pybind11::error_already_set();
+}
+
+}  // namespace kv::polarization::python
