@@ -246,6 +246,17 @@ py::array output_array(std::string_view name, const py::handle& given, const py:
   return array;
 }
 
+Output make_output(const FrameStack& frames, const std::string& name, const py::handle& given,
+                   const py::dtype& dtype, std::size_t elements_a_pixel) {
+  std::vector<py::ssize_t> block{frames.height(), frames.width()};
+  if (elements_a_pixel > 1) block.push_back(static_cast<py::ssize_t>(elements_a_pixel));
+  py::array array = output_array(name, given, dtype, frames.shape_with(block), block.size());
+  const std::size_t bytes = pixel_count(frames.width(), frames.height()) * elements_a_pixel *
+                            static_cast<std::size_t>(dtype.itemsize());
+  BlockStack blocks(array, block.size(), bytes);
+  return {name, std::move(array), std::move(blocks)};
+}
+
 void check_disjoint(const std::vector<Output>& outputs, const BlockStack& frames) {
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     const Output& output = outputs[i];

@@ -92,6 +92,11 @@ struct Output {
   BlockStack blocks;
 };
 
+/// A result of the frames' leading axes, rows and columns, and behind them, if there are several
+/// elements a pixel, an axis of those. Throws as output_array does.
+Output make_output(const FrameStack& frames, const std::string& name, const py::handle& given,
+                   const py::dtype& dtype, std::size_t elements_a_pixel = 1);
+
 /// Throws ValueError where a result shares memory with another one, with itself, or with the
 /// frames.
 void check_disjoint(const std::vector<Output>& outputs, const BlockStack& frames);

@@ -9,6 +9,9 @@ void bind_build_info(pybind11::module_& module);
 void bind_faults(pybind11::module_& module);
 void bind_image_files(pybind11::module_& module);
 void bind_image_writing(pybind11::module_& module);
+void bind_calibration(pybind11::module_& module);
+void bind_calibration_fit(pybind11::module_& module);
+void bind_identify(pybind11::module_& module);
 void bind_processor(pybind11::module_& module);
 
 }  // namespace kv::polarization::python

@@ -4,9 +4,8 @@
 
 #include <atomic>
 #include <chrono>
-#include <string>
 
-#include "toolkit/api/memory_checks.h"
+#include "python/bindings/arguments.h"
 #include "toolkit/api/worker_pool.h"
 
 namespace kv::polarization::python {
@@ -79,16 +78,26 @@ class FrameLoop {
 
 }  // namespace
 
+void for_each_frame(std::size_t count, const std::function<void(std::size_t)>& work) {
+  bool raised = false;
+  {
+    const pybind11::gil_scoped_release unlocked;
+    SignalWatch signals;
+    for (std::size_t index = 0; index < count && !raised; ++index) {
+      work(index);
+      raised = index + 1 < count && signals.raised();
+    }
+  }
+  if (raised) throw pybind11::error_already_set();
+}
+
 void for_each_frame(EnginePool& engines, std::size_t count, std::int64_t threads,
                     const std::function<void(Engine&, std::size_t)>& work) {
-  constexpr std::int64_t most_known = 1024;
-  if (threads < 0 || threads > most_known) {
-    refuse("threads must be 1 to 1024, or None for all, not " + std::to_string(threads));
-  }
+  const int wanted = thread_count(threads);
   FrameLoop loop(engines, count, work);
   {
     const pybind11::gil_scoped_release unlocked;
-    const int most = WorkerPool::threads_of(static_cast<int>(threads));
+    const int most = WorkerPool::threads_of(wanted);
     const bool enough = count >= 2 * static_cast<std::size_t>(most);
     if (most > 1 && enough && !engines.sensor().calibration) {
       loop.side_by_side(most);

@@ -18,4 +18,7 @@ namespace kv::polarization::python {
 void for_each_frame(EnginePool& engines, std::size_t count, std::int64_t threads,
                     const std::function<void(Engine&, std::size_t)>& work);
 
+/// Calls work(index) likewise on this thread alone, frame after frame.
+void for_each_frame(std::size_t count, const std::function<void(std::size_t)>& work);
+
 }  // namespace kv::polarization::python

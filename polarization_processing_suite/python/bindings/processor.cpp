@@ -5,34 +5,16 @@
 #include <string>
 #include <vector>
 
-#include "kv/polarization/fault.h"
+#include "python/bindings/arguments.h"
 #include "python/bindings/bindings.h"
 #include "python/bindings/frame_loop.h"
-#include "toolkit/api/memory_checks.h"
+#include "python/bindings/python_calibration.h"
+#include "python/bindings/python_processor.h"
 
 namespace kv::polarization::python {
 namespace {
 
-using Names = std::vector<std::string>;
-using Arrays = std::vector<py::object>;  // None for one to be made
 using WeightArray = py::array_t<float, py::array::c_style | py::array::forcecast>;
-
-Mosaic mosaic_of(int phase, int x_origin, int y_origin) {
-  const std::optional<PolarPhase> known = phase_at(phase);
-  if (!known) {
-    refuse(
-        "the phase must be 0, 45, 90 or 135, the angle of the polarizer before the sensor's "
-        "top left pixel, not " +
-        std::to_string(phase));
-  }
-  if (x_origin < 0 || y_origin < 0) {
-    refuse(
-        "the origin must be the sensor's column and row of the frame's first pixel, from 0 up, "
-        "not (" +
-        std::to_string(x_origin) + ", " + std::to_string(y_origin) + ")");
-  }
-  return {.phase = *known, .x_origin = x_origin, .y_origin = y_origin};
-}
 
 Weights weights_of(const WeightArray& array) {
   if (array.ndim() != 3 || array.shape(0) != 4 || array.shape(1) != 4 || array.shape(2) != 4) {
@@ -50,50 +32,19 @@ Weights weights_of(const WeightArray& array) {
   return weights;
 }
 
-Plane plane_of(const std::string& name) {
-  if (const std::optional<Plane> plane = plane_named(name)) return *plane;
-  std::string known;
-  for (const PlaneTraits& traits : kPlanes) {
-    known += (known.empty() ? "" : ", ") + std::string(traits.name);
-  }
-  refuse("there is no plane '" + name + "'; there are " + known);
+const PlaneTraits& plane_of(const std::string& name) {
+  return kPlanes[place_of(name, kPlanes, "plane")];
 }
-
-/// A processor of Python: any number of its threads may use it at the same time.
-class PythonProcessor {
- public:
-  explicit PythonProcessor(Sensor sensor) : sensor_(std::move(sensor)), engines_(sensor_) {
-    const EnginePool::Lease at_least_one(engines_, 1);
-  }
-
-  Arrays transform(const py::object& frames, const Names& names, const Arrays& given,
-                   std::int64_t output_max, std::int64_t threads);
-
- private:
-  Sensor sensor_;
-  EnginePool engines_;
-};
 
 std::vector<Output> plane_outputs(const FrameStack& frames, const Names& names,
                                   const Arrays& given) {
+  check_names(names, given, "plane");
   std::vector<Output> outputs;
-  OutputSet wanted;
   for (std::size_t i = 0; i < names.size(); ++i) {
-    const Plane plane = plane_of(names[i]);
-    if (wanted.has(plane)) refuse("the plane '" + names[i] + "' is named twice");
-    wanted.add(plane);
-    const bool is_pair = traits_of(plane).element == PlaneElement::float_pair;
-    std::vector<py::ssize_t> block{frames.height(), frames.width()};
-    if (is_pair) block.push_back(2);
+    const bool is_pair = plane_of(names[i]).element == PlaneElement::float_pair;
     const py::dtype type = is_pair ? py::dtype::of<float>() : py::dtype::of<std::uint16_t>();
-    py::array array =
-        output_array(names[i], given[i], type, frames.shape_with(block), block.size());
-    const auto bytes = pixel_count(frames.width(), frames.height()) *
-                       (is_pair ? 2 * sizeof(float) : sizeof(std::uint16_t));
-    BlockStack blocks(array, block.size(), bytes);
-    outputs.push_back({names[i], std::move(array), std::move(blocks)});
+    outputs.push_back(make_output(frames, names[i], given[i], type, is_pair ? 2 : 1));
   }
-  if (outputs.empty()) refuse("no plane is named; name one at least");
   return outputs;
 }
 
@@ -101,7 +52,7 @@ PlaneViews views_of(const std::vector<Output>& outputs, std::size_t index,
                     std::uint16_t output_max) {
   PlaneViews views;
   for (const Output& output : outputs) {
-    const Plane plane = plane_named(output.name).value();
+    const Plane plane = plane_of(output.name).plane;
     std::byte* const first = output.blocks[index];
     const std::size_t bytes = output.blocks.block_bytes();
     if (plane == Plane::normalized_stokes) {
@@ -111,6 +62,54 @@ PlaneViews views_of(const std::vector<Output>& outputs, std::size_t index,
     }
   }
   return views;
+}
+
+std::unique_ptr<PythonProcessor> processor_of(
+    int phase, const Origin& origin, const std::shared_ptr<PythonCalibration>& calibration,
+    std::optional<int> bit_depth, bool left_aligned, float black_level,
+    const GivenClipLevel& clip_level, bool rescue, const std::optional<NoiseNumbers>& noise,
+    const py::object& bad_pixels, std::optional<float> compensation,
+    const std::optional<WeightArray>& weights, bool weights_everywhere) {
+  Sensor sensor;
+  sensor.mosaic = mosaic_of(phase, origin);
+  sensor.layout = layout_of(bit_depth, left_aligned);
+  if (weights) sensor.weights = weights_of(*weights);
+  sensor.reach = weights_everywhere ? WeightReach::every_pixel : WeightReach::as_library;
+  if (calibration) sensor.calibration = calibration->shared();
+  SampleSettings& samples = sensor.maps.samples;
+  samples.black_level = black_level;
+  samples.clip_level = clip_level_of(clip_level);
+  samples.rescue = rescue;
+  samples.noise = noise_of(noise);
+  if (compensation) sensor.maps.compensation = IntensityCompensation{*compensation};
+  if (!bad_pixels.is_none()) set_bad_pixels(sensor, byte_mask(bad_pixels, "bad_pixels"));
+  return std::make_unique<PythonProcessor>(std::move(sensor));
+}
+
+}  // namespace
+
+PythonProcessor::PythonProcessor(Sensor sensor) : sensor_(std::move(sensor)), engines_(sensor_) {
+  check(sensor_);
+  const EnginePool::Lease at_least_one(engines_, 1);
+}
+
+Arrays arrays_of(const std::vector<Output>& outputs) {
+  Arrays arrays;
+  for (const Output& output : outputs) arrays.push_back(output.array);
+  return arrays;
+}
+
+void check_names(const Names& names, const Arrays& given, const std::string& what) {
+  if (names.empty()) refuse("no " + what + " is named; name one at least");
+  for (auto name = names.begin(); name != names.end(); ++name) {
+    if (std::find(names.begin(), name, *name) != name) {
+      refuse("the " + what + " '" + *name + "' is named twice");
+    }
+  }
+  if (given.size() != names.size()) {
+    refuse("out has " + std::to_string(given.size()) + " arrays for " +
+           std::to_string(names.size()) + " " + what + "s; it must have one for each");
+  }
 }
 
 Arrays PythonProcessor::transform(const py::object& objects, const Names& names,
@@ -126,30 +125,22 @@ Arrays PythonProcessor::transform(const py::object& objects, const Names& names,
   for_each_frame(engines_, frames.count(), threads, [&](Engine& engine, std::size_t index) {
     engine.transform(frames[index], views_of(outputs, index, full_scale));
   });
-  Arrays arrays;
-  for (const Output& output : outputs) arrays.push_back(output.array);
-  return arrays;
+  return arrays_of(outputs);
 }
-
-}  // namespace
 
 void bind_processor(py::module_& module) {
   py::class_<PythonProcessor>(module, "Processor")
-      .def(py::init([](int phase, std::pair<int, int> origin, std::optional<int> bit_depth,
-                       bool left_aligned, const std::optional<WeightArray>& weights,
-                       bool weights_everywhere) {
-             Sensor sensor;
-             sensor.mosaic = mosaic_of(phase, origin.first, origin.second);
-             sensor.layout = {bit_depth,
-                              left_aligned ? SampleAlignment::left : SampleAlignment::right};
-             if (weights) sensor.weights = weights_of(*weights);
-             sensor.reach = weights_everywhere ? WeightReach::every_pixel : WeightReach::as_library;
-             return std::make_unique<PythonProcessor>(std::move(sensor));
-           }),
-           py::kw_only(), py::arg("phase"), py::arg("origin"), py::arg("bit_depth"),
-           py::arg("left_aligned"), py::arg("weights"), py::arg("weights_everywhere"))
+      .def(py::init(&processor_of), py::kw_only(), py::arg("phase"), py::arg("origin"),
+           py::arg("calibration"), py::arg("bit_depth"), py::arg("left_aligned"),
+           py::arg("black_level"), py::arg("clip_level"), py::arg("rescue"), py::arg("noise"),
+           py::arg("bad_pixels"), py::arg("compensation"), py::arg("weights"),
+           py::arg("weights_everywhere"))
       .def("transform", &PythonProcessor::transform, py::arg("frames"), py::arg("planes"),
-           py::arg("out"), py::arg("output_max"), py::arg("threads"));
+           py::arg("out"), py::arg("output_max"), py::arg("threads"))
+      .def("maps", &PythonProcessor::maps, py::arg("frames"), py::arg("maps"), py::arg("out"),
+           py::arg("threads"))
+      .def("region", &PythonProcessor::region, py::arg("frames"), py::arg("region"),
+           py::arg("mask"), py::arg("threads"));
 }
 
 }  // namespace kv::polarization::python

@@ -4,11 +4,11 @@
 #include <optional>
 
 #include "kv/calibration/calibration.h"
-#include "kv/polarization/buffer.h"
 #include "kv/polarization/maps.h"
 #include "kv/polarization/mosaic.h"
 #include "kv/polarization/weights.h"
 #include "python/bindings/arrays.h"
+#include "python/bindings/byte_mask.h"
 
 namespace kv::polarization::python {
 
@@ -23,7 +23,14 @@ struct Sensor {
   // For maps and regions. With a calibration, its own values take the place of black level, clip
   // level and noise.
   MapSettings maps{};
-  Buffer<std::uint8_t> bad_pixels{};  ///< what maps.samples.bad_pixels views
+  ByteMask bad_pixels{};  ///< what maps.samples.bad_pixels views
 };
+
+/// Names bad pixels of the whole sensor. With a calibration they are joined with its own. Throws
+/// Fault of kind argument for a map that does not cover the calibrated region.
+void set_bad_pixels(Sensor& sensor, ByteMask bad_pixels);
+
+/// Throws Fault of kind argument where the sensor contradicts its calibration.
+void check(const Sensor& sensor);
 
 }  // namespace kv::polarization::python

@@ -3,10 +3,12 @@
 from __future__ import annotations
 
 import dataclasses
-from typing import Dict, Optional, Tuple
+from typing import ClassVar, Optional, Tuple
 
 import numpy as np
 import numpy.typing as npt
+
+from kv_polarization.named_arrays import NamedArrays
 
 #: The names of all planes.
 PLANES: Tuple[str, ...] = (
@@ -20,7 +22,7 @@ PLANES: Tuple[str, ...] = (
 
 
 @dataclasses.dataclass(frozen=True, eq=False, repr=False)
-class Planes:
+class Planes(NamedArrays):
     """The planes of a frame, or of a stack of frames.
 
     Each is an array of the frames' leading axes, rows and columns, or None where it was not asked
@@ -37,6 +39,8 @@ class Planes:
       S0 is 0.
     """
 
+    NAMES: ClassVar[Tuple[str, ...]] = PLANES
+
     normalized_stokes: Optional[npt.NDArray[np.float32]] = None
     intensity: Optional[npt.NDArray[np.uint16]] = None
     stokes_s1: Optional[npt.NDArray[np.uint16]] = None
@@ -45,21 +49,5 @@ class Planes:
     dolp: Optional[npt.NDArray[np.uint16]] = None
     output_max: int = 65535  #: full scale of the 16-bit planes
 
-    @property
-    def names(self) -> Tuple[str, ...]:
-        """The names of the planes that are there."""
-        return tuple(name for name in PLANES if getattr(self, name) is not None)
-
-    def asdict(self) -> Dict[str, npt.NDArray[np.generic]]:
-        """The planes that are there, by their names. The arrays are not copied."""
-        return {name: getattr(self, name) for name in self.names}
-
-    def __getitem__(self, name: str) -> npt.NDArray[np.generic]:
-        """The plane of that name; KeyError where it was not asked for."""
-        return self.asdict()[name]
-
     def __repr__(self) -> str:
-        planes = ", ".join(
-            f"{name}: {plane.dtype} {plane.shape}" for name, plane in self.asdict().items()
-        )
-        return f"Planes({planes}, output_max={self.output_max})"
+        return f"{super().__repr__()[:-1]}, output_max={self.output_max})"
