@@ -16,7 +16,7 @@ random = np.random.default_rng(2)
 # What is wrong with each pixel of the sensor: by per cents, per cents and degrees.
 polarizers = np.tile([[0.0, 135.0], [45.0, 90.0]], (ROWS // 2, COLUMNS // 2))
 gain = random.normal(1, 0.02, polarizers.shape) * np.where(polarizers == 90, 0.97, 1.0)
-diattenuation = random.normal(0.97, 0.01, polarizers.shape)
+diattenuation = np.minimum(random.normal(0.96, 0.01, polarizers.shape), 1)
 orientation = polarizers + random.normal(0, 0.5, polarizers.shape)
 
 
@@ -40,7 +40,8 @@ calibration = kv.Calibration.fit(
 calibration.save("camera.json")
 calibration.save_report("camera.html")
 for finding in calibration.findings:
-    print(f"{'' if finding.good else 'look twice: '}{finding.name}: {finding.verdict}")
+    mark = " " if finding.good else "!"
+    print(f"{mark} {finding.name}: {finding.found:.3g} {finding.unit} ({finding.verdict})")
 
 # The same light, before and after. An ideal sensor would see the film's DoLP and angle alike
 # everywhere; what scatters is the sensor, and the noise of one cell.
