@@ -61,6 +61,16 @@ FRAMES = st.one_of(
     st.builds(lambda: np.zeros((1, 2), np.uint16).view(LyingArray)),
     st.builds(lambda: [[1, 2], [3, 4]]), st.builds(memoryview, st.binary(min_size=1)),
 )  # fmt: skip
+
+
+def rarely(odd, usual):
+    return st.integers(0, 5).flatmap(lambda number: odd if number == 0 else usual)
+
+
+SMALL = st.builds(
+    lambda rows, columns: np.full((2, rows, columns), 900, np.uint16),
+    st.integers(4, 9), st.integers(4, 9),
+)  # fmt: skip
 NUMBERS = st.one_of(st.none(), st.integers(-2, 20), st.sampled_from([-1 << 70, 1 << 31, 1 << 70]))
 NAMES = st.one_of(
     st.lists(st.sampled_from([*kv.PLANES, "nothing", ""]), max_size=7), st.text(), NUMBERS
@@ -100,6 +110,36 @@ def calls(frames, planes, out, phase, origin, bit_depth, output_max, threads, we
             assert plane.shape[: frames.ndim] == frames.shape, name
 
 
+@hypothesis.settings(max_examples=600, deadline=None, database=None, derandomize=True,
+                     suppress_health_check=list(hypothesis.HealthCheck))  # fmt: skip
+@hypothesis.given(
+    frames=rarely(FRAMES, SMALL),
+    maps=rarely(NAMES, st.lists(st.sampled_from(kv.MAPS), min_size=1, max_size=4, unique=True)),
+    region=rarely(st.lists(NUMBERS), st.one_of(st.none(), st.tuples(*[st.integers(0, 7)] * 4))),
+    mask=rarely(arrays(["u1", "?", "f4"]), st.none()),
+    bad_pixels=rarely(arrays(["u1", "?", "<u2"]), st.none()),
+    odd_number=st.one_of(st.floats(), NUMBERS), place=st.integers(0, 9), rescue=st.booleans(),
+)  # fmt: skip
+def measures(frames, maps, region, mask, bad_pixels, odd_number, place, rescue):
+    numbers = [16, 4000, 0.4, 2.5, 4]
+    if place < len(numbers):
+        numbers[place] = odd_number
+    black, clip, gain, read_noise, least_mean = numbers
+    try:
+        processor = kv.Processor(
+            bad_pixels=bad_pixels, black_level=black, clip_level=clip, rescue=rescue,
+            noise=None if gain is None else kv.SensorNoise(gain, read_noise),
+            compensation=least_mean,
+        )  # fmt: skip
+        processor.maps(frames, maps)
+        processor.region(frames, region, mask=mask)
+    except PROMISED as error:
+        counts["refused"] += 1
+        assert str(error) or isinstance(error, MemoryError)
+    else:
+        counts["worked"] += 1
+
+
 @hypothesis.settings(max_examples=300, deadline=None, database=None, derandomize=True)
 @hypothesis.given(
     shape=st.lists(st.integers(0, 9), min_size=2, max_size=4),
@@ -124,6 +164,7 @@ def good_calls(shape, steps, dtype, planes):
 
 
 calls()
+measures()
 good_calls()
 print(f"calls that worked: {counts['worked']}, that were refused: {counts['refused']}")
 assert min(counts.values()) > 100, counts
