@@ -159,6 +159,14 @@ TEST(PictureSource, ComputesMapsAtFullScale) {
   EXPECT_TRUE(source.maps().azimuth.empty());
 }
 
+TEST(PictureSource, RefusesFramesWithoutCellsWhateverIsWanted) {
+  Processor processor;
+  PictureSource source;
+  for (const auto& [width, height] : {std::pair{1u, 4u}, {4u, 1u}, {3u, 3u}}) {
+    EXPECT_THROW(source.fill(processor, make_frame(width, height, 8), {}, {}), Fault);
+  }
+}
+
 TEST(PictureSource, MakesNeutralPicturesOfBlackFrames) {
   Processor processor;
   PictureSource source;

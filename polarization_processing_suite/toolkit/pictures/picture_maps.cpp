@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "toolkit/api/packed_frame.h"
+#include "toolkit/api/request_checks.h"
 
 namespace kv::polarization {
 namespace {
@@ -29,10 +30,10 @@ void fill_brightness(const FramePart& frame, std::uint16_t* brightness) {
 }  // namespace
 
 void PictureSource::fill(Processor& processor, const FrameView& frame, const Mosaic& mosaic,
-                         OutputSet wanted) {
-  check(frame);
+                         OutputSet wanted, WeightReach reach) {
+  check_cells(frame);
   planes_.reshape(frame.width, frame.height, wanted);
-  if (!wanted.empty()) processor.transform(frame, mosaic, planes_.views());
+  if (!wanted.empty()) processor.transform(frame, mosaic, planes_.views(), reach);
   brightness_.resize(pixel_count(frame.width, frame.height));
   fill_brightness(packed(frame, mosaic, packed_), brightness_.data());
 }

@@ -41,7 +41,7 @@ class PictureSource {
   ///
   /// Throws as Processor::transform does.
   void fill(Processor& processor, const FrameView& frame, const Mosaic& mosaic,
-            OutputSet wanted = kPicturePlanes);
+            OutputSet wanted = kPicturePlanes, WeightReach reach = WeightReach::as_library);
 
   /// Views that last until the next fill.
   PictureMaps maps() const;
