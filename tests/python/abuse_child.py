@@ -78,7 +78,7 @@ NAMES = st.one_of(
 WEIGHTS = st.one_of(
     st.none(),
     st.builds(lambda value: np.full((4, 4, 4), value, np.float32), st.floats(width=32)),
-    arrays(["f4", "f8"]),
+    arrays(["f4", "f8"]), st.builds(Liar),
 )
 
 

@@ -16,7 +16,8 @@ namespace {
 
 using WeightArray = py::array_t<float, py::array::c_style | py::array::forcecast>;
 
-Weights weights_of(const WeightArray& array) {
+Weights weights_of(const py::object& given) {
+  const WeightArray array(array_of(given, "weights"));
   if (array.ndim() != 3 || array.shape(0) != 4 || array.shape(1) != 4 || array.shape(2) != 4) {
     refuse(
         "weights must have the shape (4, 4, 4): polarizers 0, 45, 90, 135, by rows of S0, S1, "
@@ -64,16 +65,18 @@ PlaneViews views_of(const std::vector<Output>& outputs, std::size_t index,
   return views;
 }
 
-std::unique_ptr<PythonProcessor> processor_of(
-    int phase, const Origin& origin, const std::shared_ptr<PythonCalibration>& calibration,
-    std::optional<int> bit_depth, bool left_aligned, float black_level,
-    const GivenClipLevel& clip_level, bool rescue, const std::optional<NoiseNumbers>& noise,
-    const py::object& bad_pixels, std::optional<float> compensation,
-    const std::optional<WeightArray>& weights, bool weights_everywhere) {
+std::unique_ptr<PythonProcessor> processor_of(int phase, const Origin& origin,
+                                              const std::shared_ptr<PythonCalibration>& calibration,
+                                              std::optional<int> bit_depth, bool left_aligned,
+                                              float black_level, const GivenClipLevel& clip_level,
+                                              bool rescue, const std::optional<NoiseNumbers>& noise,
+                                              const py::object& bad_pixels,
+                                              std::optional<float> compensation,
+                                              const py::object& weights, bool weights_everywhere) {
   Sensor sensor;
   sensor.mosaic = mosaic_of(phase, origin);
   sensor.layout = layout_of(bit_depth, left_aligned);
-  if (weights) sensor.weights = weights_of(*weights);
+  if (!weights.is_none()) sensor.weights = weights_of(weights);
   sensor.reach = weights_everywhere ? WeightReach::every_pixel : WeightReach::as_library;
   if (calibration) sensor.calibration = calibration->shared();
   SampleSettings& samples = sensor.maps.samples;

@@ -59,7 +59,7 @@ class Processor:
         noise: Optional[Tuple[float, float]],
         bad_pixels: object,
         compensation: Optional[float],
-        weights: Optional[npt.ArrayLike],
+        weights: object,
         weights_everywhere: bool,
     ) -> None: ...
     def maps(

@@ -49,7 +49,7 @@ class Processor(Measures):
     - `compensation`: evens out the brightness within each pixel's neighbourhood, against the false
       polarization of edges; the least mean brightness of a neighbourhood, in counts above black,
       that it is done at: 4 does well. None, by default, measures what is there.
-    - `weights`: float32 of the shape (4, 4, 4), the weights of the Stokes estimate behind the
+    - `weights`: an array of the shape (4, 4, 4), taken as float32: the weights of the Stokes estimate behind the
       polarizers 0, 45, 90 and 135: rows of S0 (whose sum is halved afterwards), S1, S2 and a spare
       one, columns of the pixel, its horizontal, its vertical and its diagonal neighbour.
     - `weights_everywhere`: whether these weights count in every pixel. As in the library they count
@@ -70,7 +70,7 @@ class Processor(Measures):
     noise: Optional[SensorNoise] = None
     bad_pixels: Optional[npt.NDArray[Union[np.bool_, np.uint8]]] = None
     compensation: Optional[float] = None
-    weights: Optional[npt.ArrayLike] = None
+    weights: Optional[npt.NDArray[Any]] = None
     weights_everywhere: bool = False
 
     def __post_init__(self) -> None:
@@ -82,6 +82,8 @@ class Processor(Measures):
         if origin is None:
             origin = known.origin if known else (0, 0)
         given["origin"] = tuple(origin)
+        given["weights"] = _kept(self.weights)
+        given["bad_pixels"] = _kept(self.bad_pixels)
         if self.bit_depth is None and known:
             given["bit_depth"] = known.bit_depth
         for name, value in given.items():
@@ -135,6 +137,15 @@ class Processor(Measures):
 
 def _fields() -> Tuple[dataclasses.Field[Any], ...]:
     return dataclasses.fields(Processor)
+
+
+def _kept(array: Optional[npt.NDArray[Any]]) -> Optional[npt.NDArray[Any]]:
+    """A copy that nobody can change; what is no plain array stays, and is refused by its taker."""
+    if type(array) is not np.ndarray:
+        return array
+    copy = array.copy()
+    copy.flags.writeable = False
+    return copy
 
 
 def _loaded(calibration: Union[Calibration, str, os.PathLike[str], None]) -> Optional[Calibration]:
