@@ -39,18 +39,16 @@ def arrays(draw, dtypes=DTYPES):
     """Arrays of any dtype, in memory of their own that their strides may walk through anyhow."""
     dtype = np.dtype(draw(st.sampled_from(dtypes)))
     shape = draw(st.lists(SIDES, max_size=4))
-    if draw(st.booleans()) and np.prod(shape, dtype=float) < 1e6:
-        array = np.zeros(shape, dtype)
-        for axis in range(array.ndim):
-            array = np.flip(array, axis) if draw(st.booleans()) else array
-        return array.T if draw(st.booleans()) else array
-    memory = np.zeros(4096, dtype)
-    strides = [draw(st.integers(-40, 40)) * size for size in (dtype.itemsize,) * len(shape)]
+    plain = draw(st.booleans()) and np.prod(shape, dtype=float) < 1e6
+    strides = [draw(st.integers(-40, 40)) * dtype.itemsize for _ in shape]
     reach = sum(abs(stride) * max(0, side - 1) for side, stride in zip(shape, strides))
-    if reach >= memory.nbytes // 2:
+    if reach >= 2048 * dtype.itemsize:
         strides = [0] * len(shape)
-    middle = memory[2048:] if any(stride < 0 for stride in strides) else memory
     try:
+        if plain:
+            array = np.flip(np.zeros(shape, dtype), [axis for axis in range(len(shape)) if axis % 2])
+            return array.T if draw(st.booleans()) else array
+        middle = np.zeros(4096, dtype)[2048 if any(stride < 0 for stride in strides) else 0 :]
         return np.lib.stride_tricks.as_strided(middle, shape, strides)
     except ValueError:  # more elements than there are addresses
         hypothesis.reject()

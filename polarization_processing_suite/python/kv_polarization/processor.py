@@ -49,9 +49,10 @@ class Processor(Measures):
     - `compensation`: evens out the brightness within each pixel's neighbourhood, against the false
       polarization of edges; the least mean brightness of a neighbourhood, in counts above black,
       that it is done at: 4 does well. None, by default, measures what is there.
-    - `weights`: an array of the shape (4, 4, 4), taken as float32: the weights of the Stokes estimate behind the
-      polarizers 0, 45, 90 and 135: rows of S0 (whose sum is halved afterwards), S1, S2 and a spare
-      one, columns of the pixel, its horizontal, its vertical and its diagonal neighbour.
+    - `weights`: an array of the shape (4, 4, 4), taken as float32: the weights of the Stokes
+      estimate behind the polarizers 0, 45, 90 and 135, by rows of S0 (whose sum is halved
+      afterwards), S1, S2 and a spare one, by columns of the pixel, its horizontal, its vertical and
+      its diagonal neighbour.
     - `weights_everywhere`: whether these weights count in every pixel. As in the library they count
       in the last columns and rows alone.
 
