@@ -197,7 +197,7 @@ def test_frames_are_a_sequence(stack):
         assert (file.shape, file.dtype, file.bit_depth) == ((6, 4, 8), np.uint16, 12)
         assert np.array_equal(list(file), frames) and np.array_equal(file, frames)
         for index in (0, -1, np.int64(3), slice(1, -1, 2), slice(None, None, -1), slice(3, 3),
-                      (2, 1), (slice(1, 4), slice(None), slice(0, 8, 2)), (-1, ..., 5)):  # fmt: skip
+                      (2, 1), (slice(1, 4), ..., slice(0, 8, 2)), (-1, ..., 5)):  # fmt: skip
             assert np.array_equal(file[index], frames[index]), index
         for index, error in ((6, IndexError), (-7, IndexError), (1.5, TypeError)):
             with pytest.raises(error):

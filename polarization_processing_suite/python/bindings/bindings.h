@@ -12,6 +12,7 @@ void bind_image_writing(pybind11::module_& module);
 void bind_calibration(pybind11::module_& module);
 void bind_calibration_fit(pybind11::module_& module);
 void bind_identify(pybind11::module_& module);
+void bind_pictures(pybind11::module_& module);
 void bind_processor(pybind11::module_& module);
 
 }  // namespace kv::polarization::python

@@ -18,6 +18,12 @@ void Engine::transform(const FrameView& frame, const PlaneViews& planes) {
   processor_.transform(known.frame, known.mosaic, planes, sensor_.reach);
 }
 
+PictureMaps Engine::picture_maps(const FrameView& frame, OutputSet wanted) {
+  const KnownFrame known = plane_correction_.of(frame);
+  picture_source_.fill(processor_, known.frame, known.mosaic, wanted, sensor_.reach);
+  return picture_source_.maps();
+}
+
 void Engine::fill_maps(const FrameView& frame, const MapViews& maps) {
   const KnownFrame known = map_correction_.of(frame);
   MapSettings settings{known.samples, sensor_.maps.compensation};

@@ -5,6 +5,7 @@
 #include <span>
 #include <variant>
 
+#include "kv/pictures/picture_maps.h"
 #include "kv/polarization/maps.h"
 #include "kv/polarization/processor.h"
 #include "kv/polarization/region.h"
@@ -23,6 +24,10 @@ class Engine {
   Engine(const Sensor& sensor, int threads);
 
   void transform(const FrameView& frame, const PlaneViews& planes);
+
+  /// What pictures are made of, from the same frame as planes. Lasts until the next call.
+  PictureMaps picture_maps(const FrameView& frame, OutputSet wanted);
+
   void fill_maps(const FrameView& frame, const MapViews& maps);
   RegionStatistics region(const FrameView& frame, const Region& region);
 
@@ -31,6 +36,7 @@ class Engine {
   int threads_;
   Processor processor_;
   std::optional<MapMaker> map_maker_;
+  PictureSource picture_source_;
   Correction plane_correction_;
   Correction map_correction_;
 };

@@ -14,6 +14,7 @@
 #include "kv/image_files/image_reader.h"
 #include "kv/image_files/provenance.h"
 #include "python/bindings/bindings.h"
+#include "python/bindings/python_processor.h"
 #include "python/bindings/signals.h"
 #include "toolkit/api/memory_checks.h"
 #include "toolkit/image_files/samples.h"
@@ -37,15 +38,8 @@ std::optional<RawShape> raw_shape_of(const std::optional<RawTuple>& raw) {
     refuse("headerless frames of " + std::to_string(width) + " x " + std::to_string(height) +
            " pixels cannot be; both sides must be from 1 to " + std::to_string(most));
   }
-  const std::optional<PixelFormat> format = pixel_format_named(name);
-  if (!format) {
-    std::string known;
-    for (const PixelFormatTraits& traits : kPixelFormats) {
-      known += (known.empty() ? "" : ", ") + std::string(traits.name);
-    }
-    refuse("there is no pixel format '" + name + "'; there are " + known);
-  }
-  return RawShape{static_cast<int>(width), static_cast<int>(height), *format};
+  const PixelFormatTraits& traits = kPixelFormats[place_of(name, kPixelFormats, "pixel format")];
+  return RawShape{static_cast<int>(width), static_cast<int>(height), traits.format};
 }
 
 /// An array of a buffer's memory, which it keeps alive.

@@ -11,5 +11,6 @@ PYBIND11_MODULE(_core, module) {
   bind_identify(module);
   bind_image_files(module);
   bind_image_writing(module);
+  bind_pictures(module);
   bind_processor(module);
 }

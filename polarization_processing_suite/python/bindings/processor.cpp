@@ -8,6 +8,7 @@
 #include "python/bindings/arguments.h"
 #include "python/bindings/bindings.h"
 #include "python/bindings/frame_loop.h"
+#include "python/bindings/pictures.h"
 #include "python/bindings/python_calibration.h"
 #include "python/bindings/python_processor.h"
 
@@ -143,7 +144,10 @@ void bind_processor(py::module_& module) {
       .def("maps", &PythonProcessor::maps, py::arg("frames"), py::arg("maps"), py::arg("out"),
            py::arg("threads"))
       .def("region", &PythonProcessor::region, py::arg("frames"), py::arg("region"),
-           py::arg("mask"), py::arg("threads"));
+           py::arg("mask"), py::arg("threads"))
+      .def(
+          "pictures", [](PythonProcessor& processor) { return Pictures(processor.engines()); },
+          py::keep_alive<0, 1>());
 }
 
 }  // namespace kv::polarization::python

@@ -31,6 +31,8 @@ class PythonProcessor {
   py::dict region(const py::object& frames, const std::optional<std::array<int, 4>>& rectangle,
                   const py::object& mask, std::int64_t threads);
 
+  EnginePool& engines() { return engines_; }
+
  private:
   Sensor sensor_;
   EnginePool engines_;

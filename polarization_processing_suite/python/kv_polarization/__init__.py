@@ -1,5 +1,6 @@
 """Planes of polarization cameras, exact and fast, on numpy arrays."""
 
+from kv_polarization import pictures
 from kv_polarization._core import __version__
 from kv_polarization.calibration import Calibration, CorrectedFrames
 from kv_polarization.calibration_records import Finding, FrameRecord, Measured, PixelClass
@@ -17,4 +18,4 @@ __all__ += ["MAPS", "Maps", "Quality", "RegionMeans", "SensorNoise", "Stokes"]
 __all__ += ["Calibration", "CorrectedFrames", "Finding", "FrameRecord", "Measured", "PixelClass"]
 __all__ += ["MosaicCandidate", "MosaicIdentity", "identify_mosaic"]
 __all__ += ["PIXEL_FORMATS", "FrameFile", "RawShape", "open_frames", "provenance_of"]
-__all__ += ["read", "write"]
+__all__ += ["pictures", "read", "write"]
