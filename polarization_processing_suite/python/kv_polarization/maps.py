@@ -4,12 +4,14 @@ from __future__ import annotations
 
 import dataclasses
 import enum
-from typing import ClassVar, NamedTuple, Optional, Tuple, Union
+from typing import ClassVar, Dict, NamedTuple, Optional, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
 
+from kv_polarization.colours import angle_colours
 from kv_polarization.named_arrays import NamedArrays
+from kv_polarization.thumbnails import ColourFunction, Row, encoded, grey, signed
 
 FloatMap = npt.NDArray[np.float32]
 
@@ -92,6 +94,26 @@ class Maps(NamedArrays):
     angle_sigma: Optional[FloatMap] = None
     quality: Optional[npt.NDArray[np.uint8]] = None
 
+    def _row(self, name: str) -> Row:
+        return Row(name, self[name], *_SHOWN.get(name, ("standard deviation in counts", grey)))
+
+
+def _flagged(quality: npt.NDArray[np.uint8]) -> npt.NDArray[np.uint8]:
+    return grey(quality > 0)
+
+
+#: What maps mean, and their colours; those of standard deviations in counts are left out.
+_SHOWN: Dict[str, Tuple[str, ColourFunction]] = {
+    "s0": ("counts above black", encoded),
+    "s1": ("counts", signed),
+    "s2": ("counts", signed),
+    "dolp": ("degree of linear polarization, 0 up", grey),
+    "angle": ("angle of linear polarization, -90° to 90°", angle_colours),
+    "debiased_dolp": ("degree of linear polarization, 0 up", grey),
+    "dolp_sigma": ("standard deviation", grey),
+    "angle_sigma": ("standard deviation in degrees", grey),
+    "quality": ("bits of Quality; the picture shows pixels with any", _flagged),
+}
 
 Counts = Union[np.int64, npt.NDArray[np.int64]]
 Values = Union[np.float64, npt.NDArray[np.float64]]

@@ -7,6 +7,8 @@ from typing import Any, ClassVar, Dict, Mapping, Sequence, Tuple, Union
 import numpy as np
 import numpy.typing as npt
 
+from kv_polarization.thumbnails import Row, thumbnail_table
+
 
 class NamedArrays:
     """Arrays by their names, those of `NAMES`; None where one was not asked for."""
@@ -29,6 +31,14 @@ class NamedArrays:
     def __repr__(self) -> str:
         arrays = [f"{name}: {array.dtype} {array.shape}" for name, array in self.asdict().items()]
         return f"{type(self).__name__}({', '.join(arrays)})"
+
+    def _repr_html_(self) -> str:
+        """A table with thumbnails, as notebooks show it."""
+        return thumbnail_table(type(self).__name__, map(self._row, self.names))
+
+    def _row(self, name: str) -> Row:
+        """How the table shows the array of that name."""
+        raise NotImplementedError
 
 
 Out = Union[

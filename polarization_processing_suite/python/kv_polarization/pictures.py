@@ -12,7 +12,8 @@ import numpy.typing as npt
 
 from kv_polarization import _core
 from kv_polarization.colours import angle_colours, colormap, ratio_colours
-from kv_polarization.processor import Frames, Processor
+from kv_polarization.frames import Frames
+from kv_polarization.processor import Processor
 
 __all__ = [
     "KINDS",

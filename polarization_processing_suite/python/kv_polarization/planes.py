@@ -8,7 +8,9 @@ from typing import ClassVar, Optional, Tuple
 import numpy as np
 import numpy.typing as npt
 
+from kv_polarization.colours import angle_colours, ratio_colours
 from kv_polarization.named_arrays import NamedArrays
+from kv_polarization.thumbnails import Row, encoded, grey
 
 #: The names of all planes.
 PLANES: Tuple[str, ...] = (
@@ -51,3 +53,21 @@ class Planes(NamedArrays):
 
     def __repr__(self) -> str:
         return f"{super().__repr__()[:-1]}, output_max={self.output_max})"
+
+    def _row(self, name: str) -> Row:
+        plane, scale = self[name], f"as 0 to {self.output_max}"
+        if name == "normalized_stokes":
+            meaning = "S1/S0 and S2/S0; the picture shows S1/S0 from -1, blue, to 1, red"
+            return Row(name, plane, meaning, lambda pairs: ratio_colours(pairs[..., 0]), True)
+        if name == "azimuth":
+            degrees = 180 / self.output_max
+            return Row(
+                name,
+                plane,
+                f"angle of linear polarization, -90° to 90° {scale}",
+                lambda levels: angle_colours(levels * degrees - 90),
+            )
+        if name == "dolp":
+            return Row(name, plane, f"degree of linear polarization, 0 to 1 {scale}", grey)
+        stokes = {"intensity": "S0", "stokes_s1": "S1 above 0", "stokes_s2": "S2 above 0"}[name]
+        return Row(name, plane, f"{stokes}, 0 to full scale {scale}", encoded)

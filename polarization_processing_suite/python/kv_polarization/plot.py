@@ -14,7 +14,8 @@ import numpy as np
 import numpy.typing as npt
 
 from kv_polarization import pictures
-from kv_polarization.processor import Frames, Processor
+from kv_polarization.frames import Frames
+from kv_polarization.processor import Processor
 
 try:
     from matplotlib import pyplot as plt
