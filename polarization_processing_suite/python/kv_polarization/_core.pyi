@@ -44,6 +44,19 @@ class FrameFile:
     def count(self) -> int: ...
     def read(self, index: int) -> Tuple[npt.NDArray[np.uint16], int, List[str]]: ...
 
+class Pictures:
+    def brightness(self, frame: object) -> npt.NDArray[np.uint16]: ...
+    def picture(
+        self,
+        frame: object,
+        kind: str,
+        *,
+        dolp_white: Optional[float],
+        ratio_limit: Optional[float],
+        legend: bool,
+    ) -> npt.NDArray[np.uint8]: ...
+    def ranges(self, frame: object) -> Tuple[float, float]: ...
+
 class Processor:
     def __init__(
         self,
@@ -65,6 +78,7 @@ class Processor:
     def maps(
         self, frames: object, maps: Sequence[str], out: Sequence[object], threads: int
     ) -> List[npt.NDArray[Any]]: ...
+    def pictures(self) -> Pictures: ...
     def region(
         self, frames: object, region: Optional[Sequence[int]], mask: object, threads: int
     ) -> Dict[str, npt.NDArray[Any]]: ...
