@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the wheel of a build tree, installs it into a new environment, and runs there the lines of
-# the README and the examples.
+# the README and of the package's page.
 #
 #   wheel_test.sh PYTHON SOURCE BUILD TOUR WORK      TOUR: the folder of the README's tour
 set -euo pipefail
@@ -30,9 +30,11 @@ for name in ("library", "vector_module", "logger"):
 assert info["logger"] and (package / "py.typed").exists(), info
 PYTHON
 
-sed -n '/^```python$/,/^```$/{/^```/!p}' "$source/README.md" >"$work/readme.py"
-[[ -s $work/readme.py ]] || {
-  echo "the README has no lines in Python" >&2
-  exit 1
-}
-"$work/venv/bin/python" "$work/readme.py"
+for page in README.md docs/python.md; do
+  sed -n '/^```python$/,/^```$/{/^```/!p}' "$source/$page" >"$work/page.py"
+  [[ -s $work/page.py ]] || {
+    echo "$page has no lines in Python" >&2
+    exit 1
+  }
+  "$work/venv/bin/python" "$work/page.py"
+done
