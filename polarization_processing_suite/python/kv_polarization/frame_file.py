@@ -57,8 +57,8 @@ class FrameFile:
 
     `frames[i]` reads a frame, of uint8 where its samples are of 8 bits at most, else of uint16, the
     significant bits being the lowest ones. `frames[a:b]` reads several into one array (frames,
-    rows, columns), and further indices choose from what was read, as in `frames[:, ::2, ::2]`. No more
-    memory is needed than what is asked for takes, and one frame.
+    rows, columns), and further indices choose from what was read, as in `frames[:, ::2, ::2]`. No
+    more memory is needed than what is asked for takes, and one frame.
 
     Any number of threads may read, one at a time. A file pickles as its path, and forked processes
     open it anew. Frames may differ in size and type; arrays of several cannot.
