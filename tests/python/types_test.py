@@ -12,7 +12,7 @@ ROOT = pathlib.Path(__file__).parents[2]
 PACKAGE = ROOT / "polarization_processing_suite" / "python"
 
 # pybind11's classes are of a metaclass of its own, and take *args where they have no constructor.
-PECULIAR = r"kv_polarization\._core\.(Calibration|FrameFile|Pictures|Processor)(\.__init__)?"
+PECULIAR = r"kv_polarization\._core\.(Calibration|F\w+|Pictures|Processor)(\.__init__)?"
 
 
 def run(*command, cwd):

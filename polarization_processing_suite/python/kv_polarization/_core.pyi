@@ -36,6 +36,42 @@ class Calibration:
     def __getstate__(self) -> Tuple[Any, ...]: ...
     def __setstate__(self, arg0: Tuple[Any, ...]) -> None: ...
 
+class FitPart:
+    def __init__(self, plan: FitPlan) -> None: ...
+    def add(self, frame: object, number: int) -> None: ...
+    def finish(self, again: Callable[[int], Any]) -> Calibration: ...
+    def merge(self, other: FitPart) -> None: ...
+    def __getstate__(self) -> Tuple[Any, ...]: ...
+    def __setstate__(self, arg0: Tuple[Any, ...]) -> None: ...
+
+class FitPlan:
+    def __init__(
+        self,
+        stack: Sequence[Tuple[int, float, str]],
+        read: Callable[[int], Any],
+        terms: FitTerms,
+    ) -> None: ...
+    def __getstate__(self) -> Tuple[Any, ...]: ...
+    def __setstate__(self, arg0: Tuple[Any, ...]) -> None: ...
+
+class FitTerms:
+    def __init__(
+        self,
+        *,
+        phase: int,
+        origin: Tuple[int, ...],
+        bit_depth: Optional[int],
+        left_aligned: bool,
+        threads: int,
+        noise: Optional[Tuple[float, float]],
+        black_level: float,
+        clip_level: Optional[int],
+        source_dolp: float,
+        angles_known: bool,
+        camera: str,
+        date: str,
+    ) -> None: ...
+
 class FrameFile:
     def __init__(
         self, path: os.PathLike[str] | str, raw: Optional[Tuple[int, int, str]]
@@ -95,23 +131,7 @@ def angle_colours(
     degrees: npt.ArrayLike, strengths: npt.ArrayLike, kind: str
 ) -> npt.NDArray[np.uint8]: ...
 def build_info() -> Dict[str, Any]: ...
-def fit(
-    stack: Iterable[Any],
-    again: Callable[[int], Any],
-    *,
-    phase: int,
-    origin: Tuple[int, ...],
-    bit_depth: Optional[int],
-    left_aligned: bool,
-    threads: int,
-    noise: Optional[Tuple[float, float]],
-    black_level: float,
-    clip_level: Optional[int],
-    source_dolp: float,
-    angles_known: bool,
-    camera: str,
-    date: str,
-) -> Calibration: ...
+def fit(stack: Iterable[Any], again: Callable[[int], Any], terms: FitTerms) -> Calibration: ...
 def identify_mosaic(
     first: object,
     second: object,

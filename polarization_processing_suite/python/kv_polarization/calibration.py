@@ -10,7 +10,7 @@ import numpy.typing as npt
 
 from kv_polarization import _core
 from kv_polarization.calibration_records import CalibrationFields
-from kv_polarization.calibration_stack import Stack
+from kv_polarization.calibration_stack import Stack, angles_of
 from kv_polarization.frames import Frames, thread_count
 from kv_polarization.noise import SensorNoise, noise_numbers
 
@@ -102,25 +102,22 @@ class Calibration(CalibrationFields):
         lie as `phase` tells, frames of odd sides, values out of their range; TypeError for frames
         of another type. What `frames` throws passes through.
         """
-        stack = Stack(frames, darks, flats, _angles_of(angles), angles_known, names)
-        return cls(
-            _core.fit(
-                stack,
-                stack.again,
-                phase=phase,
-                origin=tuple(origin),
-                bit_depth=bit_depth,
-                left_aligned=left_aligned,
-                threads=thread_count(threads),
-                noise=noise_numbers(noise),
-                black_level=black_level,
-                clip_level=clip_level,
-                source_dolp=source_dolp,
-                angles_known=angles_known,
-                camera=camera,
-                date=date,
-            )
+        stack = Stack(frames, darks, flats, angles_of(angles), angles_known, names)
+        terms = _core.FitTerms(
+            phase=phase,
+            origin=tuple(origin),
+            bit_depth=bit_depth,
+            left_aligned=left_aligned,
+            threads=thread_count(threads),
+            noise=noise_numbers(noise),
+            black_level=black_level,
+            clip_level=clip_level,
+            source_dolp=source_dolp,
+            angles_known=angles_known,
+            camera=camera,
+            date=date,
         )
+        return cls(_core.fit(stack, stack.again, terms))
 
     @classmethod
     def load(cls, path: Path) -> Calibration:
@@ -232,10 +229,3 @@ class Calibration(CalibrationFields):
 
     def __reduce__(self) -> Tuple[Any, ...]:
         return Calibration, (self._core,)
-
-
-def _angles_of(angles: npt.ArrayLike) -> Sequence[float]:
-    values = np.atleast_1d(np.asarray(angles, np.float64))
-    if values.ndim != 1:
-        raise ValueError(f"angles must be a list of degrees, not of the shape {values.shape}")
-    return [float(value) for value in values]

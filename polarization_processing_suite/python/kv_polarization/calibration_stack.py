@@ -7,6 +7,7 @@ import math
 from typing import Any, Callable, Iterable, Iterator, List, Optional, Sequence, Tuple
 
 import numpy as np
+import numpy.typing as npt
 
 _KINDS = ("polarized", "dark", "flat")
 Item = Tuple[int, float, str, Any]  # number of the kind, angle, name, frame
@@ -91,3 +92,11 @@ class Stack:
                     f"there are {count} {what} for {frames}{least} polarized frames; "
                     "there must be one for each"
                 )
+
+
+def angles_of(angles: npt.ArrayLike) -> Sequence[float]:
+    """Throws ValueError for what is no list of degrees."""
+    values = np.atleast_1d(np.asarray(angles, np.float64))
+    if values.ndim != 1:
+        raise ValueError(f"angles must be a list of degrees, not of the shape {values.shape}")
+    return [float(value) for value in values]

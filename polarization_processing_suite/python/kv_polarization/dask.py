@@ -19,8 +19,12 @@ from dask.array.core import Array, PerformanceWarning
 from dask.base import normalize_token
 from dask.delayed import delayed
 
+from kv_polarization._dask_fit import calibrate
+from kv_polarization.frames import Frames
 from kv_polarization.planes import Planes
-from kv_polarization.processor import Frames, Processor
+from kv_polarization.processor import Processor
+
+__all__ = ["CHUNK_BYTES", "calibrate", "transform"]
 
 #: A chunk's frames and planes together, in bytes, above which `transform` warns. A worker holds one
 #: such chunk for each of its threads, and usually has 2 to 4 GiB for each.
@@ -65,7 +69,7 @@ def transform(
 
     axes = tuple(range(frames.ndim))
     # Each chunk is the tuple of its planes.
-    chunks = blockwise(  # type: ignore[no-untyped-call]
+    chunks = blockwise(
         functools.partial(_planes_of_chunk, names, output_max),
         axes,
         frames,
@@ -80,7 +84,7 @@ def transform(
     for index, name in enumerate(names):
         beyond = of_zeros[name].shape[2:]  # the axis of a pair
         pair = {frames.ndim + axis: size for axis, size in enumerate(beyond)}
-        arrays[name] = blockwise(  # type: ignore[no-untyped-call]
+        arrays[name] = blockwise(
             operator.itemgetter(index),
             axes + tuple(pair),
             chunks,
@@ -143,4 +147,4 @@ def _token_of(processor: Processor) -> Tuple[str, Any]:
     return type(processor).__name__, normalize_token(processor.__reduce__()[1])
 
 
-normalize_token.register(Processor, _token_of)  # type: ignore[no-untyped-call]
+normalize_token.register(Processor, _token_of)
