@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Planes of a zarr array of frames, on all cores of this machine or on a cluster, into a zarr group.
+"""Planes of a zarr array of frames, on all cores or on a cluster, into a zarr group.
 
     cluster.py night.zarr planes.zarr --phase 90 --bit-depth 12
     cluster.py night.zarr planes.zarr --scheduler tcp://10.0.0.1:8786
     cluster.py night.zarr planes.zarr --scheduler scheduler.json
 
-The frames are an array (frames, rows, columns). An ended run goes on where it was: frames are done in
-slabs, and the group tells how many frames are behind it.
+The frames are an array (frames, rows, columns). An ended run goes on where it was: frames are done
+in slabs, and the group tells how many frames are behind it.
 """
 
 import argparse
@@ -47,12 +47,17 @@ def main():
     # Tasks write whole chunks of the store, so that no two of them meet in one.
     chunk = -(-options.chunk // source.chunks[0]) * source.chunks[0]
     frames = da.from_zarr(source, chunks=(chunk, -1, -1))
-    planes = transform(frames, kv.Processor(options.phase, bit_depth=options.bit_depth), options.names)
+    processor = kv.Processor(options.phase, bit_depth=options.bit_depth)
+    planes = transform(frames, processor, options.names)
 
     results = zarr.open_group(options.planes, mode="a")
     stores = [
         results.require_dataset(
-            name, plane.shape, dtype=plane.dtype, exact=True, chunks=source.chunks[:1] + plane.shape[1:]
+            name,
+            plane.shape,
+            dtype=plane.dtype,
+            exact=True,
+            chunks=source.chunks[:1] + plane.shape[1:],
         )
         for name, plane in planes.asdict().items()
     ]

@@ -1,4 +1,4 @@
-"""Planes of dask arrays: byte by byte those of one process, on every scheduler and on a real cluster."""
+"""Planes of dask arrays: the bytes of one process, on every scheduler and on a real cluster."""
 
 import os
 import signal
@@ -67,7 +67,8 @@ def test_a_chunk_is_read_and_made_once_for_all_planes_and_not_before():
     expected = PROCESSOR.transform(counted.array, kv.PLANES)
     for name in kv.PLANES:
         assert computed[name].tobytes() == expected[name].tobytes(), name
-        assert (planes[name].shape, planes[name].dtype) == (expected[name].shape, expected[name].dtype)
+        assert planes[name].shape == expected[name].shape
+        assert planes[name].dtype == expected[name].dtype
 
 
 def test_sources_and_schedulers(client, tmp_path):
@@ -123,7 +124,7 @@ def test_what_cannot_be_transformed_is_refused_before_it_is_read(change, part):
 
 
 def test_chunks_too_large_for_workers_are_told():
-    frames = da.zeros((400, 1000, 1000), dtype="u2", chunks=(200, -1, -1))  # 6 bytes a pixel with planes
+    frames = da.zeros((400, 1000, 1000), dtype="u2", chunks=(200, -1, -1))  # 6 MB each, with planes
     with pytest.warns(da.PerformanceWarning, match=f"of {CHUNK_BYTES // 6000000} frames"):
         transform(frames, PROCESSOR)
 

@@ -1,7 +1,7 @@
 """Planes of dask arrays: frames larger than memory, on the cores of one machine or of many.
 
-Needs dask, and nothing else beyond the package itself; zarr, HDF5 and TIFF are read by what dask reads
-them with. docs/cluster.md tells how to choose chunks and how to start workers.
+Needs dask alone beyond the package itself; zarr, HDF5 and TIFF are read by what dask reads them
+with. docs/cluster.md tells how to choose chunks and how to start workers.
 """
 
 from __future__ import annotations
@@ -38,10 +38,10 @@ def transform(
     *,
     output_max: int = 65535,
 ) -> Planes:
-    """The planes of frames, as dask arrays: nothing is read or computed before they are asked for.
+    """The planes of frames, as dask arrays: nothing is read or computed until they are asked for.
 
-    `frames` is a dask array (..., rows, columns) of uint8 or uint16, from wherever, with each frame in
-    one chunk. The planes have its chunks, and the dtypes, shapes and bytes that
+    `frames` is a dask array (..., rows, columns) of uint8 or uint16, from wherever, with each frame
+    in one chunk. The planes have its chunks, and the dtypes, shapes and bytes that
     `Processor.transform` gives; `planes` and `output_max` are those of it.
 
         planes = transform(dask.array.from_zarr("night.zarr"), Processor(90), ("intensity", "dolp"))
@@ -49,17 +49,17 @@ def transform(
         (in_memory,) = dask.compute(planes)      # Planes of numpy arrays
         dask.array.store([planes.intensity, planes.dolp], [a, b], lock=False)
 
-    One task reads a chunk and makes all its planes, on one thread, as dask runs a task a core. Planes
-    that are computed together share it; planes computed by calls of their own are made anew each
-    time. So name those that are needed, and compute them together. The processor travels to each
-    worker once in a computation (with the scheduler "processes", with every task).
+    One task reads a chunk and makes all its planes, on one thread, as dask runs a task a core.
+    Planes that are computed together share it; planes computed by calls of their own are made anew
+    each time. So name those that are needed, and compute them together. The processor travels to
+    each worker once in a computation (with the scheduler "processes", with every task).
 
     Equal calls give equal keys, in other processes too.
 
-    Throws TypeError for frames that are no dask array, or of another dtype, and ValueError for frames
-    in several chunks, for sides that are not known, and for all that `Processor.transform` refuses:
-    it is given a frame of zeros first. Warns by `dask.array.PerformanceWarning` of chunks larger than
-    `CHUNK_BYTES`.
+    Throws TypeError for frames that are no dask array, or of another dtype, and ValueError for
+    frames in several chunks, for sides that are not known, and for all that `Processor.transform`
+    refuses: it is given a frame of zeros first. Warns by `dask.array.PerformanceWarning` of chunks
+    larger than `CHUNK_BYTES`.
     """
     names = (planes,) if isinstance(planes, str) else tuple(planes)
     _check_chunks(frames)
@@ -109,8 +109,8 @@ def _check_chunks(frames: Array) -> None:
     """Refuses all but whole frames, without computing anything."""
     if not isinstance(frames, Array):
         raise TypeError(
-            f"frames must be a dask array, not {type(frames).__name__}; dask.array.from_array makes "
-            "one, and Processor.transform takes numpy arrays"
+            f"frames must be a dask array, not {type(frames).__name__}; dask.array.from_array "
+            "makes one, and Processor.transform takes numpy arrays"
         )
     if frames.ndim < 2:
         raise ValueError(
@@ -134,8 +134,8 @@ def _warn_of_size(frames: Array, bytes_a_frame: int) -> None:
     if most * bytes_a_frame > CHUNK_BYTES:  # never where sizes are not known, as NaN
         fitting = max(CHUNK_BYTES // bytes_a_frame, 1)
         warnings.warn(
-            f"a chunk of {most} frames and their planes takes {most * bytes_a_frame / 2**30:.1f} GiB "
-            f"of memory for each thread of a worker; chunks of {fitting} frames stay below "
+            f"a chunk of {most} frames and their planes takes {most * bytes_a_frame / 2**30:.1f} "
+            f"GiB of memory for each thread of a worker; chunks of {fitting} frames stay below "
             f"{CHUNK_BYTES / 2**30:g} GiB",
             PerformanceWarning,
             stacklevel=3,
