@@ -40,7 +40,7 @@ import kv_polarization as kv
 from kv_polarization.dask import transform
 
 WIDTH, HEIGHT = 2448, 2048
-FRAMES, FRAMES_A_TASK = 192, 8  # 1.9 GB, and 3.9 GB of planes
+FRAMES, FRAMES_STORED, FRAMES_A_TASK = 512, 256, 8  # 256 stored ones have 5 GB of planes
 NAMES = ("intensity", "dolp")
 STRANGERS = 0.1  # most of a core that others may take in a round that counts
 PROCESSOR = kv.Processor(90, bit_depth=12)
@@ -49,14 +49,17 @@ KEPT = {"MALLOC_MMAP_THRESHOLD_": 1 << 32, "MALLOC_TRIM_THRESHOLD_": 1 << 32, "M
 
 
 def make_frames(folder):
+    """Eight different frames, over and over: files of a zarr store may be links to each other."""
     frames = zarr.open(
         f"{folder}/frames", "w", shape=(FRAMES, HEIGHT, WIDTH), chunks=(1, HEIGHT, WIDTH),
         dtype="u2", compressor=None,
     )  # fmt: skip
     random = np.random.default_rng(1)
-    different = [random.integers(0, 4096, (HEIGHT, WIDTH), np.uint16) for _ in range(8)]
     for index in range(FRAMES):
-        frames[index] = different[index % 8]
+        if index < 8:
+            frames[index] = random.integers(0, 4096, (HEIGHT, WIDTH), np.uint16)
+        else:
+            os.link(f"{folder}/frames/{index % 8}.0.0", f"{folder}/frames/{index}.0.0")
     return frames
 
 
@@ -76,6 +79,7 @@ def works(frames, folder):
     """The kinds of work, each as a function that makes what a client computes."""
     chunks = da.from_zarr(frames, chunks=(FRAMES_A_TASK, -1, -1))
     planes = transform(chunks, PROCESSOR, NAMES)
+    stored = [plane[:FRAMES_STORED] for plane in planes.asdict().values()]
     stores = [zarr.open_like(frames, f"{folder}/{name}", mode="w") for name in NAMES]
 
     def first(plane):
@@ -84,9 +88,7 @@ def works(frames, folder):
     return {
         "bare": lambda: da.zeros(FRAMES, chunks=FRAMES_A_TASK).map_blocks(bare, dtype=float).sum(),
         "read": lambda: first(planes.intensity) + first(planes.dolp),
-        "store": lambda: da.store(
-            [planes.intensity, planes.dolp], stores, lock=False, compute=False
-        ),
+        "store": lambda: da.store(stored, stores, lock=False, compute=False),
     }
 
 
@@ -105,14 +107,6 @@ def seconds_of(processes):
     return total * TICK
 
 
-def wait_for_quiet():
-    while True:
-        before = busy_seconds()
-        time.sleep(0.5)
-        if busy_seconds() - before < STRANGERS / 2:
-            return
-
-
 @dataclass
 class Round:
     seconds: float
@@ -121,22 +115,42 @@ class Round:
     strangers: float  # cores
 
 
-def timed(client, collection):
-    workers = client.run(os.getpid).values()
-    busy, here, there = busy_seconds(), seconds_of([os.getpid()]), seconds_of(workers)
-    start = time.perf_counter()
+class Watch:
+    """What was taken of the processors since it began."""
+
+    def __init__(self, clients):
+        self.workers = [pid for client in clients for pid in client.run(os.getpid).values()]
+        self.start = self._now()
+
+    def _now(self):
+        times = time.perf_counter(), busy_seconds(), seconds_of([os.getpid()])
+        return np.array([*times, seconds_of(self.workers)])
+
+    def read(self):
+        seconds, busy, here, workers = self._now() - self.start
+        return Round(seconds, workers, here, (busy - here - workers) / seconds)
+
+
+def wait_for_quiet(clients):
+    while True:
+        watch = Watch(clients)
+        time.sleep(0.5)
+        if watch.read().strangers < STRANGERS:
+            return
+
+
+def timed(client, collection, idle):
+    watch = Watch([client, idle])
     client.compute(collection).result()
-    seconds = time.perf_counter() - start
-    here, there = seconds_of([os.getpid()]) - here, seconds_of(workers) - there
-    return Round(seconds, there, here, (busy_seconds() - busy - here - there) / seconds)
+    return watch.read()
 
 
 def measure(one, two, make, rounds):
     """Pairs of rounds in quiet moments."""
     pairs = []
     for _ in range(10 * rounds):
-        wait_for_quiet()
-        pair = timed(one, make()), timed(two, make())
+        wait_for_quiet([one, two])
+        pair = timed(one, make(), two), timed(two, make(), one)
         if max(part.strangers for part in pair) < STRANGERS:
             pairs.append(pair)
         if len(pairs) == rounds:
@@ -145,15 +159,17 @@ def measure(one, two, make, rounds):
 
 
 def report(name, pairs):
+    frames = FRAMES_STORED if name == "store" else FRAMES
+
     def median(of):
         return statistics.median(map(of, pairs)) if pairs else float("nan")
 
     print(
-        f"| {name} | {FRAMES / median(lambda p: p[0].seconds):.0f} "
-        f"| {FRAMES / median(lambda p: p[1].seconds):.0f} "
+        f"| {name} | {frames / median(lambda p: p[0].seconds):.0f} "
+        f"| {frames / median(lambda p: p[1].seconds):.0f} "
         f"| {median(lambda p: p[0].seconds / p[1].seconds):.2f} "
-        f"| {1000 / FRAMES * median(lambda p: p[0].worker_time):.1f} "
-        f"| {1000 / FRAMES * median(lambda p: p[1].worker_time):.1f} "
+        f"| {1000 / frames * median(lambda p: p[0].worker_time):.1f} "
+        f"| {1000 / frames * median(lambda p: p[1].worker_time):.1f} "
         f"| {median(lambda p: p[1].scheduler_time / p[1].seconds):.2f} "
         f"| {median(lambda p: p[1].strangers):.2f} | {len(pairs)} |",
         flush=True,
@@ -164,19 +180,20 @@ def report_tasks(client):
     """Of a graph like that of `transform`, whose tasks take next to no time."""
     frames = da.zeros((5000, 4, 4), chunks=(1, 4, 4), dtype=np.uint16)
     planes = transform(frames, PROCESSOR, NAMES)
-    wait_for_quiet()
-    before, start = seconds_of([os.getpid()]), time.perf_counter()
+    wait_for_quiet([client])
+    watch = Watch([client])
     wait(client.persist([planes.intensity, planes.dolp]))
+    taken = watch.read()
     tasks = 3 * frames.npartitions
     print(
-        f"\nA task takes {1e6 * (seconds_of([os.getpid()]) - before) / tasks:.0f} us of the process of "
-        f"scheduler and client, {1e6 * (time.perf_counter() - start) / tasks:.0f} us in all."
+        f"\nA task takes {1e6 * taken.scheduler_time / tasks:.0f} us of the process of scheduler and "
+        f"client, {1e6 * taken.seconds / tasks:.0f} us of the clock."
     )
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--folder", default="/dev/shm", help="where 6 GB have room, in memory")
+    parser.add_argument("--folder", default="/dev/shm", help="where 6 GB have room, in memory; links must be possible")
     parser.add_argument("--rounds", type=int, default=7, help="pairs that count")
     parser.add_argument("--keep-memory", action="store_true")
     options = parser.parse_args()
