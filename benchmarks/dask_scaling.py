@@ -12,12 +12,12 @@ each, which take turns:
     store    reads and transforms, and writes the planes to another such store
 
 Scheduler and client take their part of the same cores. So do strangers: each pair of rounds waits
-until they are quiet, and counts if they took less than a tenth of a core in both. All processor time
-of the machine that is not of this program or its workers is theirs. Medians are printed, with
+until they are quiet, and counts if they took less than a tenth of a core in both. All processor
+time of the machine that is not of this program or its workers is theirs. Medians are printed, with
 processor time a frame of the workers.
 
-As glibc and Dask are set up, memory of large arrays goes back to the system after each task, and the
-next task has all its pages zeroed again; --keep-memory has the workers keep it.
+As glibc and Dask are set up, memory of large arrays goes back to the system after each task, and
+the next task has all its pages zeroed again; --keep-memory has the workers keep it.
 
 Last, tasks that do next to nothing: what the scheduler takes for each.
 """
@@ -186,25 +186,25 @@ def report_tasks(client):
     taken = watch.read()
     tasks = 3 * frames.npartitions
     print(
-        f"\nA task takes {1e6 * taken.scheduler_time / tasks:.0f} us of the process of scheduler and "
-        f"client, {1e6 * taken.seconds / tasks:.0f} us of the clock."
+        f"\nA task takes {1e6 * taken.scheduler_time / tasks:.0f} us of the process of scheduler "
+        f"and client, {1e6 * taken.seconds / tasks:.0f} us of the clock."
     )
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--folder", default="/dev/shm", help="where 6 GB have room, in memory; links must be possible")
+    parser.add_argument("--folder", default="/dev/shm", help="where 6 GB have room, in memory")
     parser.add_argument("--rounds", type=int, default=7, help="pairs that count")
     parser.add_argument("--keep-memory", action="store_true")
     options = parser.parse_args()
     if options.keep_memory:  # Dask hands this to its workers before they start
         os.environ.update({name: str(value) for name, value in KEPT.items()})
-    common = {"threads_per_worker": 1, "host": "127.0.0.1", "dashboard_address": None}
+    common = {"threads_per_worker": 1, "host": "127.0.0.1", "dashboard_address": "127.0.0.1:0"}
     folder = tempfile.mkdtemp(dir=options.folder)
     try:
         frames = make_frames(folder)
-        print("| work | frames/s, one worker | two workers | gain | ms of a core, one | two ", end="")
-        print("| cores of scheduler and client | of strangers | rounds |")
+        print("| work | frames/s, one worker | two workers | gain | ms of a core, one ", end="")
+        print("| two | cores of scheduler and client | of strangers | rounds |")
         print("| --- " * 9 + "|")
         with LocalCluster(n_workers=1, **common) as first, Client(first) as one:
             with LocalCluster(n_workers=2, **common) as second, Client(second) as two:

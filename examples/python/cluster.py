@@ -35,7 +35,7 @@ def arguments():
 
 def connect(scheduler):
     if not scheduler:
-        return Client(n_workers=os.cpu_count(), threads_per_worker=1, dashboard_address=None)
+        return Client(n_workers=os.cpu_count(), threads_per_worker=1, dashboard_address=":0")
     if os.path.exists(scheduler):
         return Client(scheduler_file=scheduler)
     return Client(scheduler)

@@ -1,11 +1,9 @@
 """Planes of dask arrays: the bytes of one process, on every scheduler and on a real cluster."""
 
 import os
+import pickle
 import signal
-import subprocess
-import sys
 import time
-from pathlib import Path
 
 import dask
 import dask.array as da
@@ -15,6 +13,7 @@ import numpy as np
 import pytest
 import tifffile
 import zarr
+from calibration_test import ANGLES, FRAMES, STACK
 from dask.distributed import Client, LocalCluster
 
 import kv_polarization as kv
@@ -36,7 +35,7 @@ def client(tmp_path_factory):
         threads_per_worker=1,
         memory_limit=MEMORY,
         host="127.0.0.1",
-        dashboard_address=None,
+        dashboard_address="127.0.0.1:0",
         local_directory=str(tmp_path_factory.mktemp("workers")),
     ) as cluster, Client(cluster) as client:
         yield client
@@ -106,6 +105,12 @@ def test_keys_are_equal_for_equal_calls_alone(client):
     assert names() == names() == client.submit(names).result(timeout=30)
     different = [{"weight": 2}, {"frames": 1}, {"output_max": 255}, {"planes": NAMES[::-1]}]
     assert not any(set(names()) & set(names(**case)) for case in different)
+    calibrated = kv.Processor(calibration=kv.Calibration.fit(FRAMES, ANGLES, **STACK))
+    keys = {
+        transform(da.from_array(FRAMES), processor).dolp.name
+        for processor in (calibrated, pickle.loads(pickle.dumps(calibrated)))
+    }
+    assert len(keys) == 1
 
 
 @pytest.mark.parametrize("change, part", [
@@ -189,23 +194,3 @@ def test_a_killed_worker_loses_nothing(client, night, tmp_path):
     os.kill(list(client.run(os.getpid).values())[0], signal.SIGKILL)
     done.result(timeout=60)
     check(stores, night)
-
-
-def test_the_example_goes_on_where_it_was(tmp_path):
-    frames = frames_of(10)
-    zarr.save_array(tmp_path / "frames.zarr", frames, chunks=(1, 24, 40))
-    example = Path(__file__).parents[2] / "examples/python/cluster.py"
-    command = [sys.executable, example, tmp_path / "frames.zarr", tmp_path / "planes.zarr"]
-    command += ["--bit-depth", "12", "--chunk", "2", "--slab", "2"]
-
-    def run():
-        return subprocess.run(command, check=True, timeout=60, capture_output=True).stdout
-
-    expected = kv.Processor(bit_depth=12).transform(frames)
-    assert run().startswith(b"4 of 10")
-    planes = zarr.open_group(str(tmp_path / "planes.zarr"), "r+")
-    assert np.array_equal(planes["dolp"], expected.dolp)
-    planes["dolp"][:] = 7
-    planes.attrs["frames_done"] = 4
-    assert run().startswith(b"8 of 10")
-    assert (planes["dolp"][:4] == 7).all() and np.array_equal(planes["dolp"][4:], expected.dolp[4:])

@@ -20,6 +20,7 @@ from dask.base import normalize_token
 from dask.delayed import delayed
 
 from kv_polarization._dask_fit import calibrate
+from kv_polarization.calibration import Calibration
 from kv_polarization.frames import Frames
 from kv_polarization.planes import Planes
 from kv_polarization.processor import Processor
@@ -142,9 +143,10 @@ def _warn_of_size(frames: Array, bytes_a_frame: int) -> None:
         )
 
 
-def _token_of(processor: Processor) -> Tuple[str, Any]:
-    """What equal processors have in common, in all processes."""
-    return type(processor).__name__, normalize_token(processor.__reduce__()[1])
+def _token_of(known: Union[Processor, Calibration]) -> Tuple[str, Any]:
+    """What equal ones have in common, in all processes."""
+    state = known.__reduce__()[1] if isinstance(known, Processor) else known._core.__getstate__()
+    return type(known).__name__, normalize_token(state)
 
 
-normalize_token.register(Processor, _token_of)
+normalize_token.register((Processor, Calibration), _token_of)
