@@ -64,7 +64,17 @@ def test_other_stacks_are_refused(arguments, part):
     assert part in str(error.value)
 
 
-def test_damaged_parts_are_refused():
-    for made in (_core.FitPlan, _core.FitPart):
+def test_foreign_bytes_are_refused():
+    with pytest.raises(ValueError):
+        _core.FitPlan.__new__(_core.FitPlan).__setstate__((12, False, "", "", b"kv"))
+    stack = [(0, float(angle), "") for angle in ANGLES]
+    terms = _core.FitTerms(
+        phase=90, origin=(0, 0), bit_depth=12, left_aligned=False, threads=1, noise=None,
+        black_level=0, clip_level=None, source_dolp=1, angles_known=True, camera="", date="",
+    )  # fmt: skip
+    part = _core.FitPart(_core.FitPlan(stack, lambda number: FRAMES[number], terms))
+    part.add(FRAMES[0], 0)
+    whole = part.to_bytes()
+    for bytes_ in (whole[:-1], whole[1:], np.zeros(9, np.uint8), whole):  # it has the last one
         with pytest.raises(ValueError):
-            made.__new__(made).__setstate__((12, False, "", "", b"kv"))
+            part.merge(bytes_)

@@ -3,6 +3,8 @@
 #include <pybind11/numpy.h>
 #include <pybind11/stl.h>
 
+#include <span>
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -46,12 +48,13 @@ FitPlan plan_of(const std::vector<PlanItem>& stack, const py::function& read,
   return {terms.settings, frames, reader};
 }
 
-/// A part of a fit. What is merged or pickled stays as it was, so that a scheduler may use it
-/// again.
+using Bytes = py::array_t<std::uint8_t, py::array::c_style>;
+
+/// A part of a fit. It travels as an array of bytes, which nothing changes, so that a scheduler may
+/// hand it out again, and knows its size.
 class Part {
  public:
   explicit Part(const Plan& plan) : terms_(plan.terms), fit_(plan.plan, 1) {}
-  Part(FitTerms terms, CalibrationFit fit) : terms_(std::move(terms)), fit_(std::move(fit)) {}
 
   void add(const py::object& frame, std::size_t number) {
     FrameHands hands(terms_.layout);
@@ -60,28 +63,22 @@ class Part {
     fit_.add_planned(view, number);
   }
 
-  void merge(const Part& other) {
+  Bytes to_bytes() const {
+    Bytes bytes(static_cast<py::ssize_t>(fit_.byte_size()));
+    const std::span memory(bytes.mutable_data(), static_cast<std::size_t>(bytes.size()));
     const py::gil_scoped_release unlocked;
-    Buffer<std::uint8_t> bytes(other.fit_.byte_size());
-    other.fit_.write(std::as_writable_bytes(std::span(bytes)));
-    fit_.merge(CalibrationFit::from_bytes(std::as_bytes(std::span(bytes)), 1));
+    fit_.write(std::as_writable_bytes(memory));
+    return bytes;
+  }
+
+  void merge(const Bytes& bytes) {
+    const std::span memory(bytes.data(), static_cast<std::size_t>(bytes.size()));
+    const py::gil_scoped_release unlocked;
+    fit_.merge(CalibrationFit::from_bytes(std::as_bytes(memory), 1));
   }
 
   std::shared_ptr<PythonCalibration> finish(const py::function& again) {
     return finished(fit_, terms_, again);
-  }
-
-  const FitTerms& terms() const { return terms_; }
-
-  py::bytes bytes() const {
-    const std::size_t size = fit_.byte_size();
-    auto bytes = py::reinterpret_steal<py::bytes>(
-        PyBytes_FromStringAndSize(nullptr, static_cast<py::ssize_t>(size)));
-    if (!bytes) throw py::error_already_set();
-    auto* const memory = reinterpret_cast<std::byte*>(PyBytes_AS_STRING(bytes.ptr()));
-    const py::gil_scoped_release unlocked;
-    fit_.write({memory, size});
-    return bytes;
   }
 
  private:
@@ -89,25 +86,21 @@ class Part {
   CalibrationFit fit_;
 };
 
-std::span<const std::byte> bytes_of(const py::bytes& bytes) {
-  return std::as_bytes(std::span(std::string_view(bytes)));
-}
-
-/// What plans and parts travel with beside their bytes; the settings are in these.
-py::tuple state_of(const FitTerms& terms, const py::bytes& bytes) {
+/// What a plan travels with beside its bytes, which have the settings.
+py::tuple state_of(const Plan& plan) {
+  const std::vector<std::byte> bytes = plan.plan.to_bytes();
+  const FitTerms& terms = plan.terms;
   return py::make_tuple(terms.layout.bit_depth, terms.layout.alignment == SampleAlignment::left,
-                        terms.camera, terms.date, bytes);
+                        terms.camera, terms.date,
+                        py::bytes(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
 
-FitTerms terms_of(const py::tuple& state) {
-  return {.layout = layout_of(py::cast<std::optional<int>>(state[0]), py::cast<bool>(state[1])),
-          .camera = py::cast<std::string>(state[2]),
-          .date = py::cast<std::string>(state[3])};
-}
-
-py::bytes bytes_of_plan(const FitPlan& plan) {
-  const std::vector<std::byte> bytes = plan.to_bytes();
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+Plan plan_of_state(const py::tuple& state) {
+  const auto bytes = py::cast<std::string>(state[4]);
+  return {{.layout = layout_of(py::cast<std::optional<int>>(state[0]), py::cast<bool>(state[1])),
+           .camera = py::cast<std::string>(state[2]),
+           .date = py::cast<std::string>(state[3])},
+          FitPlan::from_bytes(std::as_bytes(std::span(bytes)))};
 }
 
 }  // namespace
@@ -125,23 +118,13 @@ void bind_calibration_fit(py::module_& module) {
              return Plan{terms, plan_of(stack, read, terms)};
            }),
            py::arg("stack"), py::arg("read"), py::arg("terms"))
-      .def(py::pickle(
-          [](const Plan& plan) { return state_of(plan.terms, bytes_of_plan(plan.plan)); },
-          [](const py::tuple& state) {
-            return Plan{terms_of(state),
-                        FitPlan::from_bytes(bytes_of(py::cast<py::bytes>(state[4])))};
-          }));
+      .def(py::pickle(&state_of, &plan_of_state));
   py::class_<Part>(module, "FitPart")
       .def(py::init<const Plan&>(), py::arg("plan"))
       .def("add", &Part::add, py::arg("frame"), py::arg("number"))
-      .def("merge", &Part::merge, py::arg("other"))
-      .def("finish", &Part::finish, py::arg("again"))
-      .def(py::pickle([](const Part& part) { return state_of(part.terms(), part.bytes()); },
-                      [](const py::tuple& state) {
-                        const auto bytes = py::cast<py::bytes>(state[4]);
-                        return Part(terms_of(state),
-                                    CalibrationFit::from_bytes(bytes_of(bytes), 1));
-                      }));
+      .def("to_bytes", &Part::to_bytes)
+      .def("merge", &Part::merge, py::arg("part"))
+      .def("finish", &Part::finish, py::arg("again"));
 }
 
 }  // namespace kv::polarization::python

@@ -129,20 +129,22 @@ def _sums(whole: da.Array, plan: _core.FitPlan) -> _core.FitPart:
             dask.delayed(_merged)(shared, parts[first : first + _MERGED_AT_ONCE])
             for first in range(0, len(parts), _MERGED_AT_ONCE)
         ]
-    total: _core.FitPart = dask.compute(parts[0])[0]
+    total = _core.FitPart(plan)
+    total.merge(dask.compute(parts[0])[0])
     return total
 
 
-def _part(plan: _core.FitPlan, frames: npt.NDArray[Any], first: int) -> _core.FitPart:
+def _part(plan: _core.FitPlan, frames: npt.NDArray[Any], first: int) -> npt.NDArray[np.uint8]:
     part = _core.FitPart(plan)
     for index, frame in enumerate(frames):
         part.add(frame, first + index)
-    return part
+    return part.to_bytes()
 
 
-def _merged(plan: _core.FitPlan, parts: Sequence[_core.FitPart]) -> _core.FitPart:
-    """Leaves the parts as they are: a scheduler may need them again."""
+def _merged(
+    plan: _core.FitPlan, parts: Sequence[npt.NDArray[np.uint8]]
+) -> npt.NDArray[np.uint8]:
     total = _core.FitPart(plan)
     for part in parts:
         total.merge(part)
-    return total
+    return total.to_bytes()
