@@ -83,6 +83,22 @@ def test_out_is_filled_in_place():
     assert processor.transform(frames, "dolp", out=single).dolp is single
 
 
+def test_memory_is_used_again_once_nobody_holds_it():
+    processor = kv.Processor()
+    frames = frames_of(rows=1024, columns=1024)  # planes of 2 MB
+    view = processor.transform(frames).dolp[5:7, ::3]
+    copy = view.copy()
+    address = view.base.ctypes.data
+    others = [processor.transform(frames[::-1]) for _ in range(4)]
+    assert np.array_equal(view, copy)
+    assert all(other.dolp.ctypes.data != address for other in others)
+    del view, others
+    again = processor.transform(frames, kv.PLANES)
+    del processor  # before its arrays
+    assert address in [plane.ctypes.data for plane in again.asdict().values()]
+    assert np.array_equal(again.dolp[5:7, ::3], copy) and again.dolp.flags.writeable
+
+
 def test_what_cannot_be_filled_is_refused_and_left_alone():
     frames = frames_of(2)
     plane = np.full(frames.shape, 7, np.uint16)

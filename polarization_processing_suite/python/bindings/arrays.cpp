@@ -222,8 +222,9 @@ std::vector<py::ssize_t> FrameStack::shape_with(const std::vector<py::ssize_t>& 
 }
 
 py::array output_array(std::string_view name, const py::handle& given, const py::dtype& dtype,
-                       const std::vector<py::ssize_t>& shape, std::size_t block_axes) {
-  if (given.is_none()) return py::array(dtype, shape);
+                       const std::vector<py::ssize_t>& shape, std::size_t block_axes,
+                       ResultMemory& memory) {
+  if (given.is_none()) return memory.array(dtype, shape);
   const std::string what = "the array for '" + std::string(name) + "'";
   const py::array array = array_of(given, what);
   if (!is_of(array, dtype)) {
@@ -247,10 +248,11 @@ py::array output_array(std::string_view name, const py::handle& given, const py:
 }
 
 Output make_output(const FrameStack& frames, const std::string& name, const py::handle& given,
-                   const py::dtype& dtype, std::size_t elements_a_pixel) {
+                   const py::dtype& dtype, ResultMemory& memory, std::size_t elements_a_pixel) {
   std::vector<py::ssize_t> block{frames.height(), frames.width()};
   if (elements_a_pixel > 1) block.push_back(static_cast<py::ssize_t>(elements_a_pixel));
-  py::array array = output_array(name, given, dtype, frames.shape_with(block), block.size());
+  py::array array =
+      output_array(name, given, dtype, frames.shape_with(block), block.size(), memory);
   const std::size_t bytes = pixel_count(frames.width(), frames.height()) * elements_a_pixel *
                             static_cast<std::size_t>(dtype.itemsize());
   BlockStack blocks(array, block.size(), bytes);

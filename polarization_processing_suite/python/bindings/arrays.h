@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "kv/polarization/frame.h"
+#include "python/bindings/result_memory.h"
 
 namespace kv::polarization::python {
 
@@ -80,10 +81,11 @@ class FrameStack {
 };
 
 /// A result's array: of this name, dtype and shape, each block of which lies in one piece. Takes
-/// `given`, or makes one where that is None. Throws TypeError for another type, ValueError for all
-/// else that cannot be written to.
+/// `given`, or one from `memory` where that is None. Throws TypeError for another type, ValueError
+/// for all else that cannot be written to.
 py::array output_array(std::string_view name, const py::handle& given, const py::dtype& dtype,
-                       const std::vector<py::ssize_t>& shape, std::size_t block_axes);
+                       const std::vector<py::ssize_t>& shape, std::size_t block_axes,
+                       ResultMemory& memory);
 
 /// A result, by its name.
 struct Output {
@@ -95,7 +97,7 @@ struct Output {
 /// A result of the frames' leading axes, rows and columns, and behind them, if there are several
 /// elements a pixel, an axis of those. Throws as output_array does.
 Output make_output(const FrameStack& frames, const std::string& name, const py::handle& given,
-                   const py::dtype& dtype, std::size_t elements_a_pixel = 1);
+                   const py::dtype& dtype, ResultMemory& memory, std::size_t elements_a_pixel = 1);
 
 /// Throws ValueError where a result shares memory with another one, with itself, or with the
 /// frames.

@@ -78,10 +78,11 @@ py::tuple PythonCalibration::apply(const py::object& objects, const py::object& 
       mosaic_of(cell_angles(own.phase)[0], origin.value_or(Origin{own.x_origin, own.y_origin}));
   const FrameStack frames(objects, layout_of(calibration.bit_depth, left_aligned));
   std::vector<Output> outputs;
-  outputs.push_back(make_output(frames, "out", out, py::dtype::of<std::uint16_t>()));
+  outputs.push_back(make_output(frames, "out", out, py::dtype::of<std::uint16_t>(), *memory_));
   check_disjoint(outputs, frames.blocks());
   if (wants_flags) {
-    outputs.push_back(make_output(frames, "flags", py::none(), py::dtype::of<std::uint8_t>()));
+    outputs.push_back(
+        make_output(frames, "flags", py::none(), py::dtype::of<std::uint8_t>(), *memory_));
   }
   const CorrectorUse use{mosaic.x_origin,
                          mosaic.y_origin,

@@ -14,13 +14,14 @@ namespace {
 
 const MapTraits& map_of(const std::string& name) { return kMaps[place_of(name, kMaps, "map")]; }
 
-std::vector<Output> map_outputs(const FrameStack& frames, const Names& names, const Arrays& given) {
+std::vector<Output> map_outputs(const FrameStack& frames, const Names& names, const Arrays& given,
+                                ResultMemory& memory) {
   check_names(names, given, "map");
   std::vector<Output> outputs;
   for (std::size_t i = 0; i < names.size(); ++i) {
     const bool is_bytes = map_of(names[i]).map == Map::quality;
     const py::dtype type = is_bytes ? py::dtype::of<std::uint8_t>() : py::dtype::of<float>();
-    outputs.push_back(make_output(frames, names[i], given[i], type));
+    outputs.push_back(make_output(frames, names[i], given[i], type, memory));
   }
   return outputs;
 }
@@ -91,7 +92,7 @@ ByteMask mask_of(const py::object& object, const FrameStack& frames) {
 Arrays PythonProcessor::maps(const py::object& objects, const Names& names, const Arrays& given,
                              std::int64_t threads) {
   const FrameStack frames(objects, sensor_.layout);
-  const std::vector<Output> outputs = map_outputs(frames, names, given);
+  const std::vector<Output> outputs = map_outputs(frames, names, given, *memory_);
   check_disjoint(outputs, frames.blocks());
   for_each_frame(engines_, frames.count(), threads, [&](Engine& engine, std::size_t index) {
     engine.fill_maps(frames[index], views_of(outputs, index));

@@ -38,14 +38,14 @@ const PlaneTraits& plane_of(const std::string& name) {
   return kPlanes[place_of(name, kPlanes, "plane")];
 }
 
-std::vector<Output> plane_outputs(const FrameStack& frames, const Names& names,
-                                  const Arrays& given) {
+std::vector<Output> plane_outputs(const FrameStack& frames, const Names& names, const Arrays& given,
+                                  ResultMemory& memory) {
   check_names(names, given, "plane");
   std::vector<Output> outputs;
   for (std::size_t i = 0; i < names.size(); ++i) {
     const bool is_pair = plane_of(names[i]).element == PlaneElement::float_pair;
     const py::dtype type = is_pair ? py::dtype::of<float>() : py::dtype::of<std::uint16_t>();
-    outputs.push_back(make_output(frames, names[i], given[i], type, is_pair ? 2 : 1));
+    outputs.push_back(make_output(frames, names[i], given[i], type, memory, is_pair ? 2 : 1));
   }
   return outputs;
 }
@@ -92,7 +92,8 @@ std::unique_ptr<PythonProcessor> processor_of(int phase, const Origin& origin,
 
 }  // namespace
 
-PythonProcessor::PythonProcessor(Sensor sensor) : sensor_(std::move(sensor)), engines_(sensor_) {
+PythonProcessor::PythonProcessor(Sensor sensor)
+    : sensor_(std::move(sensor)), engines_(sensor_), memory_(std::make_shared<ResultMemory>()) {
   check(sensor_);
   const EnginePool::Lease at_least_one(engines_, 1);
 }
@@ -124,7 +125,7 @@ Arrays PythonProcessor::transform(const py::object& objects, const Names& names,
   }
   const auto full_scale = static_cast<std::uint16_t>(output_max);
   const FrameStack frames(objects, sensor_.layout);
-  const std::vector<Output> outputs = plane_outputs(frames, names, given);
+  const std::vector<Output> outputs = plane_outputs(frames, names, given, *memory_);
   check_disjoint(outputs, frames.blocks());
   for_each_frame(engines_, frames.count(), threads, [&](Engine& engine, std::size_t index) {
     engine.transform(frames[index], views_of(outputs, index, full_scale));

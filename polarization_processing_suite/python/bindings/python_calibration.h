@@ -9,6 +9,7 @@
 
 #include "kv/calibration/calibration.h"
 #include "python/bindings/arguments.h"
+#include "python/bindings/result_memory.h"
 #include "python/bindings/spare_corrector.h"
 
 namespace kv::polarization::python {
@@ -31,6 +32,7 @@ class PythonCalibration {
  private:
   std::shared_ptr<const Calibration> calibration_;
   SpareCorrector spare_;
+  std::shared_ptr<ResultMemory> memory_ = std::make_shared<ResultMemory>();
 };
 
 }  // namespace kv::polarization::python

@@ -36,6 +36,7 @@ class PythonProcessor {
  private:
   Sensor sensor_;
   EnginePool engines_;
+  std::shared_ptr<ResultMemory> memory_;  // that arrays of results outlive the processor with
 };
 
 /// The place of a name in a table of traits. Throws Fault of kind argument, which calls it `what`,
