@@ -1,7 +1,6 @@
 #include "command_line/measure/measure_command.h"
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
 #include <iostream>
 #include <iterator>
@@ -20,37 +19,6 @@
 
 namespace kv::polarization {
 namespace {
-
-/// Counts the region's cells that the correction found clipped, or rebuilt: its samples no longer
-/// tell.
-void count_corrected(const KnownFrame& known, const Rectangle& region, RegionStatistics& result) {
-  if (known.flags.empty()) return;
-  result.clipped = result.rescued = 0;
-  for (int y = region.row; y + 1 < region.row + region.height; y += 2) {
-    for (int x = region.column; x + 1 < region.column + region.width; x += 2) {
-      const std::size_t upper = pixel_count(known.frame.width, y) + static_cast<std::size_t>(x);
-      const std::size_t lower = upper + static_cast<std::size_t>(known.frame.width);
-      const int flags =
-          known.flags[upper] | known.flags[upper + 1] | known.flags[lower] | known.flags[lower + 1];
-      if ((flags & quality::clipped) == 0) continue;
-      ++result.clipped;
-      const int rescued = quality::clipped | quality::rescued;
-      if ((flags & (rescued | quality::bad_pixel)) == rescued) ++result.rescued;
-    }
-  }
-}
-
-/// Of the raw frame's counts.
-RegionStatistics statistics_of(const KnownFrame& known, const Rectangle& region) {
-  RegionStatistics result = region_statistics(known.frame, known.mosaic, known.samples, region);
-  count_corrected(known, region, result);
-  const double count = std::ldexp(1.0, -known.gained_bits);
-  for (double* value :
-       {&result.s0, &result.s1, &result.s2, &result.s0_sigma, &result.s1_sigma, &result.s2_sigma}) {
-    *value *= count;
-  }
-  return result;
-}
 
 class MeasureRun {
  public:
@@ -88,7 +56,7 @@ class MeasureRun {
 
   Measurement measurement_of(const PagePlace& place, const KnownFrame& known,
                              const NamedRegion& region) const {
-    return {files_[place.file], place, region, statistics_of(known, region.rectangle)};
+    return {files_[place.file], place, region, known.statistics_of(region.rectangle)};
   }
 
   const MeasureOptions& options_;

@@ -7,6 +7,7 @@
 #include "kv/pictures/angle_ticks.h"
 #include "kv/pictures/picture_kinds.h"
 #include "kv/polarization/processor.h"
+#include "toolkit/api/packed_frame.h"
 
 namespace kv::polarization {
 namespace {
@@ -23,9 +24,12 @@ Frame shown_frame(const KnownFrame& known, int raw_bit_depth) {
                 static_cast<std::uint64_t>(known.frame.height), bit_depth);
   const int black = static_cast<int>(std::lround(known.samples.black_level));
   const int limit = full_scale(bit_depth);
-  std::ranges::transform(known.frame.samples, shown.samples.begin(), [black, limit](int sample) {
-    return static_cast<std::uint16_t>(std::clamp(sample - black, 0, limit));
-  });
+  Buffer<std::uint16_t> room;
+  const std::uint16_t* const samples = packed(known.frame, known.mosaic, room).samples;
+  std::transform(samples, samples + shown.samples.size(), shown.samples.begin(),
+                 [black, limit](int sample) {
+                   return static_cast<std::uint16_t>(std::clamp(sample - black, 0, limit));
+                 });
   return shown;
 }
 

@@ -44,11 +44,11 @@ std::vector<FlagStyle> flag_styles(const KnownFrame& known) {
 }
 
 Buffer<std::uint8_t> quality_of(const KnownFrame& known) {
-  Buffer<std::uint8_t> flags(known.frame.samples.size());
+  Buffer<std::uint8_t> flags(pixel_count(known.frame.width, known.frame.height));
   MapViews views;
   views.quality = {flags.data(), flags.size()};
   MapMaker(0).fill(known.frame, known.mosaic, {.samples = known.samples}, views);
-  for (std::size_t i = 0; i < known.flags.size(); ++i) flags[i] |= known.flags[i];
+  known.finish(views);
   return flags;
 }
 

@@ -9,8 +9,8 @@
 #include "kv/polarization/maps.h"
 #include "kv/polarization/processor.h"
 #include "kv/polarization/region.h"
-#include "python/bindings/correction.h"
 #include "python/bindings/sensor.h"
+#include "toolkit/calibration/known_frame.h"
 
 namespace kv::polarization::python {
 
@@ -32,13 +32,15 @@ class Engine {
   RegionStatistics region(const FrameView& frame, const Region& region);
 
  private:
+  KnownFrame known(const FrameView& raw, std::optional<CalibratedFrames>& frames) const;
+
   const Sensor& sensor_;
   int threads_;
   Processor processor_;
   std::optional<MapMaker> map_maker_;
   PictureSource picture_source_;
-  Correction plane_correction_;
-  Correction map_correction_;
+  std::optional<CalibratedFrames> for_planes_;  // none without a calibration, as for maps
+  std::optional<CalibratedFrames> for_maps_;
 };
 
 }  // namespace kv::polarization::python

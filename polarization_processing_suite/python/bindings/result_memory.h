@@ -12,8 +12,8 @@ namespace kv::polarization::python {
 
 namespace py = pybind11;
 
-/// Arrays for results, in memory of earlier ones that nobody holds any more: pages that are new to a
-/// process take as long as the planes that are written to them.
+/// Arrays for results, in memory of earlier ones that nobody holds any more: pages that are new to
+/// a process take as long as the planes that are written to them.
 class ResultMemory : public std::enable_shared_from_this<ResultMemory> {
  public:
   /// What is kept between calls, at most: the planes of a frame of 5 megapixels, or those of many

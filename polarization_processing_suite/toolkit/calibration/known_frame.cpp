@@ -1,10 +1,10 @@
-#include "python/bindings/correction.h"
+#include "toolkit/calibration/known_frame.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 
-namespace kv::polarization::python {
+namespace kv::polarization {
 namespace {
 
 /// Six standard deviations of the noise in the dark, in counts of a corrected frame, as far as its
@@ -79,19 +79,17 @@ void KnownFrame::finish(const MapViews& maps) const {
   }
 }
 
-Correction::Correction(const Sensor& sensor, BelowBlack below_black, int threads)
-    : sensor_(sensor) {
-  settings_.rescue = sensor.maps.samples.rescue;
+CalibratedFrames::CalibratedFrames(const Calibration& calibration, const Mosaic& mosaic,
+                                   BelowBlack below_black, bool rescue, int threads)
+    : calibration_(calibration), mosaic_(mosaic) {
+  settings_.rescue = rescue;
   settings_.threads = threads;
-  if (sensor.calibration && below_black == BelowBlack::kept) {
-    settings_.pedestal = pedestal_of(*sensor.calibration);
-  }
+  if (below_black == BelowBlack::kept) settings_.pedestal = pedestal_of(calibration);
 }
 
-KnownFrame Correction::of(const FrameView& raw) {
-  if (!sensor_.calibration) return {raw, sensor_.mosaic, sensor_.maps.samples};
+KnownFrame CalibratedFrames::of(const FrameView& raw) {
   if (!corrector_ || corrected_.width != raw.width || corrected_.height != raw.height) {
-    corrector_.emplace(*sensor_.calibration, sensor_.mosaic, raw.width, raw.height, settings_);
+    corrector_.emplace(calibration_, mosaic_, raw.width, raw.height, settings_);
     corrected_.reshape(static_cast<unsigned>(raw.width), static_cast<unsigned>(raw.height),
                        kCorrectedBitDepth);
   }
@@ -104,9 +102,8 @@ KnownFrame Correction::of(const FrameView& raw) {
   });
   SampleSettings samples = corrector_->sample_settings();
   samples.bad_pixels = {bad_, raw.width, raw.height};
-  // The bad pixels are the frame's own, so that its first pixel is their first one.
-  const Mosaic at_its_own_origin{.phase = phase_at(cell_angles(sensor_.mosaic)[0]).value()};
+  const Mosaic at_its_own_origin{.phase = phase_at(cell_angles(mosaic_)[0]).value()};
   return {corrected_, at_its_own_origin, samples, flags_, corrector_->gained_bits()};
 }
 
-}  // namespace kv::polarization::python
+}  // namespace kv::polarization
