@@ -10,7 +10,7 @@ namespace kv::polarization {
 namespace {
 
 /// How json_of(ProvenanceRecord) begins.
-constexpr std::string_view kOwnProvenance = "{\"software\":\"kv-polarize ";
+constexpr std::string_view kOwnProvenance = R"({"software":"kv-polarize )";
 
 }  // namespace
 
