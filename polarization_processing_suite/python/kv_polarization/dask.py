@@ -10,7 +10,7 @@ import functools
 import math
 import operator
 import warnings
-from typing import Any, Dict, Sequence, Tuple, Union
+from typing import Any, Dict, Optional, Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
@@ -34,7 +34,7 @@ CHUNK_BYTES = 1 << 30
 
 def transform(
     frames: Array,
-    processor: Processor,
+    processor: Optional[Processor] = None,
     planes: Union[str, Sequence[str]] = ("intensity", "dolp"),
     *,
     output_max: int = 65535,
@@ -43,7 +43,8 @@ def transform(
 
     `frames` is a dask array (..., rows, columns) of uint8 or uint16, from wherever, with each frame
     in one chunk. The planes have its chunks, and the dtypes, shapes and bytes that
-    `Processor.transform` gives; `planes` and `output_max` are those of it.
+    `Processor.transform` gives; `planes` and `output_max` are those of it, and the processor is
+    `Processor()` where None.
 
         planes = transform(dask.array.from_zarr("night.zarr"), Processor(90), ("intensity", "dolp"))
         planes.dolp[0].compute()                 # one frame
@@ -62,6 +63,7 @@ def transform(
     refuses: it is given a frame of zeros first. Warns by `dask.array.PerformanceWarning` of chunks
     larger than `CHUNK_BYTES`.
     """
+    processor = Processor() if processor is None else processor
     names = (planes,) if isinstance(planes, str) else tuple(planes)
     _check_chunks(frames)
     zeros = np.zeros(frames.shape[-2:], frames.dtype)
