@@ -27,7 +27,7 @@ std::string quoted(const std::string& text) {
   return "'" + result + "'";
 }
 
-/// As text of a specification, in which these letters mean something.
+/// As text of a rule for _arguments, in which these letters mean something.
 std::string escaped(const std::string& text) {
   std::string result;
   for (const char letter : text) {
@@ -37,7 +37,7 @@ std::string escaped(const std::string& text) {
   return result;
 }
 
-/// What follows the colon of a specification: a message, and what makes the words.
+/// What follows the colon of a rule: a message, and what makes the words.
 std::string action_of(const OptionRecord& record, const Commands& commands) {
   const std::string message = record.value.empty() ? record.names : record.value;
   if (record.completion == Completion::file) return message + ":_files";
@@ -49,11 +49,9 @@ std::string action_of(const OptionRecord& record, const Commands& commands) {
   return message + ":(" + words.substr(1) + ")";
 }
 
-std::string line(const std::string& specification) {
-  return " \\\n        " + quoted(specification);
-}
+std::string line(const std::string& rule) { return " \\\n        " + quoted(rule); }
 
-/// A specification for each name: long ones take their value in the next word or behind =.
+/// A rule for each name: long ones take their value in the next word or behind =.
 std::string option_lines(const OptionRecord& record, const Commands& commands) {
   const bool has_value = !record.value.empty();
   const std::string action = has_value ? ":" + action_of(record, commands) : "";
