@@ -21,19 +21,9 @@ PictureKind kind_of(const std::string& name) {
 }
 
 AngleStyle style_of(const std::string& name) {
-  switch (kind_of(name)) {
-    case PictureKind::angle:
-      return {HueCircle::hsv, Unpolarized::black};
-    case PictureKind::angle_light:
-      return {HueCircle::hsv, Unpolarized::white};
-    case PictureKind::angle_even:
-      return {HueCircle::even, Unpolarized::black};
-    case PictureKind::angle_even_light:
-      return {HueCircle::even, Unpolarized::white};
-    default:
-      refuse("the picture '" + name + "' does not show angles as hues; " +
-             "angle, angle_light, angle_even, angle_even_light do");
-  }
+  if (const std::optional<AngleStyle> style = angle_style_of(kind_of(name))) return *style;
+  refuse("the picture '" + name + "' does not show angles as hues; " +
+         "angle, angle_light, angle_even, angle_even_light do");
 }
 
 FrameStack single_frame(const py::object& object, const SampleLayout& layout) {

@@ -15,19 +15,6 @@ static_assert(
     }(),
     "a kind is the number of its line in the list");
 
-constexpr AngleStyle style_of(PictureKind kind) {
-  switch (kind) {
-    case PictureKind::angle_light:
-      return {HueCircle::hsv, Unpolarized::white};
-    case PictureKind::angle_even:
-      return {HueCircle::even, Unpolarized::black};
-    case PictureKind::angle_even_light:
-      return {HueCircle::even, Unpolarized::white};
-    default:
-      return {HueCircle::hsv, Unpolarized::black};
-  }
-}
-
 struct Plate {
   Picture body;
   Legend legend;
@@ -51,8 +38,10 @@ Plate plate_of(PictureKind kind, const PictureMaps& maps, const PictureRanges& r
       const int cell_size = tick_cell_size(maps);
       return {angle_ticks_picture(maps, white, cell_size), angle_ticks_legend(white, cell_size)};
     }
-    default:
-      return {angle_picture(maps, white, style_of(kind)), angle_legend(white, style_of(kind))};
+    default: {
+      const AngleStyle style = angle_style_of(kind).value();
+      return {angle_picture(maps, white, style), angle_legend(white, style)};
+    }
   }
 }
 

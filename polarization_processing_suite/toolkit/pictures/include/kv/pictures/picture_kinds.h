@@ -53,6 +53,22 @@ constexpr std::optional<PictureKind> picture_kind_named(std::string_view name) {
   return std::nullopt;
 }
 
+/// The style of a kind that shows angles as hues, none for the others.
+constexpr std::optional<AngleStyle> angle_style_of(PictureKind kind) {
+  switch (kind) {
+    case PictureKind::angle:
+      return AngleStyle{HueCircle::hsv, Unpolarized::black};
+    case PictureKind::angle_light:
+      return AngleStyle{HueCircle::hsv, Unpolarized::white};
+    case PictureKind::angle_even:
+      return AngleStyle{HueCircle::even, Unpolarized::black};
+    case PictureKind::angle_even_light:
+      return AngleStyle{HueCircle::even, Unpolarized::white};
+    default:
+      return std::nullopt;
+  }
+}
+
 /// All that these kinds need, for PictureSource::fill.
 OutputSet planes_for(std::span<const PictureKind> kinds);
 
