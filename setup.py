@@ -34,8 +34,9 @@ class CMakeBuild(build_ext):
         tree = os.environ.get("KV_BUILD_TREE")
         if tree is None:
             tree = pathlib.Path(self.build_temp).resolve()
+            generator = ["-G", "Ninja"] if shutil.which("ninja") else []
             self.cmake(
-                *("-S", ROOT, "-B", tree, "-DCMAKE_BUILD_TYPE=Release"),
+                *("-S", ROOT, "-B", tree, *generator, "-DCMAKE_BUILD_TYPE=Release"),
                 *("-DCMAKE_CXX_FLAGS_RELEASE=-O2", "-DKV_BUILD_PYTHON=ON"),
                 *("-DKV_BUILD_TOOLS=OFF", "-DKV_BUILD_TESTS=OFF", "-DKV_BUILD_BENCHMARKS=OFF"),
                 f"-DPython_EXECUTABLE={sys.executable}",
