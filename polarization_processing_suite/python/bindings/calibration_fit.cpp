@@ -21,7 +21,7 @@ using PlanItem = std::tuple<int, double, std::string>;
 std::shared_ptr<PythonCalibration> fit(const py::iterable& stack, const py::function& again,
                                        const FitTerms& terms) {
   CalibrationFit fit(terms.settings);
-  FrameHands frames(terms.layout);
+  FrameTaker frames(terms.layout);
   for (const py::handle item : stack) {
     const auto [kind, angle, name, frame] = py::cast<StackItem>(item);
     const StackFrame what = stack_frame(kind, angle, name);
@@ -42,8 +42,8 @@ FitPlan plan_of(const std::vector<PlanItem>& stack, const py::function& read,
                 const FitTerms& terms) {
   std::vector<StackFrame> frames;
   for (const auto& [kind, angle, name] : stack) frames.push_back(stack_frame(kind, angle, name));
-  FrameHands hands(terms.layout);
-  const FrameAgain reader = hands.reader(read);
+  FrameTaker taker(terms.layout);
+  const FrameAgain reader = taker.reader(read);
   const py::gil_scoped_release unlocked;
   return {terms.settings, frames, reader};
 }
@@ -57,8 +57,8 @@ class Part {
   explicit Part(const Plan& plan) : terms_(plan.terms), fit_(plan.plan, 1) {}
 
   void add(const py::object& frame, std::size_t number) {
-    FrameHands hands(terms_.layout);
-    const FrameView view = hands.take(frame, "frame " + std::to_string(number));
+    FrameTaker taker(terms_.layout);
+    const FrameView view = taker.take(frame, "frame " + std::to_string(number));
     const py::gil_scoped_release unlocked;
     fit_.add_planned(view, number);
   }

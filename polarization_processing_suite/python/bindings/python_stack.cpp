@@ -28,7 +28,7 @@ StackFrame stack_frame(int kind, double angle, const std::string& name) {
   return {static_cast<FrameKind>(kind), angle, name};
 }
 
-FrameView FrameHands::take(const py::object& frame, const std::string& name) {
+FrameView FrameTaker::take(const py::object& frame, const std::string& name) {
   frame_.emplace(frame, layout_);
   const std::size_t axes = frame_->shape_with({}).size() + 2;
   if (axes != 2) {
@@ -37,7 +37,7 @@ FrameView FrameHands::take(const py::object& frame, const std::string& name) {
   return frame_->first();
 }
 
-FrameAgain FrameHands::reader(const py::function& read) {
+FrameAgain FrameTaker::reader(const py::function& read) {
   return [this, &read](std::size_t index) {
     const py::gil_scoped_acquire locked;
     return take(read(index), "frame " + std::to_string(index));
@@ -46,7 +46,7 @@ FrameAgain FrameHands::reader(const py::function& read) {
 
 std::shared_ptr<PythonCalibration> finished(CalibrationFit& fit, const FitTerms& terms,
                                             const py::function& again) {
-  FrameHands frames(terms.layout);
+  FrameTaker frames(terms.layout);
   const FrameAgain read = frames.reader(again);
   Calibration calibration = [&] {
     const py::gil_scoped_release unlocked;

@@ -30,9 +30,9 @@ StackFrame stack_frame(int kind, double angle, const std::string& name);
 
 /// Gives a fit the frames that Python's objects hand out, which work under the interpreter's lock;
 /// the fit's work is done without it.
-class FrameHands {
+class FrameTaker {
  public:
-  explicit FrameHands(const SampleLayout& layout) : layout_(layout) {}
+  explicit FrameTaker(const SampleLayout& layout) : layout_(layout) {}
 
   /// The frame of an array (rows, columns), which faults call by that name. Its memory lasts until
   /// the next call.
