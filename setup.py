@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Builds the Python package: its modules, and by CMake the extension module and the libraries.
 
 KV_BUILD_TREE in the environment names a build tree of this project to take these from, configured

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Whole calls: small frames and what the probe of the processor takes of them, and frames on one
 // and on two threads.
 //

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Correcting a frame by its sensor's calibration, beside copying the same streams: coefficients and
 // samples in, samples out. Frames take turns, so that no cache holds them.
 //

@@ -1,4 +1,6 @@
 #!/usr/bin/python3
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
 """What a second worker of Dask brings on this machine, and what Dask takes for a task.
 
     PYTHONPATH=build/release/python benchmarks/dask_scaling.py [--keep-memory]

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Frames out of their packing, and to and from files that the system keeps in memory.
 //
 //   file_benchmarks --benchmark_filter=unpack

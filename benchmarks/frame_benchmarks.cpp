@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Whole frames by every path of the library, and by OpenCV, beside the copy of the same streams.
 //
 //   frame_benchmarks --benchmark_filter='2448x2048/.*/unscaled'

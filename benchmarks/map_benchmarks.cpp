@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Float maps of whole frames, beside the planes that the library itself makes of the
 // same frames through the toolkit.
 

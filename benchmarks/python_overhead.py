@@ -1,4 +1,6 @@
 #!/usr/bin/python3
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
 """What a call from Python costs beside the same call from C, and beside the planes in numpy.
 
     PYTHONPATH=build/release/python benchmarks/python_overhead.py

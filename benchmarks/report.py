@@ -1,4 +1,6 @@
 #!/usr/bin/python3
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
 """Measures, and writes the tables of README.md, that of the project's README, and the chart.
 
     benchmarks/report.py                 runs the programs of build/release, some ten minutes

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
 """Frames a second of kv-polarize transform, from files to files on a RAM disk.
 
     benchmarks/throughput.py [--readme]

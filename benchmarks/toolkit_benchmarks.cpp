@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The toolkit's ways with whole frames, beside the library's plain call for the same planes. All
 // buffers are the toolkit's; frames and planes take turns, so that no cache holds them when they
 // are large.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 # Compiler settings that every target of the project shares.
 
 set(CMAKE_CXX_STANDARD 20)

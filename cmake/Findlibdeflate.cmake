@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 # Packages of libdeflate before 1.15 have no CMake files of their own, Debian's among them. Installed
 # beside the toolkit's package, whose users need it, too.
 find_path(libdeflate_INCLUDE_DIR libdeflate.h)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 # A library that is headers alone can be taken from the building machine in a cross-build too.
 
 # Makes an interface library of header folders of the building machine, and of nothing that lies

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 # What `cmake --install` puts where: the library with its header, a CMake package and a pkg-config
 # file, its companions, and the tool with its man pages and completions. The installed tree may be
 # moved: it finds its parts by relative paths.

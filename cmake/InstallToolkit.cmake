@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 # The toolkit's libraries, static ones as their interface is C++, with headers, a CMake package whose
 # components they are, and pkg-config files.
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 # What the project's shared libraries have in common.
 
 # File names without `lib`, companions found beside the library, and no export but those of the

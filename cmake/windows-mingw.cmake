@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 # Cross-builds for 64-bit Windows with mingw-w64; programs are tried under wine.
 
 set(CMAKE_SYSTEM_NAME Windows)

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Angle and DoLP planes, and an angle picture, of every frame of a folder, a frame on each core.
 //
 //   folder FRAMES RESULTS

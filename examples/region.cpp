@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Degree and angle of linear polarization of a rectangle, with their errors and what was left out.
 //
 //   region FRAME COLUMN ROW WIDTH HEIGHT

@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # What a library's file shows to the world: its exports, how it is loaded and unloaded, and no folder
 # of the machine that built it.
 #

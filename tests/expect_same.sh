@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 # For tests to source: reports each difference, and counts on the test to exit with $faults.
 
 faults=0

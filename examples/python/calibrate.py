@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
 """Calibrates a sensor that is made up here, and compares what it measures before and after.
 
     calibrate.py

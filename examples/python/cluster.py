@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
 """Planes of a zarr array of frames, on all cores or on a cluster, into a zarr group.
 
     cluster.py night.zarr planes.zarr --phase 90 --bit-depth 12

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Draws intensity, DoLP and angle of a frame onto one sheet.
 
     python3 figure.py sheet.png                         a simulated frame

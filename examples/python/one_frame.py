@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
 """Planes and maps of one raw frame.
 
     one_frame.py [FRAME]     without a frame, of a film at 30 degrees that is made up here

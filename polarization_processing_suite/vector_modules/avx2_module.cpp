@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The three functions by which the library finds, uses and leaves this module.
 
 #include "platform/cpu_features.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs over many frames by the built tool: what is there after them, and what they tell.
 #include <gtest/gtest.h>
 

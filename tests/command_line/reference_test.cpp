@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Help, manual and completion, as they follow from the records of the options.
 #include <gtest/gtest.h>
 

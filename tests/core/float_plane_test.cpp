@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Where the ratios of the vector area end up. Their stores run on from block to block and know
 // nothing of rows, so that from the second row pair on they leave their places.
 #include <gtest/gtest.h>

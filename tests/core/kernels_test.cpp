@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Every kernel of the family on every path, byte for byte, against the expectation formed from the
 // rules.
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Kernels stay inside the frame and its planes, and find their place in them however large they
 // are.
 #include <gtest/gtest.h>

@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # Files compiled for a higher instruction set define nothing that a linker merges with the same
 # thing of another file: the plain processor could then get the code of the higher set.
 #

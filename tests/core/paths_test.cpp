@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // That every path that the machine can run is there, so that one which the other tests skip is no
 // gap.
 #include <cstdlib>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Values worked by hand. They come from the top-left pixel of a 2 x 2 frame behind the 0 degree
 // polarizer, whose default weights give S0 = (own + horizontal + vertical + diagonal) / 2,
 // S1 = own - diagonal and S2 = vertical - horizontal.

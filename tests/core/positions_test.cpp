@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Which samples and which weights a pixel takes, by its place in the frame.
 #include <gtest/gtest.h>
 

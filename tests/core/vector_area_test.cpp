@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What sets the vector area apart from the scalar parts around it, in values worked by hand.
 #include <gtest/gtest.h>
 #include <xmmintrin.h>

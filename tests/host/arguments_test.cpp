@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What a transform refuses, and which of several faults it reports. Each refusal is timed as well.
 #include <gtest/gtest.h>
 

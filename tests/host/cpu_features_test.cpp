@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What the registers of a processor say of it, and that those of this one are read.
 #include "platform/cpu_features.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The library as a file in a folder with companions that throw: it finds them beside itself, hands
 // their exceptions on as it should, and leaves the process as it was.
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The two levels of life, the module, which counts, and processors, which outlive it: the status of
 // each call, and what companions see of it. Then many lives at once.
 #include <gtest/gtest.h>

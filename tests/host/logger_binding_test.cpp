@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The optional logger: whatever is there, and whatever it does, no call of the library changes.
 #include <gtest/gtest.h>
 

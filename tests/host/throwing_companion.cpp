@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Logger and AVX-512 module in one: a library whose functions throw. Its file bears the name of the
 // one or the other.
 #include <cstdint>

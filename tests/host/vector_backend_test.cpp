@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The optional vector modules: how they are bound and released, and which frames they get.
 #include <gtest/gtest.h>
 

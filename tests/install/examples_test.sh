@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # Runs the examples, built against the installed tree, on a simulated frame.
 #
 #   examples_test.sh FOLDER_OF_EXAMPLES TOOL WORK

@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # What is installed: all files and links, and no other.
 #
 #   files_test.sh PREFIX LIBDIR VERSION CONFIGURATION TOOLKIT

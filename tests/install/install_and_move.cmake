@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 # cmake -D build=BUILD_TREE -D moved=PLACE -P install_and_move.cmake
 
 set(first_place ${moved}-from)

@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # Installs to /usr/local of a root folder of its own, builds a program there with the flags of
 # pkg-config, and runs it as after `ldconfig`: only the loader's cache tells where the library is.
 #

@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # Runs a program with nothing in its environment: it has to find the library, the library its
 # companions, all in the one folder, and the logger has to write.
 #

@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # Builds the C++ program of the README with pkg-config, and runs it.
 #
 #   readme_test.sh README PREFIX LIBDIR WORK COMPILER [FLAG...]

@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # Runs the commands of the README's tour one after the other, in an empty folder.
 #
 #   tour_test.sh README TOOL WORK

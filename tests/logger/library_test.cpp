@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The library as a file: where it looks for its configuration, and that it can be unloaded.
 #include <dlfcn.h>
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Planes of dask arrays: the bytes of one process, on every scheduler and on a real cluster."""
 
 import os

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """One processor in several threads and processes, and in ones that are interrupted."""
 
 import concurrent.futures

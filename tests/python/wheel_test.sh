@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # Builds the wheel of a build tree, installs it into a new environment, and runs there the lines of
 # the README and of the package's page.
 #

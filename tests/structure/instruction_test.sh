@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # An instruction stands in a binary at least so many times.
 #
 #   instruction_test.sh OBJDUMP BINARY INSTRUCTION LEAST

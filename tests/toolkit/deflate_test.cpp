@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Streams of our own encoder, inflated by zlib.
 #include <gtest/gtest.h>
 #include <zlib.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // PNG and TIFF files of kinds that the toolkit never writes, and what libpng and libtiff find in
 // those that it writes.
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What a signal does to a program that defers it, seen from outside; and locks between programs.
 #include <gtest/gtest.h>
 

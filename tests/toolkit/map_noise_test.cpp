@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What maps tell of noise, clipping and edges, against simulated frames of known light.
 
 #include <gtest/gtest.h>

@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # What a file of the Windows build shows to the world: its exports, the libraries that it asks for,
 # and no folder of the machine that built it.
 #

@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # An import library offers what its library exports on ELF platforms.
 #
 #   import_library_test.sh NM IMPORT_LIBRARY EXPORT_MAP

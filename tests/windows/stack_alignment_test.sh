@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+#
 # No move of a module faults on a stack that is aligned to 16 bytes only. Whether one would is a
 # matter of the caller's stack, so that running the module proves little.
 #

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "polarization_processor/routing/route_transform.h"
 
 #include "polarization_processor/routing/kernel_selector.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 // Asks for everything that a function calls to be inlined into it: left to itself, g++ -O2 keeps

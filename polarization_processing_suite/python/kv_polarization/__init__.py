@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Planes of polarization cameras, exact and fast, on numpy arrays."""
 
 from kv_polarization import pictures

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """The toolkit as it is in C++. The modules around it are the interface, and tell what arguments are."""
 
 import os

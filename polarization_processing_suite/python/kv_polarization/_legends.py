@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """What stands beside the images of `plot`: colour bars, the wheel of angles, the key of ticks."""
 
 from __future__ import annotations

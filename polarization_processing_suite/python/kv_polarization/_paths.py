@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Paths as the core takes them, and its faults as Python's own errors."""
 
 from __future__ import annotations

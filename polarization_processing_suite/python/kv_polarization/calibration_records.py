@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """What a `Calibration` tells of its frames, of the sensor, and of itself."""
 
 from __future__ import annotations

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """The colours of angles and of Stokes ratios, as pictures have them."""
 
 from __future__ import annotations

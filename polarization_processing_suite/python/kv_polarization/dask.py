@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Planes of dask arrays: frames larger than memory, on the cores of one machine or of many.
 
 Needs dask alone beyond the package itself; zarr, HDF5 and TIFF are read by what dask reads them

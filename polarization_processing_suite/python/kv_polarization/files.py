@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Image files: planes, maps, pictures, and stacks of them.
 
 PNG, TIFF (where the build has it), PGM and PPM, NPY, and headerless frames in the pixel formats of

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Measurements of every pixel and of regions, as a `Processor` hands them out."""
 
 from __future__ import annotations

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Pictures to look at: intensity, degree and angle of linear polarization, and Stokes ratios.
 
 Each is made of one frame, and has its pixels.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Figures of frames with matplotlib, which this module alone needs.
 
 Each function draws into the axes that it is given, or into those of a new figure, and returns them.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Planes of xarray's arrays: importing this module gives every DataArray the accessor `kv`.
 
     import kv_polarization.xarray

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Written with SSE2, which every x86-64 processor has: the compiler does not find pmaddwd, which
 // adds up the products of neighbouring samples as they lie, and without it the work takes twice as
 // long.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // NumPy arrays: rows x columns, or images x rows x columns; written with channels last.
 #include <string>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Binary netpbm images, grey (P5) or in colour (P6), one or several in a row; frames are grey. The
 // bit depth is that of the maxval.
 #include <algorithm>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Takes the place of the PNG files in builds without libdeflate and zlib.
 #include "toolkit/image_files/formats/formats.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Takes the place of the TIFF files in builds without libtiff.
 #include "toolkit/image_files/formats/formats.h"
 

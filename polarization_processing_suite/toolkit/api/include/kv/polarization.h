@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 /// The whole of the toolkit's basis: frames and planes in anybody's memory, and the processor.
