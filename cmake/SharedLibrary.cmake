@@ -10,6 +10,7 @@ function(shape_shared_library target export_map)
     PREFIX ""
     INSTALL_RPATH "$ORIGIN"
     BUILD_WITH_INSTALL_RPATH ON)
+  harden_file(${target})
   if(NOT WIN32)
     cmake_path(ABSOLUTE_PATH export_map)
     set_target_properties(${target} PROPERTIES LINK_DEPENDS ${export_map})
