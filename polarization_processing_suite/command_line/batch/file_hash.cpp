@@ -14,7 +14,7 @@
 namespace kv::polarization {
 namespace {
 
-std::string text_of(const XXH128_hash_t& hash) {
+std::string hex_of(const XXH128_hash_t& hash) {
   XXH128_canonical_t bytes;
   XXH128_canonicalFromHash(&bytes, hash);
   std::string text;
@@ -42,11 +42,11 @@ std::ifstream open(const std::filesystem::path& file) {
 }  // namespace
 
 ContentIdentity identity_of(std::span<const std::uint8_t> content) {
-  return {content.size(), text_of(XXH3_128bits(content.data(), content.size()))};
+  return {content.size(), hex_of(XXH3_128bits(content.data(), content.size()))};
 }
 
 std::string hash_of(const std::string& text) {
-  return text_of(XXH3_128bits(text.data(), text.size()));
+  return hex_of(XXH3_128bits(text.data(), text.size()));
 }
 
 ContentIdentity identity_of(const std::filesystem::path& file) {
@@ -63,7 +63,7 @@ ContentIdentity identity_of(const std::filesystem::path& file) {
     size += count;
   } while (stream);
   if (!stream.eof()) refuse(file);
-  return {size, text_of(XXH3_128bits_digest(&state))};
+  return {size, hex_of(XXH3_128bits_digest(&state))};
 }
 
 void read_file(const std::filesystem::path& file, Buffer<std::uint8_t>& content) {

@@ -9,7 +9,7 @@ namespace {
 
 // Words are split at = too, so that the value in --planes=dolp is a word behind the word =. Names
 // of files are left to readline, which knows of quotes and of ~.
-constexpr const char* kHead =
+constexpr const char* kBashHead =
     R"(# Completion of kv-polarize in bash; printed by: kv-polarize completion bash
 
 _kv_polarize_words() {
@@ -39,7 +39,7 @@ _kv_polarize() {
   fi
 )";
 
-constexpr const char* kTail = R"(}
+constexpr const char* kBashTail = R"(}
 complete -F _kv_polarize kv-polarize
 )";
 
@@ -57,7 +57,7 @@ std::string quoted_words(const std::string& spaced_words) {
 
 /// The shell command that offers what a record's value can be; empty for values that only the user
 /// knows.
-std::string offer_of(const OptionRecord& record, const Commands& commands) {
+std::string bash_offer(const OptionRecord& record, const Commands& commands) {
   if (record.completion == Completion::file) return "compopt -o default";
   if (record.completion == Completion::folder) return "compopt -o dirnames";
   const auto words = words_for(record, commands);
@@ -76,7 +76,7 @@ std::string value_branches(const Command& command, const Commands& commands) {
   std::string silent;
   for (const OptionRecord& record : all_records(command)) {
     if (is_argument(record) || record.value.empty()) continue;
-    const std::string offer = offer_of(record, commands);
+    const std::string offer = bash_offer(record, commands);
     std::string pattern;
     for (const std::string& name : names_of(record)) {
       pattern += (pattern.empty() ? "" : " | ") + command.page().name + ":" + name;
@@ -96,7 +96,7 @@ std::string word_branches(const Command& command, const Commands& commands) {
   std::string offers;
   for (const OptionRecord& record : all_records(command)) {
     if (is_argument(record)) {
-      const std::string offer = offer_of(record, commands);
+      const std::string offer = bash_offer(record, commands);
       const bool is_new = offers.find(offer) == std::string::npos;
       if (is_new) offers += (offers.empty() ? "" : "; ") + offer;
     } else {
@@ -122,11 +122,11 @@ std::string bash_completion(const Commands& commands) {
     words += word_branches(*command, commands);
   }
   for (const OptionRecord& record : tool_options()) first_words += spaced(names_of(record));
-  return kHead +
+  return kBashHead +
          ("  if ((COMP_CWORD == 1)); then\n    _kv_polarize_words " + quoted_words(first_words) +
           "\n    return\n  fi\n") +
          "  case ${COMP_WORDS[1]}:$prev in\n" + values + "  esac\n" +
-         "  case ${COMP_WORDS[1]}:$cur in\n" + words + "  esac\n" + kTail;
+         "  case ${COMP_WORDS[1]}:$cur in\n" + words + "  esac\n" + kBashTail;
 }
 
 }  // namespace kv::polarization

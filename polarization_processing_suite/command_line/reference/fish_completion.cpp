@@ -7,7 +7,7 @@
 namespace kv::polarization {
 namespace {
 
-constexpr const char* kHead =
+constexpr const char* kFishHead =
     R"(# Completion of kv-polarize in fish; printed by: kv-polarize completion fish
 
 function __kv_polarize_is
@@ -26,7 +26,7 @@ end
 complete -c kv-polarize -f
 )";
 
-std::string quoted(const std::string& text) {
+std::string fish_quoted(const std::string& text) {
   std::string result;
   for (const char letter : text) {
     if (letter == '\'' || letter == '\\') result += '\\';
@@ -36,14 +36,14 @@ std::string quoted(const std::string& text) {
 }
 
 /// The part of a `complete` line that tells what the value can be.
-std::string offer_of(const OptionRecord& record, const Commands& commands) {
+std::string fish_offer(const OptionRecord& record, const Commands& commands) {
   if (record.completion == Completion::file) return " -F";
   if (record.completion == Completion::folder) return " -a '(__fish_complete_directories)'";
   std::string words;
   for (const std::string& word : words_for(record, commands)) words += " " + word;
   if (words.empty()) return "";
   if (takes_list(record)) return " -a '(__kv_polarize_list" + words + ")'";
-  return " -a " + quoted(words.substr(1));
+  return " -a " + fish_quoted(words.substr(1));
 }
 
 std::string names_part(const OptionRecord& record) {
@@ -56,21 +56,21 @@ std::string names_part(const OptionRecord& record) {
 
 std::string record_lines(const OptionRecord& record, const Commands& commands,
                          const std::string& condition) {
-  const std::string start = "complete -c kv-polarize -n " + quoted(condition);
-  const std::string summary = " -d " + quoted(record.summary);
+  const std::string start = "complete -c kv-polarize -n " + fish_quoted(condition);
+  const std::string summary = " -d " + fish_quoted(record.summary);
   if (is_argument(record)) {
-    const std::string offer = offer_of(record, commands);
+    const std::string offer = fish_offer(record, commands);
     return offer.empty() ? "" : start + offer + "\n";
   }
   std::string lines = start + names_part(record) + summary;
   if (!record.value.empty()) {
     const bool is_file = record.completion == Completion::file;
-    lines += (is_file ? " -r" : " -x") + offer_of(record, commands);
+    lines += (is_file ? " -r" : " -x") + fish_offer(record, commands);
   }
   lines += "\n";
   if (record.can_be_undone) {
-    lines +=
-        start + " -l no-" + key_of(record) + " -d " + quoted("Undo --" + key_of(record)) + "\n";
+    lines += start + " -l no-" + key_of(record) + " -d " + fish_quoted("Undo --" + key_of(record)) +
+             "\n";
   }
   return lines;
 }
@@ -78,14 +78,14 @@ std::string record_lines(const OptionRecord& record, const Commands& commands,
 }  // namespace
 
 std::string fish_completion(const Commands& commands) {
-  std::string script = kHead;
+  std::string script = kFishHead;
   for (const OptionRecord& record : tool_options()) {
     script += record_lines(record, commands, "__kv_polarize_is ''");
   }
   for (const auto& command : commands) {
     const CommandPage& page = command->page();
     script += "\ncomplete -c kv-polarize -n \"__kv_polarize_is ''\" -a " + page.name + " -d " +
-              quoted(page.summary) + "\n";
+              fish_quoted(page.summary) + "\n";
     for (const OptionRecord& record : all_records(*command)) {
       script += record_lines(record, commands, "__kv_polarize_is " + page.name);
     }

@@ -32,7 +32,7 @@ std::string glyph(std::uint32_t point) {
 
 /// Any text as roff prints it as it is. A plain dash would be a hyphen, at which lines break and
 /// which searches do not find, and quotes would be curled.
-std::string escaped(std::string_view text) {
+std::string escaped_roff(std::string_view text) {
   std::string roff;
   while (!text.empty()) {
     const std::uint32_t point = take_character(text);
@@ -69,21 +69,21 @@ std::string escaped(std::string_view text) {
   return roff.starts_with(".") ? "\\&" + roff : roff;
 }
 
-std::string bold(const std::string& word) { return "\\fB" + escaped(word) + "\\fR"; }
-std::string italic(const std::string& word) { return "\\fI" + escaped(word) + "\\fR"; }
+std::string bold(const std::string& word) { return "\\fB" + escaped_roff(word) + "\\fR"; }
+std::string italic(const std::string& word) { return "\\fI" + escaped_roff(word) + "\\fR"; }
 
-std::string sentence(const std::string& text) {
+std::string roff_sentence(const std::string& text) {
   std::string roff;
   for (const TextSpan& span : spans_of(text)) {
-    roff += span.code ? bold(span.text) : escaped(span.text);
+    roff += span.code ? bold(span.text) : escaped_roff(span.text);
   }
   return roff + "\n";
 }
 
-std::string as_it_is(const std::string& lines) {
+std::string roff_lines(const std::string& lines) {
   std::string roff;
   std::istringstream stream(lines);
-  for (std::string line; std::getline(stream, line);) roff += escaped(line) + "\n";
+  for (std::string line; std::getline(stream, line);) roff += escaped_roff(line) + "\n";
   return ".RS 4\n.nf\n" + roff + ".fi\n.RE\n";
 }
 
@@ -94,15 +94,15 @@ class ManWriter : public PageWriter {
   void begin(const std::string& name, const std::string& summary) override {
     std::string title = name;
     std::ranges::replace(title, ' ', '-');
-    written_ += ".TH \"" + escaped(title) + R"(" 1 "" ")" + escaped(version_) + "\"\n";
+    written_ += ".TH \"" + escaped_roff(title) + R"(" 1 "" ")" + escaped_roff(version_) + "\"\n";
     // Without hyphens and stretched spaces, which hinder copying and searching.
     written_ += ".nh\n.ad l\n";
     section("Name");
-    written_ += escaped(title) + " \\- " + escaped(summary) + "\n";
+    written_ += escaped_roff(title) + " \\- " + escaped_roff(summary) + "\n";
   }
 
   void section(const std::string& heading) override {
-    written_ += ".SH " + escaped(in_capitals(heading)) + "\n";
+    written_ += ".SH " + escaped_roff(in_capitals(heading)) + "\n";
     is_first_ = true;
   }
 
@@ -120,7 +120,7 @@ class ManWriter : public PageWriter {
   void text(const std::string& text) override {
     for (const TextBlock& block : blocks_of(text)) {
       separate();
-      written_ += block.verbatim ? as_it_is(block.text) : sentence(block.text);
+      written_ += block.verbatim ? roff_lines(block.text) : roff_sentence(block.text);
     }
   }
 
@@ -128,7 +128,7 @@ class ManWriter : public PageWriter {
     std::string joined;
     for (const std::string& line : lines) joined += line + "\n";
     separate();
-    written_ += as_it_is(joined);
+    written_ += roff_lines(joined);
   }
 
   void entry(const std::vector<Term>& terms, const std::string& text) override {
@@ -143,13 +143,13 @@ class ManWriter : public PageWriter {
     for (const TextBlock& block : blocks_of(text)) {
       if (!is_first) written_ += ".IP\n";
       is_first = false;
-      written_ += block.verbatim ? as_it_is(block.text) : sentence(block.text);
+      written_ += block.verbatim ? roff_lines(block.text) : roff_sentence(block.text);
     }
   }
 
   void refer(const std::string& name) override {
     section("See also");
-    written_ += ".BR " + escaped(name) + " (1)\n";
+    written_ += ".BR " + escaped_roff(name) + " (1)\n";
   }
 
  private:

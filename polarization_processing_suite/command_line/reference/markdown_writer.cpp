@@ -7,7 +7,7 @@
 namespace kv::polarization {
 namespace {
 
-std::string escaped(const std::string& text) {
+std::string escaped_markdown(const std::string& text) {
   std::string markdown;
   for (const char letter : text) {
     if (std::string_view("\\`*_[]<>#|").find(letter) != std::string_view::npos) markdown += '\\';
@@ -18,15 +18,15 @@ std::string escaped(const std::string& text) {
 
 std::string code(const std::string& text) { return "`" + text + "`"; }
 
-std::string sentence(const std::string& text) {
+std::string markdown_sentence(const std::string& text) {
   std::string markdown;
   for (const TextSpan& span : spans_of(text)) {
-    markdown += span.code ? code(span.text) : escaped(span.text);
+    markdown += span.code ? code(span.text) : escaped_markdown(span.text);
   }
   return markdown;
 }
 
-std::string as_it_is(const std::string& lines) { return "```text\n" + lines + "\n```\n"; }
+std::string fenced(const std::string& lines) { return "```text\n" + lines + "\n```\n"; }
 
 /// All pages in one: the first is that of the tool, the others are its sections.
 class MarkdownWriter : public PageWriter {
@@ -34,7 +34,7 @@ class MarkdownWriter : public PageWriter {
   void begin(const std::string& name, const std::string& summary) override {
     const bool is_first = written_.empty();
     level_ = is_first ? "##" : "###";
-    written_ += (is_first ? "# " : "\n## ") + name + "\n\n" + escaped(summary) + ".\n";
+    written_ += (is_first ? "# " : "\n## ") + name + "\n\n" + escaped_markdown(summary) + ".\n";
   }
 
   void section(const std::string& heading) override {
@@ -43,14 +43,15 @@ class MarkdownWriter : public PageWriter {
 
   void text(const std::string& text) override {
     for (const TextBlock& block : blocks_of(text)) {
-      written_ += "\n" + (block.verbatim ? as_it_is(block.text) : sentence(block.text) + "\n");
+      written_ +=
+          "\n" + (block.verbatim ? fenced(block.text) : markdown_sentence(block.text) + "\n");
     }
   }
 
   void command_lines(const std::vector<std::string>& lines) override {
     std::string joined;
     for (const std::string& line : lines) joined += (joined.empty() ? "" : "\n") + line;
-    written_ += "\n" + as_it_is(joined);
+    written_ += "\n" + fenced(joined);
   }
 
   void entry(const std::vector<Term>& terms, const std::string& text) override {
@@ -63,7 +64,8 @@ class MarkdownWriter : public PageWriter {
     std::string before = ": ";
     for (const TextBlock& block : blocks_of(text)) {
       written_ += before;
-      const std::string lines = block.verbatim ? as_it_is(block.text) : sentence(block.text) + "\n";
+      const std::string lines =
+          block.verbatim ? fenced(block.text) : markdown_sentence(block.text) + "\n";
       // What belongs to an item is indented as its text is.
       const std::string shifted = indented(lines, 2);
       written_ += before == ": " ? shifted.substr(2) : shifted;

@@ -7,7 +7,7 @@
 namespace kv::polarization {
 namespace {
 
-constexpr const char* kHead = R"(#compdef kv-polarize
+constexpr const char* kZshHead = R"(#compdef kv-polarize
 # Completion of kv-polarize in zsh; printed by: kv-polarize completion zsh
 
 _kv_polarize() {
@@ -15,7 +15,7 @@ _kv_polarize() {
 )";
 
 // The file is the body of a function when zsh finds it in its path, and is sourced otherwise.
-constexpr const char* kTail = R"(
+constexpr const char* kZshTail = R"(
 if [[ $funcstack[1] == _kv-polarize ]]; then
   _kv_polarize "$@"
 else
@@ -24,14 +24,14 @@ fi
 )";
 
 /// In single quotes.
-std::string quoted(const std::string& text) {
+std::string zsh_quoted(const std::string& text) {
   std::string result;
   for (const char letter : text) result += letter == '\'' ? "'\\''" : std::string(1, letter);
   return "'" + result + "'";
 }
 
 /// As text of a rule for _arguments, in which these letters mean something.
-std::string escaped(const std::string& text) {
+std::string zsh_escaped(const std::string& text) {
   std::string result;
   for (const char letter : text) {
     if (std::string_view("\\:[]").find(letter) != std::string_view::npos) result += '\\';
@@ -52,7 +52,7 @@ std::string action_of(const OptionRecord& record, const Commands& commands) {
   return message + ":(" + words.substr(1) + ")";
 }
 
-std::string line(const std::string& rule) { return " \\\n        " + quoted(rule); }
+std::string line(const std::string& rule) { return " \\\n        " + zsh_quoted(rule); }
 
 /// A rule for each name: long ones take their value in the next word or behind =.
 std::string option_lines(const OptionRecord& record, const Commands& commands) {
@@ -61,7 +61,7 @@ std::string option_lines(const OptionRecord& record, const Commands& commands) {
   std::string lines;
   for (const std::string& name : names_of(record)) {
     const std::string form = !has_value ? name : name.starts_with("--") ? name + "=" : name + "+";
-    lines += line("*" + form + "[" + escaped(record.summary) + "]" + action);
+    lines += line("*" + form + "[" + zsh_escaped(record.summary) + "]" + action);
   }
   if (record.can_be_undone) {
     lines += line("*" + undoing_name_of(record) + "[Undo --" + key_of(record) + "]");
@@ -97,12 +97,12 @@ std::string zsh_completion(const Commands& commands) {
   std::string branches;
   for (const auto& command : commands) {
     const CommandPage& page = command->page();
-    names += "    " + quoted(page.name + ":" + page.summary) + "\n";
+    names += "    " + zsh_quoted(page.name + ":" + page.summary) + "\n";
     branches += command_branch(*command, commands);
   }
   std::string options;
   for (const OptionRecord& record : tool_options()) options += option_lines(record, commands);
-  return kHead + ("  local -a commands=(\n" + names + "  )\n") + "  _arguments -C" + options +
+  return kZshHead + ("  local -a commands=(\n" + names + "  )\n") + "  _arguments -C" + options +
          line("1: :->command") + line("*:: :->argument") + " && ret=0\n" +
          "  case $state in\n"
          "    command) _describe -t commands command commands && ret=0; return ret ;;\n"
@@ -110,7 +110,7 @@ std::string zsh_completion(const Commands& commands) {
          "    *) return ret ;;\n"
          "  esac\n"
          "  case $words[1] in\n" +
-         branches + "  esac\n  return ret\n}\n" + kTail;
+         branches + "  esac\n  return ret\n}\n" + kZshTail;
 }
 
 }  // namespace kv::polarization

@@ -15,9 +15,9 @@ namespace {
 /// S0 that leaves the brightest class of pixels, behind a parallel polarizer, a tenth of its range.
 constexpr double kBrightness = 0.85;
 
-class StackWriter {
+class ManifestStack {
  public:
-  StackWriter(const SimulatedSensor& sensor, std::filesystem::path folder)
+  ManifestStack(const SimulatedSensor& sensor, std::filesystem::path folder)
       : sensor_(sensor), folder_(std::move(folder)) {}
 
   void add(const std::string& name, const std::string& kind, const std::string& angle,
@@ -67,7 +67,7 @@ std::string numbered(const std::string& name, int number) {
 WrittenStack write_calibration_stack(const SimulateOptions& options) {
   make_folder(options.file);
   const SimulatedSensor sensor = sensor_of(options);
-  StackWriter stack(sensor, options.file);
+  ManifestStack stack(sensor, options.file);
   for (int angle = 0; angle < 180; angle += 5) {
     stack.add(numbered("polarized", angle), "polarized", std::to_string(angle),
               polarized_light(kBrightness, angle));

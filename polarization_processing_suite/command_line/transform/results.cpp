@@ -55,7 +55,7 @@ void add_frame(const Recipe& recipe, Arguments& arguments) {
 }
 
 /// The shortest text that reads as this very number.
-std::string text_of(double number) {
+std::string shortest_text(double number) {
   std::array<char, 32> text{};
   return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
 }
@@ -87,7 +87,7 @@ std::vector<std::string> arguments_for(const Recipe& recipe, std::span<const Res
   if (const auto* picture = std::get_if<PictureKind>(&first.what)) {
     arguments.add("--no-planes");
     arguments.add("--pictures", std::string(traits_of(*picture).name));
-    if (recipe.dolp_white) arguments.add("--dolp-white", text_of(*recipe.dolp_white));
+    if (recipe.dolp_white) arguments.add("--dolp-white", shortest_text(*recipe.dolp_white));
   } else {
     std::string planes;
     for (const Result& result : results) planes += (planes.empty() ? "" : ",") + result.name;

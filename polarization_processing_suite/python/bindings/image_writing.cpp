@@ -65,7 +65,7 @@ bool is_of(const py::array& array) {
                        std::string(py::str(py::handle(array.dtype()))) + ": " + cure);
 }
 
-int side_of(py::ssize_t size) {
+int writable_side(py::ssize_t size) {
   constexpr py::ssize_t most = 1 << 24;
   if (size < 1 || size > most) {
     refuse("an image with a side of " + std::to_string(size) +
@@ -90,9 +90,9 @@ Sides sides_of(const py::array& array) {
   }
   Sides sides;
   py::ssize_t axis = array.ndim();
-  if (ends_in_channels(array)) sides.channels = side_of(array.shape(--axis));
-  sides.width = side_of(array.shape(--axis));
-  sides.height = side_of(array.shape(--axis));
+  if (ends_in_channels(array)) sides.channels = writable_side(array.shape(--axis));
+  sides.width = writable_side(array.shape(--axis));
+  sides.height = writable_side(array.shape(--axis));
   sides.is_stack = axis > 0;
   if (sides.is_stack) sides.images = static_cast<std::size_t>(array.shape(0));
   return sides;

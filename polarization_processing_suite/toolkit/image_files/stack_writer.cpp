@@ -13,7 +13,7 @@
 namespace kv::polarization {
 namespace {
 
-[[noreturn]] void refuse(const std::string& line) { throw Fault(FaultKind::argument, line); }
+[[noreturn]] void refuse_page(const std::string& line) { throw Fault(FaultKind::argument, line); }
 
 }  // namespace
 
@@ -33,7 +33,7 @@ void StackWriter::add(const FloatImage& image) {
 
 void StackWriter::check_next(const Shape& shape) {
   if (added_ == images_) {
-    refuse("the stack is full; " + std::to_string(images_) + " images were announced");
+    refuse_page("the stack is full; " + std::to_string(images_) + " images were announced");
   }
   if (!first_) first_ = shape;
   if (shape == *first_) return;
@@ -42,21 +42,21 @@ void StackWriter::check_next(const Shape& shape) {
            std::to_string(image.channels) + " channels of " +
            std::to_string(8 * image.element_size) + " bits";
   };
-  refuse("image " + std::to_string(added_ + 1) + " of the stack has " + text(shape) +
-         "; all must be like the first one, of " + text(*first_));
+  refuse_page("image " + std::to_string(added_ + 1) + " of the stack has " + text(shape) +
+              "; all must be like the first one, of " + text(*first_));
 }
 
 void StackWriter::finish() {
   if (added_ < images_) {
-    refuse("the stack has " + std::to_string(added_) + " images; " + std::to_string(images_) +
-           " were announced");
+    refuse_page("the stack has " + std::to_string(added_) + " images; " + std::to_string(images_) +
+                " were announced");
   }
   end();
 }
 
 std::unique_ptr<StackWriter> open_stack(PendingFile& file, ImageFormat format, std::size_t images,
                                         const WriteOptions& options) {
-  if (images == 0) refuse("a stack of no images cannot be written; there must be 1 or more");
+  if (images == 0) refuse_page("a stack of no images cannot be written; there must be 1 or more");
   const FormatFunctions& functions = functions_of(format);
   if (functions.open_stack == nullptr) {
     const ImageFormatTraits& traits = traits_of(format);

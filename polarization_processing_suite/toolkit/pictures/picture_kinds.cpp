@@ -9,14 +9,13 @@
 namespace kv::polarization {
 namespace {
 
-static_assert(
-    [] {
-      for (std::size_t i = 0; i < kPictureKinds.size(); ++i) {
-        if (static_cast<std::size_t>(kPictureKinds[i].kind) != i) return false;
-      }
-      return true;
-    }(),
-    "a kind is the number of its line in the list");
+constexpr bool is_listed_in_order() {
+  for (std::size_t i = 0; i < kPictureKinds.size(); ++i) {
+    if (static_cast<std::size_t>(kPictureKinds[i].kind) != i) return false;
+  }
+  return true;
+}
+static_assert(is_listed_in_order(), "a kind is the number of its line in the list");
 
 struct Plate {
   Picture body;

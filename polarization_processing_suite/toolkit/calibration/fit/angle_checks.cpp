@@ -14,7 +14,7 @@ namespace kv::polarization {
 namespace {
 
 // How far from the others a frame may be: so many deviations, or so far in any case.
-constexpr double kDeviations = 6;
+constexpr double kAngleDeviations = 6;
 constexpr double kAngle = 0.2;  // degrees
 constexpr double kDolp = 0.005;
 
@@ -39,7 +39,7 @@ double limit_of(const std::vector<double>& values, double least) {
   for (const double value : values) squares += (value - spread.median) * (value - spread.median);
   const bool few = values.size() < kFewFrames;
   const double left = static_cast<double>(values.size()) - 5;
-  return std::max(least, kDeviations * (few ? std::sqrt(squares / left) : spread.deviation));
+  return std::max(least, kAngleDeviations * (few ? std::sqrt(squares / left) : spread.deviation));
 }
 
 AngleCheck check_by_others(std::vector<ClassLight> lights, std::size_t place) {

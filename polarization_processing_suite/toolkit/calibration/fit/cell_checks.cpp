@@ -4,7 +4,6 @@
 #include "toolkit/calibration/fit/cell_checks.h"
 
 #include <cmath>
-#include <numbers>
 
 namespace kv::polarization {
 namespace {
@@ -15,7 +14,6 @@ using Inverse = Eigen::Matrix<double, 3, 4>;
 
 constexpr double kFirstAngle = 3;  // degrees, of no special meaning
 constexpr double kAngleStep = 22.5;
-constexpr double kDegrees = 90 / std::numbers::pi;  // per radian of a doubled angle
 
 Inverse inverse_of(const Cell& cell) {
   return (cell.transpose() * cell).inverse() * cell.transpose();

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <Eigen/Dense>
+#include <numbers>
 #include <vector>
 
 #include "toolkit/calibration/fit/tile_means.h"
@@ -30,6 +31,9 @@ Eigen::Vector4d vector_of(const ClassValues& values);
 
 /// (1, cos 2t, sin 2t) of an angle in degrees.
 Eigen::Vector3d light_at(double angle);
+
+/// Of an angle, per radian of its double.
+inline constexpr double kDegrees = 90 / std::numbers::pi;
 
 /// An angle modulo 180 degrees, above -90 up to 90.
 double half_turn(double degrees);

@@ -12,7 +12,7 @@
 namespace kv::polarization {
 namespace {
 
-constexpr ByteHead kHead = {{'K', 'V', 'F', 'I', 'T', 'P', 'T', '\n'}, 1};
+constexpr ByteHead kPartHead = {{'K', 'V', 'F', 'I', 'T', 'P', 'T', '\n'}, 1};
 constexpr double kMost = 65535;  // counts
 
 std::size_t size_of_sums(const StackIntake& part) {
@@ -45,7 +45,7 @@ std::vector<std::byte> front_of(const StackIntake& part) {
   bytes(part.has_sums());
 
   ByteWriter front;
-  put_head(front, kHead);
+  put_head(front, kPartHead);
   const std::size_t before = front.bytes().size() + sizeof(std::uint64_t);
   front(std::uint64_t{before + bytes.bytes().size() + size_of_sums(part)});
   front.bytes().insert(front.bytes().end(), bytes.bytes().begin(), bytes.bytes().end());
@@ -131,7 +131,7 @@ void write_part(const StackIntake& part, std::span<std::byte> memory, WorkerPool
 
 StackIntake part_of(std::span<const std::byte> bytes, WorkerPool& pool) {
   ByteReader reader(bytes, "a part of a fit");
-  check_head(reader, kHead);
+  check_head(reader, kPartHead);
   std::uint64_t size = 0;
   reader(size);
   if (size != bytes.size()) {

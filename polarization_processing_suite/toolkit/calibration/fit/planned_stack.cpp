@@ -12,7 +12,7 @@
 namespace kv::polarization {
 namespace {
 
-constexpr ByteHead kHead = {{'K', 'V', 'F', 'I', 'T', 'P', 'L', '\n'}, 1};
+constexpr ByteHead kPlanHead = {{'K', 'V', 'F', 'I', 'T', 'P', 'L', '\n'}, 1};
 
 // What the bytes say of each record, for a ByteWriter and a ByteReader, whose records are const and
 // not.
@@ -55,7 +55,7 @@ void visit_frame(Bytes& bytes, Frame& frame) {
 
 std::vector<std::byte> bytes_of(const PlannedStack& plan) {
   ByteWriter bytes;
-  put_head(bytes, kHead);
+  put_head(bytes, kPlanHead);
   visit_settings(bytes, plan.settings);
   bytes(plan.settings.noise.has_value());
   if (plan.settings.noise) visit_noise(bytes, *plan.settings.noise);
@@ -115,7 +115,7 @@ PlannedStack plan_stack(const FitSettings& settings, const std::vector<StackFram
 
 PlannedStack planned_stack_of(std::span<const std::byte> bytes) {
   ByteReader reader(bytes, "the plan of a fit");
-  check_head(reader, kHead);
+  check_head(reader, kPlanHead);
   PlannedStack plan;
   visit_settings(reader, plan.settings);
   bool has_noise = false;

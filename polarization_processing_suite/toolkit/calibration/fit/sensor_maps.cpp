@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <string>
 
 #include "kv/polarization/fault.h"
@@ -16,12 +15,10 @@ namespace {
 
 // A pixel is out of range that far from the median of its class: so many robust deviations, and at
 // least so far.
-constexpr double kDeviations = 7;
+constexpr double kPixelDeviations = 7;
 constexpr double kLeastGain = 0.05;  // share of the median
 constexpr double kLeastDiattenuation = 0.05;
 constexpr double kLeastOrientation = 2;  // degrees
-
-constexpr double kDegrees = 90 / std::numbers::pi;  // per radian of a doubled angle
 
 /// From weights of the light to gain in counts, diattenuation and deviation from the nominal angle
 /// by the source. A pixel that no light reaches has neither of the two latter.
@@ -49,7 +46,7 @@ std::array<Range, 4> ranges_of(const PixelGrid& grid, const Buffer<float>& value
   std::array<Range, 4> ranges{};
   for (std::size_t number = 0; number < 4; ++number) {
     const RobustSpread spread = robust_spread(class_values(grid, values, bad, number));
-    ranges[number] = {spread.median, std::max(kDeviations * spread.deviation,
+    ranges[number] = {spread.median, std::max(kPixelDeviations * spread.deviation,
                                               is_share ? least * spread.median : least)};
   }
   return ranges;

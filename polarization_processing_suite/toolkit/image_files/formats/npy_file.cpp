@@ -74,7 +74,7 @@ std::unique_ptr<StackWriter> open_npy_stack(PendingFile& file, std::size_t image
   return std::make_unique<NpyStack>(file, images);
 }
 
-void write_picture(PendingFile& file, const Picture& picture, const WriteOptions&) {
+void write_array_of_picture(PendingFile& file, const Picture& picture, const WriteOptions&) {
   write_header(file, "|u1", sides_of(picture.width, picture.height, picture.channels));
   file.write(picture.bytes.data(), picture.bytes.size());
 }
@@ -86,7 +86,7 @@ FormatFunctions npy_functions() {
           .open_images = open_npy_images,
           .write_grey = write_array<GreyImage>,
           .write_floats = write_array<FloatImage>,
-          .write_picture = write_picture,
+          .write_picture = write_array_of_picture,
           .open_stack = open_npy_stack};
 }
 

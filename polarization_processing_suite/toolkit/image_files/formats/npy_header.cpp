@@ -15,7 +15,7 @@ namespace kv::polarization {
 namespace {
 
 /// Far above what a header of one plain array takes.
-constexpr std::uint32_t kMostText = 65535;
+constexpr std::uint32_t kMostHeader = 65535;
 
 [[noreturn]] void refuse_as_damaged(const std::string& why) {
   throw Fault(FaultKind::file, "the NPY header is damaged: " + why + "; an intact one is needed");
@@ -132,7 +132,7 @@ NpyHeader read_npy_header(ByteSource& source) {
   if (available < start.size() || size > source.size() - text_start) {
     refuse_as_damaged("the file ends within it");
   }
-  if (size > kMostText) {
+  if (size > kMostHeader) {
     refuse_as_damaged("it claims " + std::to_string(size) + " bytes, more than any array's");
   }
   std::string text(size, '\0');

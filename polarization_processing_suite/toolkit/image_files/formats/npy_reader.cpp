@@ -20,7 +20,7 @@ constexpr const char* kFrames =
 constexpr const char* kImages =
     "; images are arrays of uint8, uint16 or float32, with 2 to 4 dimensions, in C order";
 
-[[noreturn]] void refuse(const std::string& what, const char* wanted) {
+[[noreturn]] void refuse_array(const std::string& what, const char* wanted) {
   throw Fault(FaultKind::unsupported, "the NPY array " + what + wanted);
 }
 
@@ -31,7 +31,7 @@ std::uint64_t product(std::uint64_t a, std::uint64_t b) {
 }
 
 /// Where the images of an array are.
-struct Layout {
+struct ArrayLayout {
   std::uint64_t count = 1;
   std::uint64_t height = 0;
   std::uint64_t width = 0;
@@ -58,19 +58,19 @@ bool ends_in_channels(std::uint64_t side, ElementType element) {
   return element == ElementType::uint8 && side == 3;
 }
 
-Layout layout_of(const NpyHeader& header, bool frames_alone) {
+ArrayLayout array_layout(const NpyHeader& header, bool frames_alone) {
   const char* wanted = frames_alone ? kFrames : kImages;
   const std::optional<ElementType> element = element_named(header.type);
   const bool is_float = element == ElementType::float32;
   if (!element || (frames_alone && is_float)) {
-    refuse("has elements of type " + header.type, wanted);
+    refuse_array("has elements of type " + header.type, wanted);
   }
-  if (header.columns_first) refuse("is in Fortran order, column by column", wanted);
+  if (header.columns_first) refuse_array("is in Fortran order, column by column", wanted);
   const std::vector<std::uint64_t>& sides = header.shape;
   if (sides.size() < 2 || sides.size() > (frames_alone ? 3 : 4)) {
-    refuse("has " + std::to_string(sides.size()) + " dimensions", wanted);
+    refuse_array("has " + std::to_string(sides.size()) + " dimensions", wanted);
   }
-  Layout layout;
+  ArrayLayout layout;
   layout.element = *element;
   layout.order = header.type[0] == '>' ? std::endian::big : std::endian::little;
   layout.first_byte = header.first_byte;
@@ -85,7 +85,7 @@ Layout layout_of(const NpyHeader& header, bool frames_alone) {
   return layout;
 }
 
-void check_bytes(const Layout& layout, const ByteSource& source) {
+void check_bytes(const ArrayLayout& layout, const ByteSource& source) {
   const std::uint64_t needed = product(layout.count, layout.image_bytes());
   const std::uint64_t available = source.size() - layout.first_byte;
   if (needed == 0) {
@@ -104,7 +104,7 @@ class NpyReader : public Reader {
  public:
   explicit NpyReader(SourcePointer source)
       : source_(std::move(source)),
-        layout_(layout_of(read_npy_header(*source_), std::is_same_v<Target, Frame>)) {
+        layout_(array_layout(read_npy_header(*source_), std::is_same_v<Target, Frame>)) {
     check_bytes(layout_, *source_);
   }
 
@@ -123,7 +123,7 @@ class NpyReader : public Reader {
 
   void fill(Image& image, std::uint64_t position, const Claim& claim) {
     if (layout_.channels > std::numeric_limits<int>::max())
-      refuse("has too many channels", kImages);
+      refuse_array("has too many channels", kImages);
     reshape(image, claim, static_cast<int>(layout_.channels), layout_.element,
             layout_.image_bytes());
     read_elements(*source_, position, layout_.order, image);
@@ -132,7 +132,7 @@ class NpyReader : public Reader {
   int sample_bits() const { return static_cast<int>(8 * bytes_of(layout_.element)); }
 
   SourcePointer source_;
-  Layout layout_;
+  ArrayLayout layout_;
 };
 
 }  // namespace

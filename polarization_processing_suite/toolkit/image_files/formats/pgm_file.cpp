@@ -53,11 +53,11 @@ class PgmImages : public ImageReader {
   std::vector<PgmImage> images_;
 };
 
-std::unique_ptr<FrameReader> open(SourcePointer source) {
+std::unique_ptr<FrameReader> open_pgm_frames(SourcePointer source) {
   return std::make_unique<PgmReader>(std::move(source));
 }
 
-std::unique_ptr<ImageReader> open_images_of(SourcePointer source) {
+std::unique_ptr<ImageReader> open_pgm_images(SourcePointer source) {
   return std::make_unique<PgmImages>(std::move(source));
 }
 
@@ -78,12 +78,12 @@ void write_header(PendingFile& file, const char* kind, int width, int height, in
   file.write(header.data(), header.size());
 }
 
-void write_grey(PendingFile& file, const GreyImage& image, const WriteOptions& options) {
+void write_pgm_grey(PendingFile& file, const GreyImage& image, const WriteOptions& options) {
   write_header(file, "P5", image.width, image.height, full_scale(image.bit_depth), options);
   write_samples(file, image.samples, bytes_a_sample(image.bit_depth), std::endian::big);
 }
 
-void write_picture(PendingFile& file, const Picture& picture, const WriteOptions& options) {
+void write_pgm_picture(PendingFile& file, const Picture& picture, const WriteOptions& options) {
   write_header(file, picture.channels == 1 ? "P5" : "P6", picture.width, picture.height, 255,
                options);
   file.write(picture.bytes.data(), picture.bytes.size());
@@ -92,10 +92,10 @@ void write_picture(PendingFile& file, const Picture& picture, const WriteOptions
 }  // namespace
 
 FormatFunctions pgm_functions() {
-  return {.open = open,
-          .open_images = open_images_of,
-          .write_grey = write_grey,
-          .write_picture = write_picture,
+  return {.open = open_pgm_frames,
+          .open_images = open_pgm_images,
+          .write_grey = write_pgm_grey,
+          .write_picture = write_pgm_picture,
           .open_stack = open_concatenated<ImageFormat::pgm>,
           .provenance = pgm_provenance};
 }

@@ -33,14 +33,14 @@ class PngReader : public FrameReader {
   PngDecoder decoder_;
 };
 
-std::unique_ptr<FrameReader> open(SourcePointer source) {
+std::unique_ptr<FrameReader> open_png_frames(SourcePointer source) {
   return std::make_unique<PngReader>(read_whole(std::move(source)));
 }
 
 }  // namespace
 
 FormatFunctions png_functions() {
-  return {.open = open,
+  return {.open = open_png_frames,
           .open_images = open_png_images,
           .write_grey = write_png_grey,
           .write_picture = write_png_picture,

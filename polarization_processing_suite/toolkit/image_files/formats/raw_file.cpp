@@ -111,7 +111,7 @@ class RawPipeReader : public FrameReader {
   RawLayout layout_;
 };
 
-void write_grey(PendingFile& file, const GreyImage& image, const WriteOptions&) {
+void write_raw_grey(PendingFile& file, const GreyImage& image, const WriteOptions&) {
   write_samples(file, image.samples, bytes_a_sample(image.bit_depth), std::endian::little);
 }
 
@@ -122,7 +122,7 @@ void write_floats(PendingFile& file, const FloatImage& image, const WriteOptions
 }  // namespace
 
 FormatFunctions raw_functions() {
-  return {.write_grey = write_grey,
+  return {.write_grey = write_raw_grey,
           .write_floats = write_floats,
           .open_stack = open_concatenated<ImageFormat::raw>};
 }

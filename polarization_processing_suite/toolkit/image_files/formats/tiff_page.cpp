@@ -19,7 +19,7 @@ Number field(TIFF* tiff, ttag_t tag) {
   return value;
 }
 
-[[noreturn]] void refuse(const std::string& what, const char* wanted) {
+[[noreturn]] void refuse_page(const std::string& what, const char* wanted) {
   throw Fault(FaultKind::unsupported, "the TIFF page " + what + "; " + wanted);
 }
 
@@ -97,13 +97,13 @@ TiffPage read_fields(TIFF* tiff) {
 }
 
 void check_is_raw_frame(const TiffPage& page) {
-  if (page.photometric == PHOTOMETRIC_PALETTE) refuse("is palette colour", kRawFrame);
-  if (page.channels != 1) refuse(channels_text(page), kRawFrame);
-  if (page.sample_format == SAMPLEFORMAT_IEEEFP) refuse("has float samples", kRawFrame);
-  if (page.sample_format == SAMPLEFORMAT_INT) refuse("has signed samples", kRawFrame);
-  if (page.bits != 8 && page.bits != 16) refuse(bits_text(page), kRawFrame);
+  if (page.photometric == PHOTOMETRIC_PALETTE) refuse_page("is palette colour", kRawFrame);
+  if (page.channels != 1) refuse_page(channels_text(page), kRawFrame);
+  if (page.sample_format == SAMPLEFORMAT_IEEEFP) refuse_page("has float samples", kRawFrame);
+  if (page.sample_format == SAMPLEFORMAT_INT) refuse_page("has signed samples", kRawFrame);
+  if (page.bits != 8 && page.bits != 16) refuse_page(bits_text(page), kRawFrame);
   if (page.photometric != PHOTOMETRIC_MINISBLACK && page.photometric != PHOTOMETRIC_CFA) {
-    refuse("is not a plain grey image", kRawFrame);
+    refuse_page("is not a plain grey image", kRawFrame);
   }
   check_compression(page);
 }
@@ -111,15 +111,15 @@ void check_is_raw_frame(const TiffPage& page) {
 ElementType check_is_image(const TiffPage& page) {
   constexpr int plain[] = {PHOTOMETRIC_MINISBLACK, PHOTOMETRIC_CFA, PHOTOMETRIC_RGB};
   if (std::find(std::begin(plain), std::end(plain), page.photometric) == std::end(plain)) {
-    refuse("is neither grey nor RGB", kAnyImage);
+    refuse_page("is neither grey nor RGB", kAnyImage);
   }
-  if (page.sample_format == SAMPLEFORMAT_INT) refuse("has signed samples", kAnyImage);
+  if (page.sample_format == SAMPLEFORMAT_INT) refuse_page("has signed samples", kAnyImage);
   const bool is_float = page.sample_format == SAMPLEFORMAT_IEEEFP;
   if (is_float ? page.bits != 32 : page.bits != 8 && page.bits != 16) {
-    refuse(bits_text(page), kAnyImage);
+    refuse_page(bits_text(page), kAnyImage);
   }
-  if (page.channels < 1) refuse(channels_text(page), kAnyImage);
-  if (page.apart) refuse("has each of its channels apart", kAnyImage);
+  if (page.channels < 1) refuse_page(channels_text(page), kAnyImage);
+  if (page.apart) refuse_page("has each of its channels apart", kAnyImage);
   check_compression(page);
   if (is_float) return ElementType::float32;
   return page.bits == 8 ? ElementType::uint8 : ElementType::uint16;

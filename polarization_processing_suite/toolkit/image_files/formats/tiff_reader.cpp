@@ -51,19 +51,19 @@ class TiffImages : public ImageReader {
   TiffPages pages_;
 };
 
-std::unique_ptr<FrameReader> open(SourcePointer source) {
+std::unique_ptr<FrameReader> open_tiff_frames(SourcePointer source) {
   return std::make_unique<TiffReader>(std::move(source));
 }
 
-std::unique_ptr<ImageReader> open_images_of(SourcePointer source) {
+std::unique_ptr<ImageReader> open_tiff_images(SourcePointer source) {
   return std::make_unique<TiffImages>(std::move(source));
 }
 
 }  // namespace
 
 FormatFunctions tiff_functions() {
-  return {.open = open,
-          .open_images = open_images_of,
+  return {.open = open_tiff_frames,
+          .open_images = open_tiff_images,
           .write_grey = write_tiff_image<GreyImage>,
           .write_floats = write_tiff_image<FloatImage>,
           .write_picture = write_tiff_image<Picture>,

@@ -23,7 +23,7 @@ constexpr std::size_t kStripBytes = 1u << 20;
 /// cent less time.
 constexpr std::size_t kAlignment = 64;
 
-struct Layout {
+struct PageLayout {
   int width;
   int height;
   int channels;
@@ -57,12 +57,12 @@ Compression compression_of(const WriteOptions& options) {
 }
 
 /// A search finds floats that repeat as they are; without one, bytes of equal weight are alike.
-TiffPredictor predictor_of(const Layout& layout, Compression compression) {
+TiffPredictor predictor_of(const PageLayout& layout, Compression compression) {
   if (layout.sample_format != SAMPLEFORMAT_IEEEFP) return TiffPredictor::horizontal;
   return compression == Compression::small ? TiffPredictor::none : TiffPredictor::floating_point;
 }
 
-void set_compression(TIFF* tiff, const Layout& layout, Compression compression) {
+void set_compression(TIFF* tiff, const PageLayout& layout, Compression compression) {
   if (compression == Compression::none) {
     TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
     return;
@@ -72,7 +72,7 @@ void set_compression(TIFF* tiff, const Layout& layout, Compression compression) 
 }
 
 /// Sets the fields that every page needs.
-void set_fields(TIFF* tiff, const Layout& layout, const WriteOptions& options) {
+void set_fields(TIFF* tiff, const PageLayout& layout, const WriteOptions& options) {
   TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, layout.width);
   TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, layout.height);
   TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, layout.channels);
@@ -99,8 +99,8 @@ void set_fields(TIFF* tiff, const Layout& layout, const WriteOptions& options) {
 /// Writes the strips, in the machine's own byte order, which the file's header records.
 /// bytes_of(first row, rows) gives their bytes.
 template <class BytesOf>
-void write_page(PendingFile& file, TIFF* tiff, const Layout& layout, const WriteOptions& options,
-                int greatest_sample, BytesOf bytes_of) {
+void write_page(PendingFile& file, TIFF* tiff, const PageLayout& layout,
+                const WriteOptions& options, int greatest_sample, BytesOf bytes_of) {
   errno = 0;
   if (tiff == nullptr) file.fail();
   align_first_strip(file);
@@ -124,7 +124,7 @@ void write_page(PendingFile& file, TIFF* tiff, const Layout& layout, const Write
 }
 
 /// Where the rows of pixels begin that lie in memory as they are stored.
-auto rows_at(const void* pixels, const Layout& layout) {
+auto rows_at(const void* pixels, const PageLayout& layout) {
   return [first = static_cast<const std::uint8_t*>(pixels), size = layout.row_bytes()](
              std::size_t row, std::size_t) -> const void* { return first + row * size; };
 }
@@ -134,7 +134,7 @@ auto rows_at(const void* pixels, const Layout& layout) {
 void write_tiff_page(PendingFile& file, const TiffStream& stream, const GreyImage& image,
                      const WriteOptions& options) {
   const std::size_t sample_size = bytes_a_sample(image.bit_depth);
-  const Layout layout{
+  const PageLayout layout{
       image.width,       image.height,          1, static_cast<int>(8 * sample_size),
       SAMPLEFORMAT_UINT, PHOTOMETRIC_MINISBLACK};
   const int greatest = full_scale(image.bit_depth);
@@ -154,14 +154,14 @@ void write_tiff_page(PendingFile& file, const TiffStream& stream, const GreyImag
 
 void write_tiff_page(PendingFile& file, const TiffStream& stream, const FloatImage& image,
                      const WriteOptions& options) {
-  const Layout layout{image.width, image.height,        image.channels,
-                      32,          SAMPLEFORMAT_IEEEFP, PHOTOMETRIC_MINISBLACK};
+  const PageLayout layout{image.width, image.height,        image.channels,
+                          32,          SAMPLEFORMAT_IEEEFP, PHOTOMETRIC_MINISBLACK};
   write_page(file, stream.get(), layout, options, 0, rows_at(image.values.data(), layout));
 }
 
 void write_tiff_page(PendingFile& file, const TiffStream& stream, const Picture& picture,
                      const WriteOptions& options) {
-  const Layout layout{
+  const PageLayout layout{
       picture.width,     picture.height,
       picture.channels,  8,
       SAMPLEFORMAT_UINT, picture.channels == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB};
