@@ -17,7 +17,7 @@ from pathlib import Path
 import matplotlib
 
 matplotlib.use("svg")
-import matplotlib.pyplot as plt
+import matplotlib.pyplot as plt  # noqa: E402 (the backend is chosen first)
 
 HERE = Path(__file__).resolve().parent
 PROGRAMS = HERE.parent / "build" / "release"
@@ -155,7 +155,8 @@ def toolkit_table(toolkit, size):
 
 
 def maps_table(maps):
-    rows = [["planes: intensity azimuth dolp", f"{maps['planes: intensity azimuth dolp']['real_time']:.1f}", ""]]
+    planes = "planes: intensity azimuth dolp"
+    rows = [[planes, f"{maps[planes]['real_time']:.1f}", ""]]
     for name in [name for name in maps if name.endswith("/threads:1/real_time")]:
         title = name.split("/")[0]
         one, two = (maps[f"{title}/threads:{n}/real_time"]["real_time"] for n in (1, 2))

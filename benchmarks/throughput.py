@@ -135,7 +135,8 @@ def transform_parts(tool):
     result = json.loads(quietly(command))
     own = result["machine"]["kernels"]
     rates = [rate for rate in result["rates"] if rate["kernels"] == own]
-    return result["machine"], {",".join(r["planes"]): r["processor_ms_per_frame"] / 1e3 for r in rates}
+    seconds = {",".join(r["planes"]): r["processor_ms_per_frame"] / 1e3 for r in rates}
+    return result["machine"], seconds
 
 
 def codec_parts(program, folder):
@@ -199,9 +200,11 @@ def markdown(header, rows):
 
 
 def report(machine, cores, count, rows, parts, transforms):
-    header = ["", "frames/s", "aim", "CPU ms a frame", "aim", "parts, ms", "ideal frames/s", "ratio"]
+    header = ["", "frames/s", "aim", "CPU ms a frame", "aim", "parts, ms"]
+    header += ["ideal frames/s", "ratio"]
     times = [f"{name} {1e3 * seconds:.1f}" for name, seconds in parts.items()]
-    times += [f"transform to {n.count(',') + 1} planes {1e3 * s:.1f}" for n, s in transforms.items()]
+    for names, seconds in transforms.items():
+        times.append(f"transform to {names.count(',') + 1} planes {1e3 * seconds:.1f}")
     return (
         f"{markdown(header, rows)}\n"
         f"Milliseconds of one core: {', '.join(times)}.\n\n"
@@ -248,7 +251,8 @@ def main():
         machine, transforms = transform_parts(tool)
         rows = []
         for run in RUNS:
-            times = [measure(tool, run, folder, count, knows_overwrite) for _ in range(given.repeats)]
+            repeats = range(given.repeats)
+            times = [measure(tool, run, folder, count, knows_overwrite) for _ in repeats]
             ideal_sum = sum_of_parts(run, parts, transforms)
             rows.append(row(run, *min(times), count, ideal_sum, cores))
             print(markdown(rows[-1], []).splitlines()[0], file=sys.stderr)

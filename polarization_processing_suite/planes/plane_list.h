@@ -56,14 +56,13 @@ constexpr std::size_t index_of(Plane plane) { return static_cast<std::size_t>(pl
 
 constexpr const PlaneTraits& traits_of(Plane plane) { return kPlanes[index_of(plane)]; }
 
-static_assert(
-    [] {
-      for (std::size_t index = 0; index < kPlanes.size(); ++index) {
-        if (index_of(kPlanes[index].plane) != index) return false;
-      }
-      return true;
-    }(),
-    "a plane is the number of its line in the list");
+constexpr bool is_listed_in_order() {
+  for (std::size_t index = 0; index < kPlanes.size(); ++index) {
+    if (index_of(kPlanes[index].plane) != index) return false;
+  }
+  return true;
+}
+static_assert(is_listed_in_order(), "a plane is the number of its line in the list");
 
 constexpr std::optional<Plane> plane_named(std::string_view name) {
   for (const PlaneTraits& traits : kPlanes) {

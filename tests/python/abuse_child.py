@@ -88,7 +88,8 @@ WEIGHTS = st.one_of(
 @hypothesis.given(
     frames=FRAMES,
     planes=NAMES,
-    out=st.one_of(st.none(), st.none(), arrays(["<u2", "f4"]), st.lists(arrays(["<u2"]), max_size=2),
+    out=st.one_of(st.none(), st.none(), arrays(["<u2", "f4"]),
+                  st.lists(arrays(["<u2"]), max_size=2),
                   st.dictionaries(st.sampled_from(kv.PLANES), arrays(["<u2", "f4"]), max_size=2),
                   FRAMES),
     phase=st.sampled_from([0, 45, 90, 135, 1, None, "0"]),

@@ -15,7 +15,8 @@ MAX = 65535
 
 def frames_of(*leading, rows=11, columns=21, dtype=np.uint16):
     top = np.iinfo(dtype).max
-    return np.random.default_rng(7).integers(0, top, (*leading, rows, columns), dtype, endpoint=True)
+    shape = (*leading, rows, columns)
+    return np.random.default_rng(7).integers(0, top, shape, dtype, endpoint=True)
 
 
 # Samples of the polarizers 0, 45, 90 and 135, and by hand S0 at half of their sum, in full scale of

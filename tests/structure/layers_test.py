@@ -21,7 +21,9 @@ def read_table(config, section):
 
 
 def check_circles(arrows):
-    folders = {folder: [word for word in words if word in arrows] for folder, words in arrows.items()}
+    folders = {
+        folder: [word for word in words if word in arrows] for folder, words in arrows.items()
+    }
     try:
         graphlib.TopologicalSorter(folders).prepare()
     except graphlib.CycleError as error:
@@ -29,7 +31,7 @@ def check_circles(arrows):
 
 
 def folder_of(file):
-    """The folder of a file in the suite; installed headers, in an include/, are of the folder that has it."""
+    """The folder of a file in the suite; installed headers are of the folder that has include/."""
     path = pathlib.PurePath(file)
     parts = path.parts
     return "/".join(parts[: parts.index("include")]) if "include" in parts else str(path.parent)

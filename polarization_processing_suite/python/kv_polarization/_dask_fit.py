@@ -41,9 +41,10 @@ def calibrate(
 ) -> Calibration:
     """Finds what a sensor is from a stack of frames in dask arrays, at once.
 
-    `frames`, `darks` and `flats` are arrays (n, rows, columns) of uint8 or uint16, each frame in one
-    chunk; all else is as for `Calibration.fit`. Each chunk is summed where it is read, the sums are
-    merged in a tree, and the end is made here; frames that do not fit are read once more, here.
+    `frames`, `darks` and `flats` are arrays (n, rows, columns) of uint8 or uint16, each frame
+    in one chunk; all else is as for `Calibration.fit`. Each chunk is summed where it is read,
+    the sums are merged in a tree, and the end is made here; frames that do not fit are read
+    once more, here.
 
     The calibration is that of `Calibration.fit`, but for the rounding of the sums: black levels,
     gains, diattenuations and errors of good pixels agree to 1e-6 of their value, orientations to

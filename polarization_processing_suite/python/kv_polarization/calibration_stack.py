@@ -7,7 +7,7 @@ from __future__ import annotations
 
 import itertools
 import math
-from typing import Any, Callable, Iterable, Iterator, List, Optional, Sequence, Tuple
+from typing import Any, Iterable, Iterator, List, Optional, Sequence, Tuple
 
 import numpy as np
 import numpy.typing as npt

@@ -33,10 +33,10 @@ class Planes(NamedArrays):
     Each is an array of the frames' leading axes, rows and columns, or None where it was not asked
     for. They are the library's planes to the last bit.
 
-    - `intensity`: uint16. S0, half of the sum of a pixel's four samples, from 0 at 0 to `output_max`
-      at the samples' full scale; brighter ones are clipped.
-    - `stokes_s1`, `stokes_s2`: uint16. S1 = I0 - I90 and S2 = I45 - I135 in the same scale; negative
-      ones are 0.
+    - `intensity`: uint16. S0, half of the sum of a pixel's four samples, from 0 at 0 to
+      `output_max` at the samples' full scale; brighter ones are clipped.
+    - `stokes_s1`, `stokes_s2`: uint16. S1 = I0 - I90 and S2 = I45 - I135 in the same scale;
+      negative ones are 0.
     - `azimuth`: uint16. The angle of linear polarization, from -90 degrees at 0 to 90 degrees at
       `output_max`; 0 degrees lies along the rows, and angles grow counter-clockwise.
     - `dolp`: uint16. The degree of linear polarization, from 0 at 0 to 1 at `output_max`.
