@@ -3,7 +3,7 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # What a file of the Windows build shows to the world: its exports, the libraries that it asks for,
-# and no folder of the machine that built it.
+# what hardens it, and no folder of the machine that built it.
 #
 #   binary_test.sh OBJDUMP FILE EXPORT_MAP IMPORTS FOLDER...
 #
@@ -26,6 +26,13 @@ expect_same 'exported symbols' "$wanted" \
 
 expect_same 'imported libraries' "$(tr ' ' '\n' <<<"$imports" | sorted)" \
   "$(sed -n 's/^\tDLL Name: //p' <<<"$headers" | sorted)"
+
+# Addresses that nobody can guess, and no data that can be run.
+for mark in DYNAMIC_BASE HIGH_ENTROPY_VA NX_COMPAT; do
+  expect_same 'marks of the file' "$mark" "$(grep -ow "$mark" <<<"$headers" || true)"
+done
+expect_same 'code that can be written' '' \
+  "$("$objdump" -h "$file" | grep -w CODE | grep -vw READONLY || true)"
 
 for folder in "$@"; do
   # As the beginning of a path: the runtime's libraries were built in folders of their own.
