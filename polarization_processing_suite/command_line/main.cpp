@@ -15,6 +15,7 @@
 #include "command_line/options/help_text.h"
 #include "command_line/options/values.h"
 #include "command_line/tool_page.h"
+#include "command_line/version_text.h"
 #include "platform/process.h"
 
 using namespace kv::polarization;
@@ -42,7 +43,7 @@ int main(int argc, char** argv) {
   kv::platform::ignore_broken_pipes();
   try {
     CLI::App app("", kProgram);
-    app.set_version_flag("--version", "kv-polarize " KV_VERSION);
+    app.set_version_flag("--version", version_text(this_build()));
     app.require_subcommand(0, 1);
     const Commands commands = make_commands(app);
     app.formatter_fn([&commands](const CLI::App*, const std::string&, CLI::AppFormatMode) {

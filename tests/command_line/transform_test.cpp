@@ -203,7 +203,7 @@ TEST(Simulate, ObeysItsOptions) {
 
 TEST(Help, ShowsTheVersionAndTheCommands) {
   const Tool tool;
-  EXPECT_EQ(tool.run("--version").out, "kv-polarize " KV_VERSION "\n");
+  EXPECT_EQ(tool.run("--version").out.rfind("kv-polarize " KV_VERSION "\n", 0), 0u);
   const ToolResult help = tool.run("--help");
   EXPECT_EQ(help.status, 0);
   for (const char* part : {"transform", "simulate", "Exit status"}) {

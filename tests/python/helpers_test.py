@@ -3,6 +3,9 @@
 
 """What the package offers to other programs' tests and reports."""
 
+import pathlib
+import subprocess
+
 import numpy as np
 import pytest
 
@@ -41,3 +44,20 @@ def test_the_build_tells_of_itself():
     assert info["kernels"] in ("sse2", "sse41", "avx2", "avx512")
     assert (info["tier"] == "baseline") == (info["vector_module"] is None)
     assert info["logger"] and info["formats"]["npy"]
+
+
+def test_tool_and_package_tell_the_same_build():
+    tool = pathlib.Path(kv.build_info()["library"]).parent / "kv-polarize"
+    if not tool.exists():
+        pytest.skip("built without the tool")
+    said = subprocess.run([tool, "--version"], capture_output=True, text=True, check=True).stdout
+    info = kv.build_info()
+    head, *lines = said.splitlines()
+    assert head == f"kv-polarize {info['version']}"
+    told = {line[2:20].strip(): line[20:] for line in lines}
+    assert told == {
+        "compiler": f"{info['compiler']}, {info['flags']}",
+        "instruction sets": ", ".join(info["instruction_sets"]),
+        "options": ", ".join(f"{name}={value}" for name, value in info["options"].items()),
+        "libraries": ", ".join(f"{name} {number}" for name, number in info["libraries"].items()),
+    }

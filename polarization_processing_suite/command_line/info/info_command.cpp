@@ -20,6 +20,7 @@ namespace {
 Json json_of_installation(const Machine& machine) {
   Json json;
   json["version"] = KV_VERSION;
+  json["build"] = json_of(this_build());
   json["machine"] = json_of(machine);
   for (const ImageFormatTraits& traits : image_formats()) {
     json["formats"][std::string(traits.name)] = traits.available();

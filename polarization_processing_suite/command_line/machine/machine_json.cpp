@@ -4,6 +4,15 @@
 #include "command_line/machine/machine_json.h"
 
 namespace kv::polarization {
+namespace {
+
+Json json_of(const NamedTexts& texts) {
+  Json json = Json::object();
+  for (const auto& [name, text] : texts) json[name] = text;
+  return json;
+}
+
+}  // namespace
 
 Json json_of(const Machine& machine) {
   Json json;
@@ -15,6 +24,17 @@ Json json_of(const Machine& machine) {
   json["vector_module"] = json_of(machine.module);
   json["logger"] = json_of(machine.logger);
   json["logger_configuration"] = json_of(machine.logger_configuration);
+  return json;
+}
+
+Json json_of(const Build& build) {
+  Json json;
+  json["version"] = build.version;
+  json["compiler"] = build.compiler;
+  json["flags"] = build.flags;
+  json["instruction_sets"] = build.instruction_sets;
+  json["options"] = json_of(build.options);
+  json["libraries"] = json_of(build.libraries);
   return json;
 }
 

@@ -4,10 +4,12 @@
 #pragma once
 
 #include "command_line/json_output.h"
+#include "toolkit/machine/build.h"
 #include "toolkit/machine/machine.h"
 
 namespace kv::polarization {
 
 Json json_of(const Machine& machine);
+Json json_of(const Build& build);
 
 }  // namespace kv::polarization

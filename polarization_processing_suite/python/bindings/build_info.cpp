@@ -7,6 +7,7 @@
 
 #include "kv/image_files/image_format.h"
 #include "python/bindings/bindings.h"
+#include "toolkit/machine/build.h"
 #include "toolkit/machine/machine.h"
 
 namespace kv::polarization::python {
@@ -19,10 +20,22 @@ py::object text_or_none(const std::string& text) {
   return py::str(text);
 }
 
+py::dict dict_of(const NamedTexts& texts) {
+  py::dict dict;
+  for (const auto& [name, text] : texts) dict[py::str(name)] = text;
+  return dict;
+}
+
 py::dict build_info() {
   const Machine machine = look_at_machine();
   py::dict info;
-  info["version"] = KV_VERSION;
+  const Build& build = this_build();
+  info["version"] = build.version;
+  info["compiler"] = build.compiler;
+  info["flags"] = build.flags;
+  info["instruction_sets"] = build.instruction_sets;
+  info["options"] = dict_of(build.options);
+  info["libraries"] = dict_of(build.libraries);
   info["library"] = text_or_none(machine.library.string());
   info["processor"] = text_or_none(machine.processor);
   info["cores"] = machine.cores;

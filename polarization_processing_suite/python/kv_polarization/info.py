@@ -14,6 +14,10 @@ def build_info() -> Dict[str, Any]:
     """What computes here, for bug reports and records of measurements.
 
     - `version`: of the package and the library, which are made together.
+    - `compiler`, `flags`: what made them, for example "GNU 12.2.0" and "Release -O2".
+    - `instruction_sets`: a list of those that the library and its modules have code for.
+    - `options`: how the build was configured, "ON" or "OFF"; `libraries`: what it takes in, linked or
+      as headers, with versions; an empty one is not known.
     - `library`, `vector_module`, `logger`: their files; None where one is not found.
     - `processor`: its name; `cores`: how many of them run at once.
     - `tier`: "baseline", "avx2" or "avx512", what the processor has.

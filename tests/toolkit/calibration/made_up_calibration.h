@@ -88,6 +88,6 @@ inline kv::polarization::Calibration made_up_calibration(int width, int height) 
   };
   made.camera = "Example P5, serial number 0042";
   made.date = "2024-05-17";
-  made.software = "kv-polarize 0.1.0";
+  made.software = "kv-polarize 9.8.7";
   return made;
 }
