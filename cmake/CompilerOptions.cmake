@@ -32,6 +32,15 @@ else()
   add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 endif()
 
+if(UNIX OR MINGW)
+  # Archives without times and users, whatever the tools were configured for.
+  foreach(language C CXX)
+    set(CMAKE_${language}_ARCHIVE_CREATE "<CMAKE_AR> qcD <TARGET> <LINK_FLAGS> <OBJECTS>")
+    set(CMAKE_${language}_ARCHIVE_APPEND "<CMAKE_AR> qD <TARGET> <LINK_FLAGS> <OBJECTS>")
+    set(CMAKE_${language}_ARCHIVE_FINISH "<CMAKE_RANLIB> -D <TARGET>")
+  endforeach()
+endif()
+
 if(MINGW)
   # The files ask for libraries of the system only, and equal sources give equal files.
   add_link_options(-static LINKER:--no-insert-timestamp)

@@ -50,8 +50,9 @@ done
 
 # An empty element is the working folder, which may be somebody else's.
 path=$(sed -nE 's/.*\((RUNPATH|RPATH)\).*\[(.*)\]/\2/p' <<<"$dynamic")
-grep -qE '^(\$ORIGIN(/[^:]*)?(:|$))+$' <<<"$path" && [[ $path != *: ]] ||
+if [[ -z $path || :$path: == *::* ]] || tr : '\n' <<<"$path" | grep -qvE '^[$]ORIGIN(/|$)'; then
   fault "looks for libraries in '$path', not only relative to itself"
+fi
 
 # Each of the files has functions with arrays on the stack.
 grep -qx __stack_chk_fail <<<"$calls" || fault 'no guards of the stack (-fstack-protector-strong)'
