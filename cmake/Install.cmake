@@ -70,11 +70,7 @@ endforeach()
 if(TARGET kv-polarize)
   cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR}
              OUTPUT_VARIABLE bin_to_lib)
-  # The same for both trees: where they differ, CMake fills the shorter one up with empty elements,
-  # each of which is the working folder.
-  set_target_properties(kv-polarize PROPERTIES
-    INSTALL_RPATH "$ORIGIN/${bin_to_lib};$ORIGIN"
-    BUILD_WITH_INSTALL_RPATH ON)
+  set_run_path(kv-polarize $ORIGIN/${bin_to_lib})
   install(TARGETS kv-polarize RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 if(TARGET kv_polarize_reference)
