@@ -48,7 +48,8 @@ const CommandPage& tool_page() {
 
 const std::vector<OptionRecord>& tool_options() {
   static const std::vector<OptionRecord> records{
-      help_record(), {.names = "--version", .summary = "Show the version, and how this build was made"}};
+      help_record(),
+      {.names = "--version", .summary = "Show the version, and how this build was made"}};
   return records;
 }
 

@@ -18,7 +18,8 @@ import sys
 SOURCE, BUILD, VERSION = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]), sys.argv[3]
 
 NEEDED = {
-    "packages": "SPDXID name versionInfo downloadLocation licenseConcluded licenseDeclared copyrightText",
+    "packages": "SPDXID name versionInfo downloadLocation licenseConcluded licenseDeclared"
+                " copyrightText",
     "files": "SPDXID fileName checksums licenseConcluded licenseInfoInFiles copyrightText",
     "relationships": "spdxElementId relationshipType relatedSpdxElement",
 }
@@ -38,7 +39,7 @@ kv_polarization-python DEPENDS_ON pybind11
 kevrinth_qrm_logger DYNAMIC_LINK spdlog
 kevrinth_qrm_logger DEPENDS_ON fmtlib
 kevrinth_qrm_polarization_processor DYNAMIC_LINK glibc
-kevrinth_qrm_polarization_processor CONTAINS ./lib/kevrinth_qrm_polarization_processor_vector_avx2.so
+kevrinth_qrm_polarization_processor CONTAINS ./include/kevrinth_qrm_polarization_processor.h
 kevrinth_qrm_logger CONTAINS ./lib/kevrinth_qrm_logger.so
 cmake BUILD_TOOL_OF kevrinth_qrm_polarization_processor
 """
@@ -76,7 +77,8 @@ def faults_of(told):
     yield from (f"{file['fileName']} is in {holders[file['fileName']]} packages"
                 for file in told["files"] if holders[file["fileName"]] != 1)  # fmt: skip
 
-    inside = {link.split()[2] for link in links if link.split()[1] in ("DYNAMIC_LINK", "DEPENDS_ON")}
+    taken_in = ("DYNAMIC_LINK", "DEPENDS_ON")
+    inside = {link.split()[2] for link in links if link.split()[1] in taken_in}
     for package in told["packages"]:
         if package["name"] in inside and package["licenseDeclared"] == "NOASSERTION":
             yield f"no licence of {package['name']}: give scripts/sbom one"

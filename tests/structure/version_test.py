@@ -40,7 +40,8 @@ def main():
                 if asked != minor:
                     faults.append(f"{name}:{number}: asks for {asked}, not for {minor}")
 
-    if len(re.findall(rf"\bVERSION {re.escape(version)}\b", (source / "CMakeLists.txt").read_text())) != 1:
+    project = (source / "CMakeLists.txt").read_text()
+    if len(re.findall(rf"\bVERSION {re.escape(version)}\b", project)) != 1:
         faults.append(f"CMakeLists.txt does not tell {version} once")
     headings = re.findall(r"^## \[(.+?)\]", (source / "CHANGELOG.md").read_text(), re.MULTILINE)
     released = [heading for heading in headings if heading != "Unreleased"]
