@@ -30,11 +30,12 @@ enum class PlaneElement : std::uint8_t {
 /// What of a pixel's polarization the element is made of.
 enum class PlaneSource : std::uint8_t { ratios, s0, s1, s2, azimuth, dolp };
 
+/// A line of the list of planes.
 struct PlaneTraits {
-  Plane plane;
-  std::string_view name;
-  PlaneElement element;
-  PlaneSource source;
+  Plane plane;            ///< whose line it is
+  std::string_view name;  ///< for files, options and dictionaries
+  PlaneElement element;   ///< what is stored of a pixel
+  PlaneSource source;     ///< what it is made of
 
   /// Linear planes are in the units of the samples, and can be scaled.
   constexpr bool is_linear() const {
@@ -52,8 +53,8 @@ inline constexpr std::array<PlaneTraits, 6> kPlanes{{
     {Plane::dolp, "dolp", PlaneElement::level, PlaneSource::dolp},
 }};
 
+/// The line of a plane, and its place in the list.
 constexpr std::size_t index_of(Plane plane) { return static_cast<std::size_t>(plane); }
-
 constexpr const PlaneTraits& traits_of(Plane plane) { return kPlanes[index_of(plane)]; }
 
 constexpr bool is_listed_in_order() {
@@ -64,6 +65,7 @@ constexpr bool is_listed_in_order() {
 }
 static_assert(is_listed_in_order(), "a plane is the number of its line in the list");
 
+/// The plane of that name, in this spelling.
 constexpr std::optional<Plane> plane_named(std::string_view name) {
   for (const PlaneTraits& traits : kPlanes) {
     if (traits.name == name) return traits.plane;
@@ -76,6 +78,8 @@ struct OutputSet {
   std::uint8_t bits = 0;  ///< One for each plane, the first plane's the lowest.
 
   constexpr OutputSet() = default;
+
+  /// Of the planes that are named.
   template <class... Planes>
   constexpr explicit OutputSet(Plane first, Planes... others) {
     add(first);
@@ -88,8 +92,11 @@ struct OutputSet {
     set.bits = static_cast<std::uint8_t>(number);
     return set;
   }
+
+  /// Of all six.
   static constexpr OutputSet all() { return from_number((1u << kPlanes.size()) - 1); }
 
+  /// Members of the choice.
   constexpr void add(Plane plane) {
     bits = static_cast<std::uint8_t>(bits | 1u << index_of(plane));
   }

@@ -99,7 +99,7 @@ extern "C" {
 /* Result of every function. */
 typedef int32_t ProcessorStatus;
 enum {
-  kv_status_ok = 0,
+  kv_status_ok = 0,                   /* all went well */
   kv_status_general_failure = 1,      /* create: no SSE on this processor, or an unknown error */
   kv_status_not_initialized = 2,      /* the module is not initialised */
   kv_status_out_of_memory = 3,        /* create */
@@ -122,7 +122,12 @@ enum {
  *
  * A negative number acts as kv_polar_phase_0. */
 typedef int32_t PolarPhase;
-enum { kv_polar_phase_0 = 0, kv_polar_phase_45 = 1, kv_polar_phase_90 = 2, kv_polar_phase_135 = 3 };
+enum {
+  kv_polar_phase_0 = 0,  /* 0 degrees: along the rows */
+  kv_polar_phase_45 = 1, /* 45 degrees: counter-clockwise from them */
+  kv_polar_phase_90 = 2, /* 90 degrees: along the columns */
+  kv_polar_phase_135 = 3 /* 135 degrees */
+};
 
 /* One processor: the calibration weights of one camera. Made by create, freed by destroy. */
 typedef struct PolarizationProcessor PolarizationProcessor;

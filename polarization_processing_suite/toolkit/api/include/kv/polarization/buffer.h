@@ -17,6 +17,8 @@ namespace kv::polarization {
 /// pages, which take a tenth to a quarter off the time of the linear planes. Throws Fault of kind
 /// memory.
 void* allocate_pages(std::size_t count, std::size_t size);
+
+/// Gives back what allocate_pages() gave for the same numbers. Null is nothing to give back.
 void free_pages(void* memory, std::size_t count, std::size_t size) noexcept;
 
 /// Numbers in one piece of memory that is kept: a buffer grows when it must, and never gives memory
@@ -27,9 +29,12 @@ template <class Number>
 requires std::is_arithmetic_v<Number>
 class Buffer {
  public:
+  /// As containers have it.
   using value_type = Number;  // NOLINT(readability-identifier-naming): as containers have it
 
   Buffer() = default;
+
+  /// Copies have memory of their own; moves hand it over.
   explicit Buffer(std::size_t size) { resize(size); }
   Buffer(std::initializer_list<Number> values) {
     resize(values.size());
@@ -47,6 +52,7 @@ class Buffer {
   }
   ~Buffer() { free_pages(data_, capacity_, sizeof(Number)); }
 
+  /// The elements, as containers of the standard library hand them out; nothing is checked.
   Number* data() noexcept { return data_; }
   const Number* data() const noexcept { return data_; }
   std::size_t size() const noexcept { return size_; }
@@ -70,6 +76,7 @@ class Buffer {
     size_ = size;
   }
 
+  /// Of the same elements; capacity does not count.
   friend bool operator==(const Buffer& a, const Buffer& b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end());
   }

@@ -12,6 +12,7 @@
 
 namespace kv::polarization {
 
+/// What went wrong, for programs to act on.
 enum class FaultKind : std::uint8_t {
   argument,    ///< a value that the call cannot take; nothing was computed or written
   state,       ///< an object that cannot do this now, such as a processor that was moved from
@@ -24,9 +25,11 @@ enum class FaultKind : std::uint8_t {
 /// wrong, and what would be right.
 class Fault : public std::runtime_error {
  public:
+  /// The line is without an end of line.
   Fault(FaultKind kind, const std::string& line, std::optional<ProcessorStatus> status = {})
       : std::runtime_error(line), kind_(kind), status_(status) {}
 
+  /// For programs, as the line is for people.
   FaultKind kind() const noexcept { return kind_; }
 
   /// What the library's call returned, where a call of the library failed.

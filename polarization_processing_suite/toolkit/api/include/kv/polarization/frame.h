@@ -19,8 +19,10 @@ constexpr std::size_t pixel_count(int width, int height) {
 /// Greatest sample of that many bits, 1 to 16.
 constexpr int full_scale(int bit_depth) { return (1 << bit_depth) - 1; }
 
+/// What a sample is stored in, in the order of the machine.
 enum class SampleType : std::uint8_t { uint8, uint16 };
 
+/// Of one sample.
 constexpr std::size_t bytes_of(SampleType type) { return type == SampleType::uint8 ? 1 : 2; }
 
 /// Where the significant bits of a sample lie in its 8 or 16: the lowest ones (right), or the
@@ -32,13 +34,13 @@ enum class SampleAlignment : std::uint8_t { right, left };
 /// The library takes packed rows of right-aligned 16-bit samples as they lie. Any other frame is
 /// first copied, once a call, into a buffer that its taker keeps: about 1 ms for 5 megapixels.
 struct FrameView {
-  std::span<const std::byte> bytes;  ///< from the first sample to the last one, or further
-  int width = 0;                     ///< pixels
-  int height = 0;                    ///< pixels
-  std::ptrdiff_t row_pitch = 0;      ///< bytes from row to row; 0 for rows without gaps
-  SampleType type = SampleType::uint16;
-  int bit_depth = 16;  ///< significant bits of a sample
-  SampleAlignment alignment = SampleAlignment::right;
+  std::span<const std::byte> bytes;      ///< from the first sample to the last one, or further
+  int width = 0;                         ///< pixels
+  int height = 0;                        ///< pixels
+  std::ptrdiff_t row_pitch = 0;          ///< bytes from row to row; 0 for rows without gaps
+  SampleType type = SampleType::uint16;  ///< what a sample is stored in
+  int bit_depth = 16;                    ///< significant bits of a sample
+  SampleAlignment alignment = SampleAlignment::right;  ///< where these lie
 };
 
 /// Views of packed, right-aligned samples.
@@ -63,11 +65,12 @@ void check(const FrameView& frame);
 
 /// An owned frame, as the library takes it: row by row without gaps, right-aligned.
 struct Frame {
-  int width = 0;
-  int height = 0;
-  int bit_depth = 16;  ///< significant bits of a sample, 1 to 16
-  Buffer<std::uint16_t> samples;
+  int width = 0;                  ///< pixels
+  int height = 0;                 ///< pixels
+  int bit_depth = 16;             ///< significant bits of a sample, 1 to 16
+  Buffer<std::uint16_t> samples;  ///< width * height of them
 
+  /// Lasts until the frame ends or is reshaped.
   FrameView view() const { return frame_view(samples, width, height, bit_depth); }
   operator FrameView() const { return view(); }
 

@@ -64,12 +64,14 @@ enum class Map : std::uint8_t {
   quality  ///< bytes of quality::Flag bits, the one map that is not of floats
 };
 
+/// A line of the list of maps.
 struct MapTraits {
-  Map map;
+  Map map;                ///< whose line it is
   std::string_view name;  ///< for files and dictionaries
   bool wants_noise;       ///< has no value without SampleSettings::noise
 };
 
+/// The one list of maps, in the order of Map.
 inline constexpr std::array<MapTraits, 12> kMaps{{{Map::s0, "s0", false},
                                                   {Map::s1, "s1", false},
                                                   {Map::s2, "s2", false},
@@ -83,6 +85,7 @@ inline constexpr std::array<MapTraits, 12> kMaps{{{Map::s0, "s0", false},
                                                   {Map::angle_sigma, "angle_sigma", true},
                                                   {Map::quality, "quality", false}}};
 
+/// The place of a map in the list.
 constexpr std::size_t index_of(Map map) { return static_cast<std::size_t>(map); }
 
 /// A choice of maps.
@@ -90,17 +93,22 @@ struct MapSet {
   std::uint16_t bits = 0;  ///< one for each map, the first one's the lowest
 
   constexpr MapSet() = default;
+
+  /// Of the maps that are named.
   template <class... Maps>
   constexpr explicit MapSet(Map first, Maps... others) {
     add(first);
     (add(others), ...);
   }
+
+  /// Of all of them.
   static constexpr MapSet all() {
     MapSet set;
     set.bits = (1u << kMaps.size()) - 1;
     return set;
   }
 
+  /// Members of the choice.
   constexpr void add(Map map) { bits = static_cast<std::uint16_t>(bits | 1u << index_of(map)); }
   constexpr bool has(Map map) const { return (bits >> index_of(map) & 1u) != 0; }
   constexpr bool empty() const { return bits == 0; }
@@ -111,6 +119,7 @@ struct MapSet {
 /// without gaps; empty for maps that are not wanted. They may share no byte with each other or with
 /// what they are made from.
 struct MapViews {
+  /// The map of that name, in the unit that Map tells.
   std::span<float> s0{};
   std::span<float> s1{};
   std::span<float> s2{};
@@ -132,6 +141,7 @@ struct MapViews {
 /// Owned maps of one frame, whose memory is used again for the next one.
 class Maps {
  public:
+  /// As reshape() was asked for.
   int width() const { return width_; }
   int height() const { return height_; }
   MapSet wanted() const { return wanted_; }
@@ -143,6 +153,7 @@ class Maps {
   std::span<const float> values(Map map) const { return values_[index_of(map)]; }
   std::span<const std::uint8_t> quality() const { return quality_; }
 
+  /// For MapMaker::fill(). They last until the next reshape().
   MapViews views();
 
  private:
@@ -165,8 +176,9 @@ struct IntensityCompensation {
   float least_mean = 4;
 };
 
+/// How maps are made.
 struct MapSettings {
-  SampleSettings samples{};
+  SampleSettings samples{};  ///< what the samples tell
 
   /// Never by default: it changes measurements. L is made of the samples as they are, bad and
   /// clipped ones too. Standard deviations take the factors as free of noise; in flat fields the

@@ -13,6 +13,7 @@
 
 namespace kv::polarization {
 
+/// Of planes/plane_list.h.
 using kv::kPlanes;
 using kv::OutputSet;
 using kv::Plane;
@@ -23,7 +24,7 @@ using kv::PlaneTraits;
 /// A plane of 16-bit levels to fill, one a pixel, row by row without gaps; empty for a plane that
 /// is not wanted.
 struct LevelView {
-  std::span<std::uint16_t> levels;
+  std::span<std::uint16_t> levels;   ///< width * height of them, or more
   std::uint16_t output_max = 65535;  ///< full scale of the plane, 1 to 65535
 };
 
@@ -31,6 +32,8 @@ struct LevelView {
 /// other or with the frame. Planes of different output_max take a call of the library for each.
 struct PlaneViews {
   std::span<float> normalized_stokes{};  ///< S1/S0 and S2/S0 of each pixel, row by row
+
+  /// The plane of that name.
   LevelView intensity{};
   LevelView stokes_s1{};
   LevelView stokes_s2{};
@@ -45,6 +48,7 @@ struct PlaneViews {
 /// Owned planes of one frame, whose memory is used again for the next one.
 class Planes {
  public:
+  /// As reshape() was asked for.
   int width() const { return width_; }
   int height() const { return height_; }
   OutputSet wanted() const { return wanted_; }
@@ -59,6 +63,7 @@ class Planes {
   std::span<const float> normalized_stokes() const { return normalized_stokes_; }
   std::span<const std::uint16_t> levels(Plane plane) const { return levels_[index_of(plane)]; }
 
+  /// For Processor::transform(). They last until the next reshape().
   PlaneViews views();
 
  private:

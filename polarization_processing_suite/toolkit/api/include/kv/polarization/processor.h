@@ -35,6 +35,7 @@ class Processor {
   Processor(Processor&&) noexcept;
   Processor& operator=(Processor&&) noexcept;
 
+  /// Of all transforms to come. Default ones, at first.
   Weights weights() const;
   void set_weights(const Weights& weights);
 

@@ -15,6 +15,7 @@ namespace kv::polarization {
 /// pixel is made of the four samples of its 2x2 neighbourhood, and clipped and bad are told of it
 /// when they are true of any of them.
 namespace quality {
+/// Any number of them may be set.
 enum Flag : std::uint8_t {
   clipped = 1,       ///< a sample is at the clip level or above: Stokes values too low, angle wrong
   rescued = 2,       ///< the only clipped sample was rebuilt from the others; beside `clipped`
@@ -58,7 +59,7 @@ struct SampleSettings {
   /// Wanted by all that is a standard deviation, or made of one.
   std::optional<SensorNoise> noise{};
 
-  BadPixels bad_pixels{};
+  BadPixels bad_pixels{};  ///< none by default
 };
 
 }  // namespace kv::polarization

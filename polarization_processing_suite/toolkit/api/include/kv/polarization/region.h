@@ -13,11 +13,12 @@
 
 namespace kv::polarization {
 
+/// A part of a frame.
 struct Rectangle {
   int column = 0;  ///< of its left pixels
   int row = 0;     ///< of its upper pixels
-  int width = 0;
-  int height = 0;
+  int width = 0;   ///< pixels, 2 at least
+  int height = 0;  ///< pixels, 2 at least
 };
 
 /// The light of a region as one measurement: Stokes values are added up first, and DoLP and angle
@@ -33,17 +34,17 @@ struct RegionStatistics {
   std::size_t rescued = 0;   ///< of these, the rescued ones; they are counted
   std::size_t bad = 0;       ///< cells with a bad pixel
 
-  // Means over the cells counted, in counts above black; NaN without cells.
+  /// Means over the cells counted, in counts above black; NaN without cells.
   double s0 = 0;
   double s1 = 0;
   double s2 = 0;
 
-  // Of these means. NaN where S0 is not above 0, and without cells.
+  /// Of these means. NaN where S0 is not above 0, and without cells.
   double dolp = 0;
   double angle = 0;  ///< degrees, above -90 up to 90
 
-  // By the noise of the samples, as in the maps; NaN without it. What differs within the region,
-  // and what is wrong with the sensor as a whole, is not in them.
+  /// By the noise of the samples, as in the maps; NaN without it. What differs within the region,
+  /// and what is wrong with the sensor as a whole, is not in them.
   double debiased_dolp = 0;
   double s0_sigma = 0;
   double s1_sigma = 0;

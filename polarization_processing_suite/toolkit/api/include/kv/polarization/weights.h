@@ -14,6 +14,7 @@ using CoefficientSet = std::array<float, 16>;
 
 /// The weights of one camera. Values are not checked.
 struct Weights {
+  /// At the pixels behind polarizers of that angle, degrees.
   CoefficientSet behind_0{};
   CoefficientSet behind_45{};
   CoefficientSet behind_90{};
@@ -28,8 +29,7 @@ enum class WeightReach {
   /// default weights.
   as_library,
   /// In every pixel. Pixels of rows 2n and 2n + 1 are made of the samples of these two rows alone,
-  /// and
-  /// those of the last two rows of an odd height, of the last two.
+  /// and those of the last two rows of an odd height, of the last two.
   every_pixel
 };
 

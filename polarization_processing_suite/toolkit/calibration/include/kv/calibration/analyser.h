@@ -12,9 +12,9 @@ namespace kv::polarization {
 
 /// What a pixel makes of light: see the model in kv/calibration/calibration.h.
 struct PixelResponse {
-  double gain = 1;
-  double diattenuation = 1;
-  double orientation = 0;  ///< degrees, nominal angle included
+  double gain = 1;           ///< relative to the mean of all good pixels
+  double diattenuation = 1;  ///< 0 to about 1
+  double orientation = 0;    ///< degrees, nominal angle included
 };
 
 /// Of a 2x2 cell, in any order that the caller keeps.
@@ -31,6 +31,7 @@ AnalyserMatrix analyser_matrix(const CellResponse& cell);
 /// whose pixels do not determine three Stokes values.
 StokesMatrix stokes_matrix(const CellResponse& cell);
 
+/// By a matrix of stokes_matrix() and samples in the order of its cell.
 StokesValues stokes_of_cell(const StokesMatrix& matrix, const CellSamples& samples);
 
 /// Largest over smallest singular value: how much of the samples' errors may come to be in the

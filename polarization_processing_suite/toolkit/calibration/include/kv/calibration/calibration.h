@@ -28,8 +28,8 @@ namespace kv::polarization {
 
 /// A value and its standard error, by the noise of the frames.
 struct Measured {
-  double value = 0;
-  double error = 0;
+  double value = 0;  ///< in the unit that its owner tells
+  double error = 0;  ///< one standard deviation of it, in the same unit
 };
 
 /// The pixels behind polarizers of one nominal orientation.
@@ -47,6 +47,7 @@ struct PixelClass {
 
 /// Why a pixel is bad: bits of its byte in PixelMaps::bad, 0 for a good one.
 namespace bad_pixel {
+/// Any number of them may be set.
 enum Reason : std::uint8_t {
   clipped = 1,       ///< at the clip level in a frame that was used
   noisy = 2,         ///< residuals far beyond the noise
@@ -57,16 +58,17 @@ enum Reason : std::uint8_t {
 
 /// What each pixel is, row by row; all of the calibrated size.
 struct PixelMaps {
-  Buffer<float> black;  ///< counts
-  Buffer<float> gain;
-  Buffer<float> diattenuation;
-  Buffer<float> orientation;  ///< deviation from the nominal angle, degrees
-  Buffer<float> gain_error;
-  Buffer<float> diattenuation_error;
-  Buffer<float> orientation_error;  ///< degrees
-  Buffer<std::uint8_t> bad;         ///< bits of bad_pixel::Reason
+  Buffer<float> black;                ///< counts
+  Buffer<float> gain;                 ///< G
+  Buffer<float> diattenuation;        ///< D
+  Buffer<float> orientation;          ///< deviation from the nominal angle, degrees
+  Buffer<float> gain_error;           ///< standard error of G
+  Buffer<float> diattenuation_error;  ///< standard error of D
+  Buffer<float> orientation_error;    ///< standard error of the orientation, degrees
+  Buffer<std::uint8_t> bad;           ///< bits of bad_pixel::Reason
 };
 
+/// What light a frame of the stack shows.
 enum class FrameKind : std::uint8_t {
   polarized,  ///< of a uniform source behind a linear polarizer
   dark,       ///< without light, at the same exposure
@@ -75,10 +77,10 @@ enum class FrameKind : std::uint8_t {
 
 /// What became of a frame of the stack.
 struct FrameRecord {
-  std::string name;  ///< as it was given, such as its path in the manifest
-  FrameKind kind = FrameKind::polarized;
-  double angle = 0;  ///< of the polarizer as given or solved, degrees; 0 for other kinds
-  bool used = false;
+  std::string name;                       ///< as it was given, such as its path in the manifest
+  FrameKind kind = FrameKind::polarized;  ///< as it was given
+  double angle = 0;     ///< of the polarizer as given or solved, degrees; 0 for other kinds
+  bool used = false;    ///< whether the calibration is made of it
   std::string refusal;  ///< why it was not used; empty if it was
   double level = 0;     ///< mean of the samples, counts above black
 
@@ -95,8 +97,8 @@ struct FrameRecord {
 
 /// Each line of the verdict: what was found, what noise alone would give, and what that means.
 struct Finding {
-  std::string name;  ///< such as "cross-validation: DoLP"
-  double found = 0;
+  std::string name;     ///< such as "cross-validation: DoLP"
+  double found = 0;     ///< in `unit`
   double expected = 0;  ///< 0 where noise has no say
   std::string unit;     ///< empty for pure numbers
   bool good = false;    ///< false where a careful user would look twice
@@ -111,17 +113,17 @@ struct Calibration {
   int bit_depth = 16;                ///< of the samples
   std::uint16_t clip_level = 65535;  ///< counts, black included
 
-  SensorNoise noise;
+  SensorNoise noise;                  ///< by the stack, else as the settings had it
   std::array<PixelClass, 4> classes;  ///< of 0, 45, 90 and 135 degrees
-  PixelMaps maps;
+  PixelMaps maps;                     ///< of every pixel
 
   double source_offset =
       0;  ///< degrees that the source's zero lies counter-clockwise of the sensor's
   double source_dolp = 1;  ///< taken for the polarizer's light: diattenuations are relative to it
   bool angles_solved = false;  ///< whether the source's angles were unknown but for one
   double condition = 0;        ///< of the mean measured analyser matrix; the ideal one has 1.41421
-  std::vector<FrameRecord> frames;
-  std::vector<Finding> findings;
+  std::vector<FrameRecord> frames;  ///< of the stack, used or not
+  std::vector<Finding> findings;    ///< the verdict
 
   std::string camera;    ///< free text of the user: model and serial number
   std::string date;      ///< ISO 8601, as the user gave it; empty if not given

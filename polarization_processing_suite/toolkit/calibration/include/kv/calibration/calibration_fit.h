@@ -18,8 +18,9 @@ namespace kv::polarization {
 
 class FitPlan;
 
+/// What a fit is told beside the frames.
 struct FitSettings {
-  Mosaic mosaic{};
+  Mosaic mosaic{};  ///< of all frames
   int threads = 0;  ///< at most; 0 for as many as the machine runs
 
   /// Taken for the noise where the stack does not tell: the gain with 3 polarized frames or less,
@@ -48,8 +49,9 @@ struct FitSettings {
   double clipped_share = 0.005;
 };
 
+/// What is known of a frame of the stack.
 struct StackFrame {
-  FrameKind kind = FrameKind::polarized;
+  FrameKind kind = FrameKind::polarized;  ///< what light it shows
   double angle = 0;    ///< of the polarizer, degrees, counter-clockwise; other kinds have none
   std::string name{};  ///< for the record and for faults
 };

@@ -16,6 +16,7 @@ namespace kv::polarization {
 /// Bits of every corrected frame. Its greatest sample, 65535, stands for clipped ones alone.
 inline constexpr int kCorrectedBitDepth = 16;
 
+/// How frames are corrected.
 struct CorrectionSettings {
   /// A matrix of its own for each cell; else one for all, made of the means of the four classes.
   bool per_cell = true;

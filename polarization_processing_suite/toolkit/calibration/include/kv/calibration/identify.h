@@ -53,17 +53,18 @@ struct TurnedLight {
   /// From the first frame to the second, degrees, counter-clockwise as one sees it in the image.
   double turn = 0;
   std::optional<double> angle_of_first{};  ///< of the light in the first frame, degrees
-  bool may_be_mirrored = true;
-  int x_origin = 0;                   ///< of the frames on the sensor, as in Mosaic
-  int y_origin = 0;                   ///< likewise
-  std::optional<Rectangle> region{};  ///< where the light is; all of the frame by default
-  double black_level = 0;             ///< counts
+  bool may_be_mirrored = true;             ///< false where the image is known to be none
+  int x_origin = 0;                        ///< of the frames on the sensor, as in Mosaic
+  int y_origin = 0;                        ///< likewise
+  std::optional<Rectangle> region{};       ///< where the light is; all of the frame by default
+  double black_level = 0;                  ///< counts
 
   /// Standard deviation of what was turned by hand and of what the sensor's unevenness does to
   /// angles, degrees, above 0. The noise of the frames comes to it.
   double angle_error = 3;
 };
 
+/// What two frames tell of their mosaic.
 struct MosaicIdentity {
   /// By falling confidence; four or eight.
   std::vector<MosaicCandidate> candidates;
@@ -74,7 +75,7 @@ struct MosaicIdentity {
   /// One line for people: what was found, or why nothing can be told and what would help.
   std::string verdict;
 
-  // What was measured; NaN where there is nothing to measure it from.
+  /// What was measured; NaN where there is nothing to measure it from.
   std::array<double, 2> dolp{};         ///< of each frame
   std::array<double, 2> angle_sigma{};  ///< of each frame's angle, by the scatter of cells, degrees
 

@@ -51,6 +51,7 @@ class FrameReader {
   FrameReader(const FrameReader&) = default;
   FrameReader& operator=(const FrameReader&) = default;
 
+  /// For those who read: a line of notes().
   void add_note(std::string line) { notes_.push_back(std::move(line)); }
 
  private:
@@ -62,9 +63,9 @@ class FrameReader {
 
 /// The shape of headerless frames, which lie one behind the other, each from a new byte on.
 struct RawShape {
-  int width;   ///< pixels
-  int height;  ///< pixels
-  PixelFormat pixel_format = PixelFormat::mono16;
+  int width;                                       ///< pixels
+  int height;                                      ///< pixels
+  PixelFormat pixel_format = PixelFormat::mono16;  ///< of their samples
 };
 
 /// Opens frames, whose content decides on the format, not their name. With a raw shape the content

@@ -13,13 +13,15 @@
 
 namespace kv::polarization {
 
+/// Formats of image files; image_formats() tells what each can hold.
 enum class ImageFormat : std::uint8_t { png, tiff, pgm, npy, raw };
 
 /// What can be written: samples or 16-bit planes; planes of floats; pictures to look at.
 enum class ImageKind : std::uint8_t { grey, floats, picture };
 
+/// A line of the list of formats.
 struct ImageFormatTraits {
-  ImageFormat format;
+  ImageFormat format;     ///< whose line it is
   std::string_view name;  ///< in small letters
   std::array<std::string_view, 3>
       endings;                       ///< with their dots, the usual one first; then empty ones
@@ -32,6 +34,7 @@ struct ImageFormatTraits {
   bool keeps_text;                   ///< title and provenance, see WriteOptions
   std::string_view missing;          ///< why this build cannot read or write it; empty when it can
 
+  /// In this build.
   bool available() const { return missing.empty(); }
   bool writes(ImageKind kind) const { return writes_kinds[static_cast<std::size_t>(kind)]; }
 };
@@ -39,6 +42,7 @@ struct ImageFormatTraits {
 /// The one list of formats, the preferred ones first, in the order of ImageFormat.
 std::span<const ImageFormatTraits> image_formats();
 
+/// The line of a format.
 const ImageFormatTraits& traits_of(ImageFormat format);
 
 /// The format of that name or ending, with or without a dot, in large or small letters.

@@ -13,8 +13,10 @@
 
 namespace kv::polarization {
 
+/// What a channel of a pixel is stored in.
 enum class ElementType : std::uint8_t { uint8, uint16, float32 };
 
+/// Of one element.
 constexpr std::size_t bytes_of(ElementType element) {
   return element == ElementType::uint8 ? 1 : element == ElementType::uint16 ? 2 : 4;
 }
@@ -22,12 +24,13 @@ constexpr std::size_t bytes_of(ElementType element) {
 /// Any image that the toolkit writes: planes, maps, pictures. Channels are interleaved, rows lie
 /// without gaps, from the top down.
 struct Image {
-  int width = 0;     ///< pixels
-  int height = 0;    ///< pixels
-  int channels = 0;  ///< 1 or more; 3 of 8 bits may be red, green and blue
-  ElementType element = ElementType::uint8;
+  int width = 0;                             ///< pixels
+  int height = 0;                            ///< pixels
+  int channels = 0;                          ///< 1 or more; 3 of 8 bits may be red, green and blue
+  ElementType element = ElementType::uint8;  ///< of each channel
   Buffer<std::uint8_t> bytes;  ///< in the processor's own order; begins at a multiple of 64
 
+  /// width * height * channels.
   std::size_t elements() const { return bytes.size() / bytes_of(element); }
 
   /// The elements as what they are: std::uint8_t, std::uint16_t or float, as `element` tells.
@@ -47,6 +50,7 @@ class ImageReader {
   ImageReader(const ImageReader&) = delete;
   ImageReader& operator=(const ImageReader&) = delete;
 
+  /// Images in the file.
   virtual std::size_t count() const = 0;
 
   /// Reads an image, from 0 up, into memory that is used again. Those of a file may differ in size

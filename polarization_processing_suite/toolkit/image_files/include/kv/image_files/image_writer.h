@@ -19,22 +19,23 @@ namespace kv::polarization {
 /// One grey channel, row by row without gaps. It is stored in bytes up to 8 bits, and in two bytes
 /// above; TIFF and PGM record the bit depth.
 struct GreyImage {
-  int width;      ///< pixels
-  int height;     ///< pixels
-  int bit_depth;  ///< significant bits of a sample, 1 to 16
-  std::span<const std::uint16_t> samples;
+  int width;                               ///< pixels
+  int height;                              ///< pixels
+  int bit_depth;                           ///< significant bits of a sample, 1 to 16
+  std::span<const std::uint16_t> samples;  ///< width * height of them
 };
 
+/// A view of a frame, which has to outlive it.
 inline GreyImage grey_image(const Frame& frame) {
   return {frame.width, frame.height, frame.bit_depth, frame.samples};
 }
 
 /// One or more channels of floats, interleaved, row by row without gaps.
 struct FloatImage {
-  int width;     ///< pixels
-  int height;    ///< pixels
-  int channels;  ///< 1 or more
-  std::span<const float> values;
+  int width;                      ///< pixels
+  int height;                     ///< pixels
+  int channels;                   ///< 1 or more
+  std::span<const float> values;  ///< width * height * channels of them
 };
 
 /// How hard a writer tries to make a file small. PNG and TIFF compress, without loss; the other
@@ -45,6 +46,7 @@ enum class Compression : std::uint8_t {
   small  ///< a few per cent smaller, at ten times the time
 };
 
+/// What may be said of a file beside its image.
 struct WriteOptions {
   /// UTF-8. Kept by PNG and TIFF, and as a comment by PGM; the other formats have no place for it.
   std::string title{};

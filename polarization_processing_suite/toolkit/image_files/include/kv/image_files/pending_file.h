@@ -30,12 +30,14 @@ class PendingFile {
   PendingFile(const PendingFile&) = delete;
   PendingFile& operator=(const PendingFile&) = delete;
 
+  /// The name that publishing gives it.
   const std::filesystem::path& target() const { return target_; }
 
   /// For image libraries; null once the file is closed. A write through it that fails is reported
   /// by close().
   std::FILE* stream() { return stream_.get(); }
 
+  /// Adds bytes. Throws Fault of kind file when the system does not take them.
   void write(const void* data, std::size_t size);
 
   /// Hands what was written to the disk, so that the file outlasts a loss of power after it is

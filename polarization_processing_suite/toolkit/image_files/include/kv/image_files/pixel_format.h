@@ -42,12 +42,13 @@ enum class Packing : std::uint8_t {
   shared_middle_byte
 };
 
+/// A line of the list of pixel formats.
 struct PixelFormatTraits {
-  PixelFormat format;
+  PixelFormat format;     ///< whose line it is
   std::string_view name;  ///< as GenICam names it; left-aligned words have no name there
   int bits;               ///< stored a pixel
   int bit_depth;          ///< significant ones among them
-  Packing packing;
+  Packing packing;        ///< how they lie
 };
 
 /// The one list of pixel formats, in the order of PixelFormat.
@@ -66,6 +67,7 @@ inline constexpr std::array<PixelFormatTraits, 12> kPixelFormats = {{
     {PixelFormat::mono12_packed, "Mono12Packed", 12, 12, Packing::shared_middle_byte},
 }};
 
+/// The line of a format.
 constexpr const PixelFormatTraits& traits_of(PixelFormat format) {
   return kPixelFormats[static_cast<std::size_t>(format)];
 }

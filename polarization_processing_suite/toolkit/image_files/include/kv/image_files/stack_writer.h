@@ -38,8 +38,8 @@ class StackWriter {
   void finish();
 
  protected:
+  /// For the formats: what was announced, and how far it is.
   StackWriter(ImageFormat format, std::size_t images) : format_(format), images_(images) {}
-
   ImageFormat format() const { return format_; }
   std::size_t images() const { return images_; }  ///< announced
   bool at_first() const { return added_ == 0; }

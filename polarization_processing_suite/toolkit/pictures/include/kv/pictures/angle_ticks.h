@@ -20,6 +20,7 @@ Picture angle_ticks_picture(const PictureMaps& maps, double dolp_white, int cell
 /// For some 40 cells along the longer side, but at least 12 pixels.
 int tick_cell_size(const PictureMaps& maps);
 
+/// Tells what a full tick stands for.
 Legend angle_ticks_legend(double dolp_white, int cell_size);
 
 }  // namespace kv::polarization

@@ -23,9 +23,10 @@ enum class Unpolarized : std::uint8_t {
   white   ///< DoLP as saturation, for print
 };
 
+/// How angle pictures are coloured.
 struct AngleStyle {
-  HueCircle hues = HueCircle::hsv;
-  Unpolarized unpolarized = Unpolarized::black;
+  HueCircle hues = HueCircle::hsv;               ///< of fully polarized light
+  Unpolarized unpolarized = Unpolarized::black;  ///< what they fade to
 };
 
 /// The pure colour of an angle; angles that differ by 180 degrees have the same one.

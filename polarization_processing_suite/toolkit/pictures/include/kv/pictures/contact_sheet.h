@@ -26,6 +26,7 @@ SheetLayout layout_within(int sheet_width, int picture_width, int picture_height
 /// Pictures of a frame side by side, three in a row, each under its title and beside its legend.
 class ContactSheet {
  public:
+  /// An empty sheet.
   explicit ContactSheet(SheetLayout layout = {}) : layout_(std::move(layout)) {}
 
   /// Keeps a copy of the picture, reduced by the means of blocks, or enlarged. The picture has no

@@ -13,9 +13,9 @@ namespace kv::polarization {
 
 /// How a quality flag is shown.
 struct FlagStyle {
-  std::uint8_t bit = 0;  ///< its value in the map, such as 4; of several bits, any counts
-  std::string_view name{};
-  Colour colour{};
+  std::uint8_t bit = 0;     ///< its value in the map, such as 4; of several bits, any counts
+  std::string_view name{};  ///< in the legend
+  Colour colour{};          ///< of the pixels that have it
 };
 
 /// The intensity picture at half its brightness, in which flagged pixels have the colour of their

@@ -16,7 +16,7 @@ namespace kv::polarization {
 
 /// A disc whose hues stand for the angles at its rim, and whose radius for DoLP.
 struct AngleWheel {
-  AngleStyle style;
+  AngleStyle style;  ///< of the picture beside it
 };
 
 /// An upright bar from the first colour, at its lower end, to the last.
@@ -27,17 +27,19 @@ struct ScaleBar {
 
 /// A colour and what it stands for.
 struct Swatch {
-  Colour colour;
-  std::string text;
+  Colour colour;     ///< as it is in the picture
+  std::string text;  ///< what it stands for
 };
+
+/// From the top down.
 using Swatches = std::vector<Swatch>;
 
 /// What stands beside a picture, from the top down. Texts are ASCII and the degree sign in UTF-8;
 /// lines longer than 17 signs are wrapped.
 struct Legend {
-  std::string title;
-  std::variant<Swatches, ScaleBar, AngleWheel> scale;
-  std::vector<std::string> notes;
+  std::string title;                                   ///< what is shown, and its unit
+  std::variant<Swatches, ScaleBar, AngleWheel> scale;  ///< how to read the colours
+  std::vector<std::string> notes;                      ///< lines below the scale
 };
 
 /// The legends of the pictures in pictures.h, for the same arguments. They name unit and range.

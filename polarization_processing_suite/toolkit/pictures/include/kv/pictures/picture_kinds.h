@@ -13,25 +13,28 @@
 
 namespace kv::polarization {
 
+/// What a picture shows. The light ones are for print, the even ones have hues of one lightness.
 enum class PictureKind : std::uint8_t {
-  intensity,
-  dolp,
-  angle,
-  angle_light,
-  angle_even,
-  angle_even_light,
-  s1_ratio,
-  s2_ratio,
-  angle_ticks,
-  contact_sheet  ///< all others side by side, with titles
+  intensity,         ///< intensity_picture()
+  dolp,              ///< dolp_picture()
+  angle,             ///< angle_picture() of vivid hues on black
+  angle_light,       ///< of vivid hues on white
+  angle_even,        ///< of even hues on black
+  angle_even_light,  ///< of even hues on white
+  s1_ratio,          ///< ratio_picture() of S1/S0
+  s2_ratio,          ///< of S2/S0
+  angle_ticks,       ///< angle_ticks_picture()
+  contact_sheet      ///< all others side by side, with titles
 };
 
+/// A line of the list of pictures.
 struct PictureTraits {
-  PictureKind kind;
+  PictureKind kind;       ///< whose line it is
   std::string_view name;  ///< for files and options
   OutputSet needs;        ///< of kPicturePlanes, beside brightness; also for the picture's range
 };
 
+/// The one list of pictures, in the order of PictureKind.
 inline constexpr std::array<PictureTraits, 10> kPictureKinds{{
     {PictureKind::intensity, "intensity", OutputSet{}},
     {PictureKind::dolp, "dolp", OutputSet{Plane::dolp}},
@@ -45,10 +48,12 @@ inline constexpr std::array<PictureTraits, 10> kPictureKinds{{
     {PictureKind::contact_sheet, "contact_sheet", kPicturePlanes},
 }};
 
+/// The line of a kind.
 constexpr const PictureTraits& traits_of(PictureKind kind) {
   return kPictureKinds[static_cast<std::size_t>(kind)];
 }
 
+/// The kind of that name, in this spelling.
 constexpr std::optional<PictureKind> picture_kind_named(std::string_view name) {
   for (const PictureTraits& traits : kPictureKinds) {
     if (traits.name == name) return traits.kind;

@@ -21,8 +21,8 @@ namespace kv::polarization {
 /// A map that a picture does not need may be empty. Every picture function throws Fault of kind
 /// argument when a map it needs has another size than width * height.
 struct PictureMaps {
-  int width = 0;
-  int height = 0;
+  int width = 0;                                ///< pixels
+  int height = 0;                               ///< pixels
   std::span<const std::uint16_t> brightness{};  ///< 0 to 65535 as 0 to full scale of the samples
   std::span<const std::uint16_t> azimuth{};     ///< 0 to 65535 as -90 to +90 degrees
   std::span<const std::uint16_t> dolp{};        ///< 0 to 65535 as 0 to 1

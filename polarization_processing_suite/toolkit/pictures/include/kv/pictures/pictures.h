@@ -26,6 +26,7 @@ Picture dolp_picture(const PictureMaps& maps, double dolp_white);
 /// Angle as hue; DoLP, from 0 to dolp_white, as value or saturation. Colour.
 Picture angle_picture(const PictureMaps& maps, double dolp_white, AngleStyle style = {});
 
+/// Which Stokes value is shown, over S0.
 enum class StokesRatio : std::uint8_t { s1, s2 };
 
 /// S1/S0 or S2/S0 in diverging colours from -limit to limit; NaN is shown as 0. Colour.
