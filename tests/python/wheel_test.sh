@@ -2,12 +2,12 @@
 # SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
 # SPDX-License-Identifier: Apache-2.0
 #
-# Builds the wheel of a build tree, installs it into a new environment, and runs there the lines of
-# the README and of the package's page.
+# Builds the wheel of a build tree, installs it into a new environment, and runs with it the examples
+# of the README and of the package's page.
 #
-#   wheel_test.sh PYTHON SOURCE BUILD TOUR WORK      TOUR: the folder of the README's tour
+#   wheel_test.sh PYTHON SOURCE BUILD PREFIX LIBDIR WORK      PREFIX: of an installed tree
 set -euo pipefail
-python=$1 source=$2 build=$3 tour=$4 work=$5
+python=$1 source=$2 build=$3 prefix=$4 libdir=$4/$5 work=$6
 
 rm -rf "$work"
 mkdir -p "$work"
@@ -18,7 +18,7 @@ KV_BUILD_TREE=$build "$work/venv/bin/pip" wheel --quiet --no-build-isolation --n
   --wheel-dir "$work" "$source"
 "$work/venv/bin/pip" install --quiet --no-index "$work"/kv_polarization-*.whl
 
-cd "$tour"
+cd "$work"
 "$work/venv/bin/python" - "$work/venv" <<'PYTHON'
 import pathlib
 import sys
@@ -33,11 +33,8 @@ for name in ("library", "vector_module", "logger"):
 assert info["logger"] and (package / "py.typed").exists(), info
 PYTHON
 
-for page in README.md docs/python.md; do
-  sed -n '/^```python$/,/^```$/{/^```/!p}' "$source/$page" >"$work/page.py"
-  [[ -s $work/page.py ]] || {
-    echo "$page has no lines in Python" >&2
-    exit 1
-  }
-  "$work/venv/bin/python" "$work/page.py"
+for page in README docs/python; do
+  "$python" "$source/tests/documentation/examples_test.py" "$source/$page.md" --prefix "$prefix" \
+    --libdir "$libdir" --python "$work/venv/bin/python" --work "$work/${page##*/}" \
+    --inputs "$source/tests/documentation/inputs/${page##*/}.sh"
 done
