@@ -10,8 +10,9 @@ becomes of a block is told by its language:
 
 - sh, bash, and indented blocks that call kv-polarize or a compiler: run, each by a bash of its own.
 - c, cpp: whole programs, kept under the name that a comment in their first line tells, else
-  example.c or example.cpp. Compiled without warnings, and run unless a shell block of the page does.
-- python: the blocks of a page are one program, run at the place of the last of them.
+  example.c or example.cpp. Compiled without warnings and run, unless a shell block of the page runs
+  them as ./NAME, and so builds them, too.
+- python: run; what the blocks before have defined is there.
 - cmake: configured; one with a project() is kept as CMakeLists.txt for the page's own commands.
 - text: not run. Behind <!-- prints --> its lines are what the block before has printed.
 - csv, ini: kept under the name that the comment in their first line tells.
@@ -28,10 +29,11 @@ import re
 import shutil
 import subprocess
 import sys
-from typing import Dict, List, NamedTuple
+from typing import Dict, List, NamedTuple, Optional
 
 SHELL = ("sh", "bash")
 KEPT = ("csv", "ini")
+SESSION = pathlib.Path(__file__).with_name("python_session.py")
 NAME = re.compile(r"^(?://|/\*|#) *([\w.-]+\.\w+)\b")
 CALL = re.compile(r"(^|\s)(kv-polarize|cc|c\+\+) ", re.MULTILINE)
 
@@ -86,6 +88,7 @@ class Page:
             "c": [options.cc, "-std=c11"], "cpp": [options.cxx, "-std=c++20"]
         }  # fmt: skip
         self.python = options.python
+        self.session: Optional[subprocess.Popen[str]] = None
         self.blocks = blocks_of(options.page.read_text())
         self.printed = ""
         self.folder = self.work / "page"
@@ -127,14 +130,13 @@ class Page:
         )  # fmt: skip
         return said.stdout.split()
 
-    def take(self, number: int) -> None:
-        block = self.blocks[number]
+    def take(self, block: Block) -> None:
         if block.language in SHELL:
             self.run(["bash", "-euo", "pipefail", "-c", block.text])
         elif block.language in self.compilers:
             self.compile(block)
         elif block.language == "python":
-            self.interpret(number)
+            self.interpret(block)
         elif block.language == "cmake":
             self.configure(block)
         elif block.language == "text":
@@ -153,31 +155,46 @@ class Page:
         source.write_text(block.text + "\n")
         if not re.search(r"\bint main\(", block.text):
             raise Failure("it is no whole program")
+        if any(re.search(rf"\./{source.stem}\b", other.text) for other in self.blocks
+               if other.language in SHELL):  # fmt: skip
+            return
         packages = ["kv-image-files", "kv-pictures", "kv-calibration"]
         if block.language == "c":
             packages = ["kevrinth_qrm_polarization_processor"]
         program = self.work / source.stem
-        warnings = ["-Wall", "-Wextra", "-Werror", "-O1"]
+        warnings = ["-Wall", "-Wextra", "-Werror"]
         self.run([*self.compilers[block.language], *warnings, str(source), "-o", str(program),
                   *self.flags(*packages)])  # fmt: skip
-        if not any(f"./{source.stem}" in other.text for other in self.blocks
-                   if other.language in SHELL):  # fmt: skip
-            self.run([str(program)])
+        self.run([str(program)])
 
-    def interpret(self, number: int) -> None:
-        later = (other for other in self.blocks[number + 1 :] if is_run(other))
-        if any(other.language == "python" for other in later):
-            return
+    def interpret(self, block: Block) -> None:
         if not self.python:
             print("left out: there is no Python package")
             return
-        program = ""
-        for block in self.blocks[: number + 1]:
-            if block.language == "python" and is_run(block):
-                # Lines of the program are those of the page.
-                program += "\n" * (block.line - 1 - program.count("\n")) + block.text + "\n"
-        (self.work / "page.py").write_text(program)
-        self.run([self.python, str(self.work / "page.py")])
+        # Lines of the program are those of the page.
+        program = self.work / f"line{block.line}.py"
+        program.write_text("\n" * (block.line - 1) + block.text + "\n")
+        if self.session is None:
+            self.session = subprocess.Popen(
+                [self.python, str(SESSION)], cwd=self.folder, env=self.environment, text=True,
+                stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+            )  # fmt: skip
+        assert self.session.stdin and self.session.stdout
+        self.session.stdin.write(f"{program}\n")
+        self.session.stdin.flush()
+        self.printed = ""
+        for line in self.session.stdout:
+            if line == "END\n":
+                return
+            print(line, end="")
+            self.printed += line
+        raise Failure(f"it ends with status {self.session.wait()}")
+
+    def end(self) -> None:
+        if self.session is not None:
+            self.session.communicate()
+            if self.session.returncode != 0:
+                raise Failure(f"Python ends with status {self.session.returncode}")
 
     def configure(self, block: Block) -> None:
         if re.search(r"\bproject\(", block.text):
@@ -204,10 +221,6 @@ class Page:
                 raise Failure(f"nobody has printed this line: {line}")
 
 
-def is_run(block: Block) -> bool:
-    return not block.mark.startswith("not run: ")
-
-
 def main() -> int:
     parser = argparse.ArgumentParser()
     parser.add_argument("page", type=pathlib.Path)
@@ -224,11 +237,12 @@ def main() -> int:
     line = 0
     try:
         page = Page(options)
-        for number, block in enumerate(page.blocks):
+        for block in page.blocks:
             line = block.line
-            if is_run(block):
+            if not block.mark.startswith("not run: "):
                 print(f"--- {options.page.name}:{line}: {block.language}", flush=True)
-                page.take(number)
+                page.take(block)
+        page.end()
     except Failure as failure:
         print(f"{options.page}:{line}: {failure}", file=sys.stderr)
         return 1
