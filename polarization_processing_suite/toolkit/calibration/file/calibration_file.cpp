@@ -12,6 +12,7 @@
 #include "kv/polarization/fault.h"
 #include "toolkit/api/memory_checks.h"
 #include "toolkit/api/memory_faults.h"
+#include "toolkit/api/shown_text.h"
 #include "toolkit/calibration/file/json_archive.h"
 #include "toolkit/calibration/file/npy_map.h"
 #include "toolkit/image_files/byte_source.h"
@@ -67,7 +68,7 @@ void check_format(const JsonReader& reader) {
   reader("format", format);
   if (format != kFormat) {
     throw Fault(FaultKind::file,
-                "its format is '" + format + "'; it must be '" + std::string(kFormat) + "'");
+                "its format is '" + shown(format) + "'; it must be '" + std::string(kFormat) + "'");
   }
   reader("version", version);
   if (version != kVersion) {
@@ -98,11 +99,11 @@ void load_map(const JsonReader& reader, const std::filesystem::path& folder, int
   reader("sha256", sum);
   const std::filesystem::path path(name);
   if (name.empty() || path.filename() != path || name == "." || name == "..") {
-    throw Fault(FaultKind::file, "its map '" + name + "' must be a file beside it");
+    throw Fault(FaultKind::file, "its map '" + shown(name) + "' must be a file beside it");
   }
-  with_name("its map " + name, [&] {
+  with_name("its map " + shown(name), [&] {
     if (type != type_name(map)) {
-      throw Fault(FaultKind::file, "it is of " + type + "; it must be of " + type_name(map));
+      throw Fault(FaultKind::file, "it is of " + shown(type) + "; it must be of " + type_name(map));
     }
     if (read_npy_map(folder / path, width, height, map) != sum) {
       throw Fault(FaultKind::file,

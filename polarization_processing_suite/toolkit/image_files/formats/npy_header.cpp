@@ -9,6 +9,7 @@
 #include <charconv>
 
 #include "kv/polarization/fault.h"
+#include "toolkit/api/shown_text.h"
 #include "toolkit/image_files/stored_samples.h"
 
 namespace kv::polarization {
@@ -42,7 +43,7 @@ class Dictionary {
       } else if (key == "shape") {
         header.shape = tuple();
       } else {
-        refuse_as_damaged("'" + key + "' is no key of it");
+        refuse_as_damaged("'" + shown(key) + "' is no key of it");
       }
       ++keys;
       if (!accept(',') && next() != '}') refuse_as_damaged("a comma is missing");

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "kv/polarization/fault.h"
+#include "toolkit/api/shown_text.h"
 #include "toolkit/image_files/formats/npy_header.h"
 #include "toolkit/image_files/stored_samples.h"
 
@@ -63,7 +64,7 @@ ArrayLayout array_layout(const NpyHeader& header, bool frames_alone) {
   const std::optional<ElementType> element = element_named(header.type);
   const bool is_float = element == ElementType::float32;
   if (!element || (frames_alone && is_float)) {
-    refuse_array("has elements of type " + header.type, wanted);
+    refuse_array("has elements of type " + shown(header.type), wanted);
   }
   if (header.columns_first) refuse_array("is in Fortran order, column by column", wanted);
   const std::vector<std::uint64_t>& sides = header.shape;
