@@ -93,7 +93,7 @@ bool succeeds(Work work) {
     return true;
   } catch (const kv::polarization::Fault& fault) {
     const std::string_view line = fault.what();
-    require(!line.empty() && line.find('\n') == line.npos, "a fault has one line");
+    require(!line.empty() && line.find_first_of("\r\n") == line.npos, "a fault has one line");
   } catch (const std::bad_alloc&) {
     require(allocations_can_fail(), "std::bad_alloc came out");
   }
