@@ -49,8 +49,8 @@ def open_frames(path: Path, *, raw: Optional[RawShape] = None) -> FrameFile:
     """The raw frames of a grey file, one at a time; with `raw`, of a headerless one.
 
     Errors: FileNotFoundError, PermissionError and IsADirectoryError; OSError for files that are
-    damaged, truncated or no frames; ValueError for a `raw` that no frame has; RuntimeError for a
-    pipe, whose frames cannot be chosen.
+    damaged, truncated or no frames; ValueError for a `raw` that no frame has, TypeError for one that is no
+    RawShape; RuntimeError for a pipe, whose frames cannot be chosen.
     """
     return FrameFile(path, raw)
 
@@ -71,6 +71,8 @@ class FrameFile:
     """
 
     def __init__(self, path: Path, raw: Optional[RawShape] = None) -> None:
+        if raw is not None and not isinstance(raw, RawShape):
+            raise TypeError(f"raw must be a RawShape, not {type(raw).__name__}")
         self._path = plain(path)
         self._raw = raw
         self._first: Optional[_About] = None
