@@ -12,8 +12,7 @@ namespace kv::polarization {
 
 /// A text out of a file, as the one line of a Fault can show it: its start, without control
 /// characters.
-inline std::string shown(std::string_view text) {
-  constexpr std::size_t most = 60;
+inline std::string shown(std::string_view text, std::size_t most = 60) {
   std::string start(text.substr(0, most));
   std::ranges::replace_if(
       start, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '?');

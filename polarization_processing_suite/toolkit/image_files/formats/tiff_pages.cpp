@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "kv/polarization/fault.h"
+#include "toolkit/api/shown_text.h"
 #include "toolkit/image_files/stored_samples.h"
 
 namespace kv::polarization {
@@ -94,8 +95,9 @@ void TiffPages::read_tiles(const TiffPage& page, std::uint8_t* to) {
 }
 
 void TiffPages::fail_as_damaged() const {
-  throw Fault(FaultKind::file, "the TIFF is damaged or truncated (" + stream_.message() +
-                                   "); an intact one is needed");
+  // libtiff repeats texts of the file.
+  throw Fault(FaultKind::file, "the TIFF is damaged or truncated (" +
+                                   shown(stream_.message(), 200) + "); an intact one is needed");
 }
 
 }  // namespace kv::polarization
