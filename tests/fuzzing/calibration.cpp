@@ -1,12 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
 // SPDX-License-Identifier: Apache-2.0
 
-// A calibration's JSON and its maps, of any content. Half of the inputs get the sums that their maps
-// have, so that what lies behind the sums is reached.
+// A calibration's JSON and its maps, of any content. Half of the inputs get the sums that their
+// maps have, so that what lies behind the sums is reached.
+#include "kv/calibration.h"
+
 #include <string>
 
 #include "fuzzing/work_folder.h"
-#include "kv/calibration.h"
 #include "toolkit/calibration/file/sha256.h"
 
 namespace kv::fuzzing {
@@ -14,10 +15,14 @@ namespace {
 
 using namespace polarization;
 
-constexpr std::array kMaps = {"black",      "gain",
-                              "diattenuation", "orientation",
-                              "gain_error", "diattenuation_error",
-                              "orientation_error", "bad"};
+constexpr std::array kMaps = {"black",
+                              "gain",
+                              "diattenuation",
+                              "orientation",
+                              "gain_error",
+                              "diattenuation_error",
+                              "orientation_error",
+                              "bad"};
 
 constexpr std::size_t kDigits = 64;
 

@@ -113,7 +113,8 @@ void keep_small(Words& words) {
 }
 
 Words choose_words(Choices& choices) {
-  Words words = {std::string(choices.once_in(32) ? choose_word(choices) : choices.one_of(kCommands))};
+  Words words = {
+      std::string(choices.once_in(32) ? choose_word(choices) : choices.one_of(kCommands))};
   for (std::size_t i = choices.below(kMostWords); i > 0; --i) words.push_back(choose_word(choices));
   keep_small(words);
   return words;

@@ -38,7 +38,7 @@ bool fails() {
 void choose_failures(std::uint8_t first, std::uint8_t kind) {
   constexpr std::array<unsigned, 4> periods = {kAlone, 1, 2, 7};
   period = periods[kind % periods.size()];
-  first_failure = first + 256u * (kind / periods.size() % 4);
+  first_failure = first + 256u * (kind / 4u % 4u);
   allocations = 0;
 }
 

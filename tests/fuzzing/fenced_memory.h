@@ -19,8 +19,8 @@ class FencedMemory {
   explicit FencedMemory(std::size_t bytes) {
     const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
     const std::size_t inside = (bytes + page - 1) / page * page;
-    void* const memory = ::mmap(nullptr, inside + 2 * page, PROT_NONE,
-                                MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void* const memory =
+        ::mmap(nullptr, inside + 2 * page, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     require(memory != MAP_FAILED, "there is memory");
     inside_ = {static_cast<std::uint8_t*>(memory) + page, inside};
     require(::mprotect(inside_.data(), inside, PROT_READ | PROT_WRITE) == 0, "memory opens");

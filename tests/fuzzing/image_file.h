@@ -64,8 +64,7 @@ inline void read_file(polarization::ImageFormat format, std::span<const std::uin
   const FormatFunctions& functions = functions_of(format);
   const auto source = [&]() -> SourcePointer {
     if (bytes.size() % 2 == 0) return source_of(std::as_bytes(bytes));
-    return source_of(
-        std::make_shared<std::istringstream>(std::string(bytes.begin(), bytes.end())));
+    return source_of(std::make_shared<std::istringstream>(std::string(bytes.begin(), bytes.end())));
   };
   // As open_frames and open_images do, which refuse empty files.
   if (bytes.empty()) return;

@@ -2,11 +2,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Pictures of every kind, of maps of any values and sizes.
+#include "kv/pictures.h"
+
 #include <optional>
 #include <vector>
 
 #include "fuzzing/fuzzing.h"
-#include "kv/pictures.h"
 
 namespace kv::fuzzing {
 namespace {
@@ -74,8 +75,7 @@ void try_picture(int least_width, int least_height, Make make) {
   if (!succeeds([&] { picture.emplace(make()); })) return;
   require(picture->width >= least_width && picture->height >= least_height,
           "a picture has the size of its frame");
-  require(picture->bytes.size() ==
-              picture->row_size() * static_cast<std::size_t>(picture->height),
+  require(picture->bytes.size() == picture->row_size() * static_cast<std::size_t>(picture->height),
           "a picture has all its samples");
 }
 
@@ -147,7 +147,8 @@ void fuzz(Choices choices) {
   if (kind == kPictureKinds.size() + 2) return make_sheet(choices, maps, ranges.dolp_white);
   const PictureKind chosen = kPictureKinds[kind].kind;
   const bool sheet = chosen == PictureKind::contact_sheet;
-  try_picture(sheet ? 1 : width, sheet ? 1 : height, [&] { return picture_of(chosen, maps, ranges); });
+  try_picture(sheet ? 1 : width, sheet ? 1 : height,
+              [&] { return picture_of(chosen, maps, ranges); });
 }
 
 }  // namespace kv::fuzzing

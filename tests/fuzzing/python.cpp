@@ -41,12 +41,12 @@ void start_interpreter() {
 void set_up() {
   require(PyImport_AppendInittab("_core", PyInit__core) == 0, "the extension module is known");
   start_interpreter();
-  require_done(PyRun_SimpleString("import sys\n"
-                                  "import _core\n"
-                                  "sys.modules['kv_polarization._core'] = _core\n"
-                                  "sys.path[:0] = ['" KV_PYTHON_MODULES "', '" KV_PYTHON_CALLS
-                                  "']\n") == 0,
-               "the package is found");
+  require_done(
+      PyRun_SimpleString("import sys\n"
+                         "import _core\n"
+                         "sys.modules['kv_polarization._core'] = _core\n"
+                         "sys.path[:0] = ['" KV_PYTHON_MODULES "', '" KV_PYTHON_CALLS "']\n") == 0,
+      "the package is found");
   PyObject* const calls = PyImport_ImportModule("python_calls");
   require_done(calls != nullptr, "the calls are there");
   run_calls = PyObject_GetAttrString(calls, "run");

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
 // SPDX-License-Identifier: Apache-2.0
 
-// The library's C functions with any arguments, against a model of their statuses; frames and planes
-// between fences, and the planes against those of other calls.
+// The library's C functions with any arguments, against a model of their statuses; frames and
+// planes between fences, and the planes against those of other calls.
 #include "fuzzing/fenced_memory.h"
 #include "kevrinth_qrm_polarization_processor.h"
 
@@ -34,7 +34,9 @@ struct Arguments {
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
   }
   ProcessorStatus transform() const {
-    const auto level = [&](std::size_t plane) { return static_cast<std::uint16_t*>(planes[plane]); };
+    const auto level = [&](std::size_t plane) {
+      return static_cast<std::uint16_t*>(planes[plane]);
+    };
     return kv_polarization_processor_transform(
         handle, polar_phase, input, x_origin, y_origin, width, height, bit_depth, output_max,
         static_cast<float*>(planes[0]), level(1), level(2), level(3), level(4), level(5));
@@ -76,7 +78,9 @@ FencedMemory& plane_memory(std::size_t plane, bool second = false) {
   constexpr auto level_bytes = kMostPixels * pixel_bytes(1) + kMostGap;
   static std::array<std::array<FencedMemory, 2>, kPlanes> memories = [] {
     using Two = std::array<FencedMemory, 2>;
-    const auto two = [](std::size_t bytes) { return Two{FencedMemory(bytes), FencedMemory(bytes)}; };
+    const auto two = [](std::size_t bytes) {
+      return Two{FencedMemory(bytes), FencedMemory(bytes)};
+    };
     return std::array<Two, kPlanes>{two(pair_bytes),  two(level_bytes), two(level_bytes),
                                     two(level_bytes), two(level_bytes), two(level_bytes)};
   }();
@@ -208,9 +212,9 @@ void try_weights(Choices& choices) {
     for (std::uint8_t& byte : weights) byte = choices.byte();
   }
   const auto pointers = [](auto& all) {
-    return std::array{reinterpret_cast<float*>(all[0].data()), reinterpret_cast<float*>(all[1].data()),
-                      reinterpret_cast<float*>(all[2].data()),
-                      reinterpret_cast<float*>(all[3].data())};
+    return std::array{
+        reinterpret_cast<float*>(all[0].data()), reinterpret_cast<float*>(all[1].data()),
+        reinterpret_cast<float*>(all[2].data()), reinterpret_cast<float*>(all[3].data())};
   };
   const auto to = pointers(set);
   const auto from = pointers(got);

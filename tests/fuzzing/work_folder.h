@@ -17,10 +17,10 @@ class WorkFolder {
  public:
   WorkFolder() {
     const char* const memory = "/dev/shm";
-    std::string pattern = (std::filesystem::is_directory(memory)
-                               ? std::filesystem::path(memory)
-                               : std::filesystem::temp_directory_path()) /
-                          "kv-fuzz-XXXXXX";
+    std::string pattern =
+        (std::filesystem::is_directory(memory) ? std::filesystem::path(memory)
+                                               : std::filesystem::temp_directory_path()) /
+        "kv-fuzz-XXXXXX";
     require(::mkdtemp(pattern.data()) != nullptr, "there is a folder to work in");
     path_ = pattern;
   }
