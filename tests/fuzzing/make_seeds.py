@@ -14,6 +14,7 @@ import io
 import itertools
 import json
 import pathlib
+import re
 import struct
 import sys
 import zlib
@@ -316,8 +317,7 @@ def words(text, content=b"", table=None):
 def table_of_words():
     text = pathlib.Path(__file__).with_name("command_words.h").read_text(encoding="utf-8")
     body = text[text.index("kWords =") : text.rindex("});")]
-    body = "\n".join(line for line in body.splitlines() if not line.strip().startswith("//"))
-    return body.split('"')[1::2]
+    return re.sub("//.*", "", body).split('"')[1::2]
 
 
 def command_line_seeds():
