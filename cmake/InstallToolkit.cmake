@@ -12,21 +12,24 @@ endif()
 set(toolkit_dir ${PROJECT_SOURCE_DIR}/polarization_processing_suite/toolkit)
 set(toolkit_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kv_polarization)
 
-install(TARGETS ${toolkit_libraries} EXPORT kv_polarization ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS ${toolkit_libraries} EXPORT kv_polarization
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 foreach(folder api calibration image_files pictures)
-  install(DIRECTORY ${toolkit_dir}/${folder}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(DIRECTORY ${toolkit_dir}/${folder}/include/
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 endforeach()
 # The headers include it as "planes/plane_list.h", which is found beside them.
 install(FILES ${PROJECT_SOURCE_DIR}/polarization_processing_suite/planes/plane_list.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kv/polarization/planes)
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kv/polarization/planes COMPONENT development)
 
 install(EXPORT kv_polarization FILE kv_polarization-targets.cmake NAMESPACE kv::
-        DESTINATION ${toolkit_package_dir})
+        DESTINATION ${toolkit_package_dir} COMPONENT development)
 # What inflates and deflates, by its names for CMake and pkg-config.
 if(libdeflate_LIBRARY)
   set(deflate_package libdeflate)
   set(deflate_pkg_config libdeflate)
-  install(FILES ${CMAKE_CURRENT_LIST_DIR}/Findlibdeflate.cmake DESTINATION ${toolkit_package_dir})
+  install(FILES ${CMAKE_CURRENT_LIST_DIR}/Findlibdeflate.cmake
+          DESTINATION ${toolkit_package_dir} COMPONENT development)
 else()
   set(deflate_package ZLIB)
   set(deflate_pkg_config zlib)
@@ -38,7 +41,7 @@ write_basic_package_version_file(
   VERSION ${PROJECT_VERSION} COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/kv_polarization-config.cmake
               ${PROJECT_BINARY_DIR}/kv_polarization-config-version.cmake
-        DESTINATION ${toolkit_package_dir})
+        DESTINATION ${toolkit_package_dir} COMPONENT development)
 
 # Their users need g++'s or clang's -std=c++20.
 install_pkg_config(kv-polarization

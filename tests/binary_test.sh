@@ -17,8 +17,13 @@ expect_same 'exported symbols' "$(printf '%s\n' "$@" | LC_ALL=C sort)" \
 # One of these would keep the library in the process for good.
 expect_same 'unique symbols' '' "$(readelf -W --dyn-syms "$library" | grep -w UNIQUE || true)"
 
-# Companions are found beside the library, and nowhere else.
-expect_same 'run path' "[\$ORIGIN]" \
+# Companions are found beside the library, those of the installed one in their own folder too, and
+# nowhere else.
+run_path="\$ORIGIN" name=$(basename "$library")
+if [[ $name =~ ^lib(.*)\.so\.([0-9]+) ]]; then
+  run_path+=":\$ORIGIN/${BASH_REMATCH[1]}-${BASH_REMATCH[2]}"
+fi
+expect_same 'run path' "[$run_path]" \
   "$(readelf -W -d "$library" | awk '$2 ~ /RUNPATH|RPATH/ { print $NF }')"
 
 # Debugging information names the folder of the compilation.
