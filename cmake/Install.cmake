@@ -10,6 +10,9 @@ include(CMakePackageConfigHelpers)
 set(library kevrinth_qrm_polarization_processor)
 set(library_dir ${PROJECT_SOURCE_DIR}/polarization_processing_suite/polarization_processor)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${library})
+# Distributions keep plug-ins out of the folder of libraries. Theirs tells the version, so that libraries
+# of two versions can be installed at once.
+set(private_companions ${library}-${PROJECT_VERSION_MAJOR})
 
 if(WIN32)
   set(installed ${library})
@@ -24,15 +27,13 @@ else()
   target_include_directories(${installed} INTERFACE
     $<BUILD_INTERFACE:${library_dir}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   shape_shared_library(${installed} ${library_dir}/exports.map)
-  # Distributions keep plug-ins out of the folder of libraries: companions may lie in one of their own,
-  # which tells the version, so that libraries of two versions can be installed at once.
   set_target_properties(${installed} PROPERTIES
     PREFIX lib
     OUTPUT_NAME ${library}
     EXPORT_NAME ${library}
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}
-    INSTALL_RPATH "$ORIGIN;$ORIGIN/${library}-${PROJECT_VERSION_MAJOR}")
+    INSTALL_RPATH "$ORIGIN;$ORIGIN/${private_companions}")
   set(bare_name ${PROJECT_BINARY_DIR}/installed/${library}.so)
   file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/installed)
   file(CREATE_LINK lib${library}.so.${PROJECT_VERSION_MAJOR} ${bare_name} SYMBOLIC)
@@ -51,27 +52,32 @@ install(
 install(FILES ${library_dir}/${library}.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 # Optional companions are looked for by bare name: beside the library, on Windows beside the program.
-set(KV_COMPANION_DIR $<IF:$<PLATFORM_ID:Windows>,${CMAKE_INSTALL_BINDIR},${CMAKE_INSTALL_LIBDIR}>
-    CACHE STRING "Folder of vector modules and logger; but for the default, LIBDIR/${library}-${PROJECT_VERSION_MAJOR} is searched")
-mark_as_advanced(KV_COMPANION_DIR)
+option(KV_PRIVATE_COMPANIONS "Install vector modules and logger into LIBDIR/${library}-${PROJECT_VERSION_MAJOR}" OFF)
+if(WIN32)
+  set(companion_dir ${CMAKE_INSTALL_BINDIR})
+elseif(KV_PRIVATE_COMPANIONS)
+  set(companion_dir ${CMAKE_INSTALL_LIBDIR}/${private_companions})
+else()
+  set(companion_dir ${CMAKE_INSTALL_LIBDIR})
+endif()
 
 # The logger looks for its configuration beside itself.
 if(TARGET kevrinth_qrm_logger)
   set(logger_dir ${PROJECT_SOURCE_DIR}/polarization_processing_suite/logger)
   install(
     TARGETS kevrinth_qrm_logger
-    RUNTIME DESTINATION ${KV_COMPANION_DIR} COMPONENT library
-    LIBRARY DESTINATION ${KV_COMPANION_DIR} COMPONENT library
+    RUNTIME DESTINATION ${companion_dir} COMPONENT library
+    LIBRARY DESTINATION ${companion_dir} COMPONENT library
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
   install(FILES ${logger_dir}/kevrinth_qrm_logger.h
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
   install(FILES ${logger_dir}/kevrinth_qrm_logger.cfg
-          DESTINATION ${KV_COMPANION_DIR} COMPONENT library)
+          DESTINATION ${companion_dir} COMPONENT library)
 endif()
 
 foreach(module ${library}_vector_avx2 ${library}_vector_avx512)
   if(TARGET ${module})
-    install(TARGETS ${module} LIBRARY DESTINATION ${KV_COMPANION_DIR} COMPONENT library)
+    install(TARGETS ${module} LIBRARY DESTINATION ${companion_dir} COMPONENT library)
   endif()
 endforeach()
 
@@ -126,3 +132,4 @@ endfunction()
 install_pkg_config(${library} DESCRIPTION "${PROJECT_DESCRIPTION}" LIBS -l${library})
 
 include(${CMAKE_CURRENT_LIST_DIR}/InstallToolkit.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/InstallPython.cmake)

@@ -30,6 +30,9 @@ expect_same 'DoLP and angle of a region' 'DoLP  0.9 angle 0 degrees' \
     sed -nE 's/^DoLP +([0-9.]+) .*/DoLP  \1/p; s/^angle (-?[0-9.]+) .*/angle \1/p' |
     LC_ALL=C awk '/DoLP/ {printf "DoLP  %.1f ", $2} /angle/ {printf "angle %d degrees", ($2 > -1 && $2 < 1) ? 0 : $2}')"
 
+# I0 1000, I45 and I135 600, I90 200: S0 1200, S1 800, S2 0.
+expect_same 'mosaic_cell' 'angle 0.0 degrees, DoLP 0.67' "$("$examples/mosaic_cell")"
+
 expect_same 'a fault' 'there is no such file; check the path' \
   "$("$examples/one_frame" "$work/none.npy" "$work" 2>&1 || true)"
 
