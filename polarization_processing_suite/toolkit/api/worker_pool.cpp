@@ -4,6 +4,7 @@
 #include "toolkit/api/worker_pool.h"
 
 #include <algorithm>
+#include <new>
 #include <string>
 #include <system_error>
 
@@ -22,13 +23,16 @@ int WorkerPool::threads_of(int count) {
 }
 
 WorkerPool::WorkerPool(int threads) {
-  failures_.resize(static_cast<std::size_t>(threads));
+  const int most = threads_of(threads);
+  failures_.resize(static_cast<std::size_t>(most));
   try {
-    for (int part = 1; part < threads; ++part) {
+    for (int part = 1; part < most; ++part) {
       workers_.emplace_back([this, part] { wait_for_work(part); });
     }
   } catch (const std::system_error&) {
     // The system gives no more threads; those that there are do the work.
+  } catch (const std::bad_alloc&) {
+    // Likewise. Let out, it would end the process: threads are running that nobody would join.
   }
 }
 

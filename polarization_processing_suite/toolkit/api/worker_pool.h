@@ -20,7 +20,8 @@ class WorkerPool {
   /// of kind argument when it is negative or above 1024.
   static int threads_of(int count);
 
-  /// That many less one, as the caller of run() works too.
+  /// threads_of(threads) less one, as the caller of run() works too; fewer where there is no
+  /// memory, or the system gives no more.
   explicit WorkerPool(int threads);
   ~WorkerPool();
   WorkerPool(const WorkerPool&) = delete;
