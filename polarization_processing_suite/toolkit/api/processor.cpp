@@ -10,6 +10,7 @@
 #include "kv/polarization/fault.h"
 #include "toolkit/api/library_call.h"
 #include "toolkit/api/memory_faults.h"
+#include "toolkit/api/open_module.h"
 #include "toolkit/api/packed_frame.h"
 #include "toolkit/api/request_checks.h"
 #include "toolkit/api/whole_frame.h"
@@ -48,19 +49,10 @@ class Processor::Implementation {
  public:
   explicit Implementation(int threads) : pool_(WorkerPool::threads_of(threads)) {
     scratch_.resize(static_cast<std::size_t>(pool_.threads()));
-    kv_polarization_processor_module_initialize();
-    try {
-      require_ok(kv_polarization_processor_create_polarization_processor(&handle_));
-      defaults_ = weights();
-    } catch (...) {
-      kv_polarization_processor_module_terminate();
-      throw;
-    }
+    require_ok(kv_polarization_processor_create_polarization_processor(&handle_));
+    defaults_ = weights();
   }
-  ~Implementation() {
-    kv_polarization_processor_destroy_polarization_processor(handle_);
-    kv_polarization_processor_module_terminate();
-  }
+  ~Implementation() { kv_polarization_processor_destroy_polarization_processor(handle_); }
   Implementation(const Implementation&) = delete;
   Implementation& operator=(const Implementation&) = delete;
 
@@ -97,6 +89,7 @@ class Processor::Implementation {
 
  private:
   WorkerPool pool_;
+  OpenModule module_;
   PolarizationProcessor* handle_ = nullptr;
   Weights defaults_;
   Buffer<std::uint16_t> samples_;
