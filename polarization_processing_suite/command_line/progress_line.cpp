@@ -17,12 +17,12 @@ ProgressLine::ProgressLine(bool wanted, std::string what)
 ProgressLine::~ProgressLine() { hide(); }
 
 void ProgressLine::update(std::size_t done, std::size_t failed, std::optional<std::size_t> total) {
-  constexpr std::chrono::milliseconds least_pause(100);
+  constexpr double least_pause = 0.1;  // seconds
   if (!enabled_) return;
-  const Clock::time_point now = Clock::now();
+  const double now = stopwatch_.seconds();
   if (drawn_ && now - *drawn_ < least_pause) return;
   drawn_ = now;
-  const auto rate = rate_.at(std::chrono::duration<double>(now - start_).count(), done);
+  const auto rate = rate_.at(now, done);
   // Many terminals wrap a line that fills their last column.
   const auto columns = static_cast<std::size_t>(std::max(platform::terminal_columns() - 1, 0));
   const std::string text = progress_text({done, failed, total, rate}, what_, columns);

@@ -3,12 +3,12 @@
 
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <optional>
 #include <string>
 
 #include "command_line/progress_text.h"
+#include "command_line/stopwatch.h"
 
 namespace kv::polarization {
 
@@ -30,12 +30,10 @@ class ProgressLine {
   void hide();
 
  private:
-  using Clock = std::chrono::steady_clock;
-
   bool enabled_;
   std::string what_;
-  Clock::time_point start_ = Clock::now();
-  std::optional<Clock::time_point> drawn_;
+  Stopwatch stopwatch_;
+  std::optional<double> drawn_;  // seconds of the stopwatch
   ProgressRate rate_;
   std::size_t visible_ = 0;  // columns of the line that is shown
 };

@@ -3,6 +3,8 @@
 
 #include "polarization_processor/transform_timer.h"
 
+#include <algorithm>
+
 #include "platform/performance_counter.h"
 
 namespace kv {
@@ -18,8 +20,10 @@ TransformTimer::TransformTimer(const LogClient& log_client, const char* source_p
 
 TransformTimer::~TransformTimer() {
   if (!platform::read_counter(stop_count_)) return;
+  // A counter that goes back, as that of a faulty virtual machine, makes no negative duration.
+  const std::int64_t counts = std::max<std::int64_t>(stop_count_ - start_count_, 0);
   const double microseconds =
-      static_cast<double>(stop_count_ - start_count_) / static_cast<double>(frequency_) * 1000000.0;
+      static_cast<double>(counts) / static_cast<double>(frequency_) * 1000000.0;
   log_client_.log_message(Severity::timing, source_path_, source_line_, function_name_,
                           "%s takes %f microseconds.", label_, microseconds);
 }

@@ -61,6 +61,7 @@ TEST(LoggerBinding, DurationsAreThoseOfTheCounter) {
       {{1'000'000'000, 50, 1'234'617}, timing_line("1234.567000")},
       {{3, 10, 15}, timing_line("1666666.666667")},
       {{10'000'000, kLarge, kLarge + 1}, timing_line("0.100000")},
+      {{1'000, 50, 40}, timing_line("0.000000")},
       {{.stop = -1}, {}},
   };
   for (const auto& [counter, lines] : durations) {

@@ -50,7 +50,7 @@ RunReports::RunReports(const ReportOptions& options, std::string destination, bo
 
 void RunReports::start(std::size_t inputs, std::optional<std::size_t> frames) {
   expected_ = frames;
-  start_ = std::chrono::steady_clock::now();
+  stopwatch_ = {};
   Json json = {{"event", "start"}, {"software", software_name()}, {"inputs", inputs}};
   if (frames) json["frames"] = *frames;
   events_.write(json);
@@ -120,8 +120,7 @@ int RunReports::finish(int status) {
   const std::lock_guard lock(mutex_);
   for (const FrameReport& report : order_.rest()) tell(report);
   progress_.hide();
-  totals_.seconds =
-      std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+  totals_.seconds = stopwatch_.seconds();
   const std::string clipping = clipping_of(totals_);
   if (!clipping.empty() && !options_.quiet) show("warning: " + clipping);
   const auto after_failure = [&status] {

@@ -3,7 +3,6 @@
 
 #pragma once
 
-#include <chrono>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -14,6 +13,7 @@
 #include "command_line/batch/report_options.h"
 #include "command_line/batch/run_totals.h"
 #include "command_line/progress_line.h"
+#include "command_line/stopwatch.h"
 #include "kv/image_files/pending_file.h"
 
 namespace kv::polarization {
@@ -54,7 +54,7 @@ class RunReports {
   std::unique_ptr<PendingFile> list_;
   std::string listed_;
   std::optional<std::size_t> last_listed_;
-  std::chrono::steady_clock::time_point start_;
+  Stopwatch stopwatch_;
   std::optional<std::size_t> expected_;
   FrameOrder order_;
   RunTotals totals_;

@@ -4,7 +4,6 @@
 #include "command_line/bench/bench_command.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <iostream>
 
@@ -13,6 +12,7 @@
 #include "command_line/exit_status.h"
 #include "command_line/machine/machine_json.h"
 #include "command_line/messages.h"
+#include "command_line/stopwatch.h"
 #include "kv/image_files/frame_reader.h"
 #include "kv/polarization/fault.h"
 #include "kv/polarization/processor.h"
@@ -41,13 +41,12 @@ struct Cell {
 /// The mean of calls that take as long as that together.
 template <class Call>
 Cost cost_of(double least_seconds, Call call) {
-  using Clock = std::chrono::steady_clock;
   call();  // wakes threads, and fetches what is used at every call
   const double processor_start = platform::processor_seconds();
-  const auto start = Clock::now();
+  Stopwatch stopwatch;
   for (double calls = 1;; ++calls) {
     call();
-    const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    const double seconds = stopwatch.seconds();
     if (seconds >= least_seconds || platform::interrupted()) {
       return {seconds / calls, (platform::processor_seconds() - processor_start) / calls};
     }

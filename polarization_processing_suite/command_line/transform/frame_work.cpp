@@ -4,8 +4,8 @@
 #include "command_line/transform/frame_work.h"
 
 #include <algorithm>
-#include <chrono>
 
+#include "command_line/stopwatch.h"
 #include "kv/polarization/mean_plane.h"
 
 namespace kv::polarization {
@@ -54,10 +54,9 @@ void FrameWork::compute_planes(FrameReport& report) {
     return;
   }
   if (!planes_touched_) touch_planes();
-  const auto start = std::chrono::steady_clock::now();
+  Stopwatch stopwatch;
   processor_.transform(frame, context_.mosaic, planes_.views());
-  report.transform_seconds =
-      std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  report.transform_seconds = stopwatch.seconds();
   report.pixels = static_cast<double>(frame.samples.size());
   if (recipe_.planes.has(Plane::intensity)) {
     report.clipped_pixels = static_cast<double>(count_clipped_intensity(frame));
