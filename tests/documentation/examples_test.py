@@ -3,7 +3,8 @@
 
 """Runs every example of a page of the documentation, in the order of the page.
 
-    examples_test.py PAGE --prefix PREFIX --libdir LIBDIR --work FOLDER [--python PYTHON] [--inputs SCRIPT]
+    examples_test.py PAGE --prefix PREFIX --libdir LIBDIR --work FOLDER
+                     [--python PYTHON] [--inputs SCRIPT] [--cc CC] [--cxx CXX]
 
 A page begins in an empty folder; a script of inputs makes the files that it takes for granted. What
 becomes of a block is told by its language:

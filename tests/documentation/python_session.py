@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
 # SPDX-License-Identifier: Apache-2.0
 
-"""Runs the files named on standard input one after the other, as one program; a line END after each."""
+"""Runs the files named on standard input as one program, and prints a line END after each."""
 
 import sys
 
