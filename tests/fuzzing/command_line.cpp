@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "command_line/exit_status.h"
-#include "command_line/tool.h"
+#include "command_line/run_tool.h"
 #include "fuzzing/command_words.h"
 #include "fuzzing/work_folder.h"
 

@@ -9,7 +9,7 @@ import tempfile
 import numpy as np
 
 import kv_polarization as kv
-from kv_polarization import colours
+from kv_polarization import _core, colours
 
 PROMISED = (TypeError, ValueError, MemoryError, OSError, OverflowError, NotImplementedError)
 FRAME_DTYPES = ["u1", "<u2", "<u2"]
@@ -163,7 +163,7 @@ def measures(c):
 
 def picture(c):
     limits = {"dolp_white": numbers(None, 0.5), "ratio_limit": numbers(None, 1.0), "legend": numbers(False, True)}
-    kind = number(c, kv._core.PICTURE_KINDS)
+    kind = number(c, _core.PICTURE_KINDS)
     kv.pictures.picture(kind, frames(c), processor(c), **optional(c, limits))
 
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "command_line/tool.h"
+#include "command_line/run_tool.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
