@@ -9,6 +9,7 @@
 #include <iostream>
 #include <streambuf>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "command_line/exit_status.h"
@@ -120,9 +121,9 @@ Words choose_words(Choices& choices) {
   return words;
 }
 
-int run(const Words& words) {
+int run(Words words) {
   const FailingAllocations failing;
-  return polarization::run_tool(words);
+  return polarization::run_tool(std::move(words));
 }
 
 }  // namespace

@@ -29,8 +29,10 @@ unsigned period = 0;
 
 constexpr unsigned kAlone = 1u << 30;
 
-bool fails() {
-  if (!may_fail.load(std::memory_order_relaxed)) return false;
+std::size_t spared_below = 0;
+
+bool fails(std::size_t size) {
+  if (size < spared_below || !may_fail.load(std::memory_order_relaxed)) return false;
   const unsigned allocation = allocations.fetch_add(1, std::memory_order_relaxed);
   return allocation >= first_failure && (allocation - first_failure) % period == 0;
 }
@@ -44,23 +46,23 @@ void choose_failures(std::uint8_t first, std::uint8_t kind) {
 
 }  // namespace
 
-void* __wrap_malloc(std::size_t size) { return fails() ? nullptr : __real_malloc(size); }
+void* __wrap_malloc(std::size_t size) { return fails(size) ? nullptr : __real_malloc(size); }
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-  return fails() ? nullptr : __real_calloc(count, size);
+  return fails(count * size) ? nullptr : __real_calloc(count, size);
 }
 void* __wrap_realloc(void* memory, std::size_t size) {
-  return fails() ? nullptr : __real_realloc(memory, size);
+  return fails(size) ? nullptr : __real_realloc(memory, size);
 }
 // NOLINTEND(readability-identifier-naming, bugprone-reserved-identifier)
 
 void* operator new(std::size_t size) {
-  void* const memory = fails() ? nullptr : __real_malloc(std::max<std::size_t>(size, 1));
+  void* const memory = fails(size) ? nullptr : __real_malloc(std::max<std::size_t>(size, 1));
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
 void* operator new(std::size_t size, std::align_val_t alignment) {
   void* memory = nullptr;
-  if (fails() || posix_memalign(&memory, static_cast<std::size_t>(alignment), size) != 0) {
+  if (fails(size) || posix_memalign(&memory, static_cast<std::size_t>(alignment), size) != 0) {
     throw std::bad_alloc();
   }
   return memory;
@@ -73,6 +75,7 @@ void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std
 namespace kv::fuzzing {
 
 void let_allocations_fail(bool fail) { may_fail = fail; }
+void spare_allocations_below(std::size_t bytes) { spared_below = bytes; }
 bool allocations_can_fail() { return true; }
 
 }  // namespace kv::fuzzing

@@ -72,6 +72,10 @@ inline void require(bool holds, std::string_view what) {
 /// input's first bytes tell. Targets keep their own ones out of it.
 void let_allocations_fail(bool fail);
 
+/// From here on those of fewer bytes succeed; for code with small allocations of a library whose
+/// lack of memory is not ours.
+void spare_allocations_below(std::size_t bytes);
+
 /// Whether this is such a program.
 bool allocations_can_fail();
 

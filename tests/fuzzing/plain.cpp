@@ -7,6 +7,7 @@
 namespace kv::fuzzing {
 
 void let_allocations_fail(bool) {}
+void spare_allocations_below(std::size_t) {}
 bool allocations_can_fail() { return false; }
 
 }  // namespace kv::fuzzing

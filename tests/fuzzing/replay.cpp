@@ -18,9 +18,8 @@ namespace {
 int files = 0;
 
 void replay(const std::filesystem::path& file) {
-  // What ends the process is told by the last line.
-  std::printf("%s\n", file.c_str());
-  std::fflush(stdout);
+  // What ends the process is told by the last line. Standard output may be a target's.
+  std::fprintf(stderr, "%s\n", file.c_str());
   std::ifstream stream(file, std::ios::binary);
   const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
   // Of its size exactly, so that sanitizers see a read behind its end.
@@ -43,6 +42,6 @@ int main(int argc, char** argv) {
     }
     for (const auto& entry : std::filesystem::directory_iterator(path)) replay(entry.path());
   }
-  std::printf("%d inputs\n", files);
+  std::fprintf(stderr, "%d inputs\n", files);
   return files > 0 ? 0 : 1;
 }
