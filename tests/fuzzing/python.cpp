@@ -15,8 +15,9 @@ namespace kv::fuzzing {
 namespace {
 
 /// pybind11 2.10 frees an object twice when there is no memory for the node, of 32 bytes, that
-/// registers it. Its other records are small, too; frames, planes and tables are not.
-constexpr std::size_t kRecords = 256;
+/// registers it, and ends the process where there is none for its message on wrong arguments. Its
+/// records and texts are small; frames, planes and tables are not.
+constexpr std::size_t kRecords = 4096;
 
 PyObject* run_calls = nullptr;
 
