@@ -26,7 +26,7 @@ assert pathlib.Path(info["logger"]).resolve().parent.parent == folder, info
 
 frame = kv.read("night/frame_0001.tiff")
 names = ("intensity", "stokes_s1", "stokes_s2", "azimuth", "dolp")
-planes = kv.Processor().transform(frame, names)
+planes = kv.Processor(bit_depth=12).transform(frame, names)
 for name in names:
     expected = np.load(f"tool/frame_0001_{name}.npy")
     assert expected.any() and np.array_equal(getattr(planes, name), expected), name
