@@ -3,7 +3,8 @@
 
 /* The C interface on the smallest frame there is, one mosaic cell:
  *
- *   cc mosaic_cell.c $(pkg-config --cflags --libs kevrinth_qrm_polarization_processor) -o mosaic_cell
+ *   cc mosaic_cell.c $(pkg-config --cflags --libs kevrinth_qrm_polarization_processor) -o
+ * mosaic_cell
  */
 
 #include <kevrinth_qrm_polarization_processor.h>
