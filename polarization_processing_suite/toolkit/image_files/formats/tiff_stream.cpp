@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <new>
 
 #include "platform/files.h"
 
@@ -70,6 +71,7 @@ TiffStream::TiffStream(PendingFile& file, bool big) {
 
 TiffStream::OptionsPointer TiffStream::make_options() {
   OptionsPointer options(TIFFOpenOptionsAlloc());
+  if (!options) throw std::bad_alloc();
   TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keep_message, this);
   TIFFOpenOptionsSetWarningHandlerExtR(options.get(), ignore_warning, nullptr);
   return options;

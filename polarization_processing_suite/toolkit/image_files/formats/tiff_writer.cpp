@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <new>
 #include <vector>
 
 #include "platform/files.h"
@@ -62,37 +63,43 @@ TiffPredictor predictor_of(const PageLayout& layout, Compression compression) {
   return compression == Compression::small ? TiffPredictor::none : TiffPredictor::floating_point;
 }
 
+/// It takes all the values that are given here, as long as there is memory for them.
+template <class... Values>
+void set_field(TIFF* tiff, std::uint32_t tag, Values... values) {
+  if (TIFFSetField(tiff, tag, values...) != 1) throw std::bad_alloc();
+}
+
 void set_compression(TIFF* tiff, const PageLayout& layout, Compression compression) {
   if (compression == Compression::none) {
-    TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+    set_field(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
     return;
   }
-  TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE);
-  TIFFSetField(tiff, TIFFTAG_PREDICTOR, static_cast<int>(predictor_of(layout, compression)));
+  set_field(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE);
+  set_field(tiff, TIFFTAG_PREDICTOR, static_cast<int>(predictor_of(layout, compression)));
 }
 
 /// Sets the fields that every page needs.
 void set_fields(TIFF* tiff, const PageLayout& layout, const WriteOptions& options) {
-  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, layout.width);
-  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, layout.height);
-  TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, layout.channels);
-  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, layout.bits);
-  TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, layout.sample_format);
-  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, layout.photometric);
-  TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+  set_field(tiff, TIFFTAG_IMAGEWIDTH, layout.width);
+  set_field(tiff, TIFFTAG_IMAGELENGTH, layout.height);
+  set_field(tiff, TIFFTAG_SAMPLESPERPIXEL, layout.channels);
+  set_field(tiff, TIFFTAG_BITSPERSAMPLE, layout.bits);
+  set_field(tiff, TIFFTAG_SAMPLEFORMAT, layout.sample_format);
+  set_field(tiff, TIFFTAG_PHOTOMETRIC, layout.photometric);
+  set_field(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
   set_compression(tiff, layout, compression_of(options));
-  TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, layout.rows_a_strip());
+  set_field(tiff, TIFFTAG_ROWSPERSTRIP, layout.rows_a_strip());
   if (!options.title.empty()) {
-    TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, options.title.c_str());
+    set_field(tiff, TIFFTAG_IMAGEDESCRIPTION, options.title.c_str());
   }
   if (!options.provenance.empty()) {
-    TIFFSetField(tiff, TIFFTAG_SOFTWARE, options.provenance.c_str());
+    set_field(tiff, TIFFTAG_SOFTWARE, options.provenance.c_str());
   }
   if (layout.channels > layout.colours()) {
     // Without this they would pass for alpha channels of unknown kind.
     const std::vector<std::uint16_t> kinds(
         static_cast<std::size_t>(layout.channels - layout.colours()), EXTRASAMPLE_UNSPECIFIED);
-    TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, static_cast<int>(kinds.size()), kinds.data());
+    set_field(tiff, TIFFTAG_EXTRASAMPLES, static_cast<int>(kinds.size()), kinds.data());
   }
 }
 
@@ -105,7 +112,7 @@ void write_page(PendingFile& file, TIFF* tiff, const PageLayout& layout,
   if (tiff == nullptr) file.fail();
   align_first_strip(file);
   set_fields(tiff, layout, options);
-  if (greatest_sample != 0) TIFFSetField(tiff, TIFFTAG_MAXSAMPLEVALUE, greatest_sample);
+  if (greatest_sample != 0) set_field(tiff, TIFFTAG_MAXSAMPLEVALUE, greatest_sample);
   const Compression compression = compression_of(options);
   TiffStripEncoder encoder(compression, predictor_of(layout, compression), layout.row_samples(),
                            layout.sample_bytes(), static_cast<std::size_t>(layout.channels));
