@@ -104,8 +104,9 @@ TEST(BadInput, OneBadFrameDoesNotStopTheOthers) {
   tool.write("b.pgm", "P5 8 8 255\n");
   tool.write("c.pgm", kFrame);
   tool.write("d.pgm", bad + kFrame + kFrame);
+  std::filesystem::create_directory(tool.path("e.pgm"));
   const std::string run =
-      "transform a.pgm b.pgm c.pgm d.pgm --planes dolp --no-pictures --format pgm";
+      "transform a.pgm b.pgm c.pgm d.pgm e.pgm --planes dolp --no-pictures --format pgm";
   const ToolResult single = tool.run(run + " -o out --stack none");
   const Names pages = {"a_1_dolp.pgm", "a_3_dolp.pgm", "c_dolp.pgm", "d_2_dolp.pgm",
                        "d_3_dolp.pgm"};
@@ -114,11 +115,12 @@ TEST(BadInput, OneBadFrameDoesNotStopTheOthers) {
   EXPECT_EQ(tool.results_in("stacks"), (Names{"c_dolp.pgm"}));
   for (const ToolResult& result : {single, stacks}) {
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.complaints(), 3) << result.error;
+    EXPECT_EQ(result.complaints(), 4) << result.error;
     EXPECT_PRED2(contains, result.error, "a.pgm, page 2: a frame of 3 x 3");
     EXPECT_PRED2(contains, result.error, "b.pgm: the PGM file is truncated");
     EXPECT_PRED2(contains, result.error, "d.pgm, page 1: a frame of 3 x 3");
-    EXPECT_PRED2(contains, result.out, "5 frames transformed, 3 failed");
+    EXPECT_PRED2(contains, result.error, "e.pgm: this is a folder");
+    EXPECT_PRED2(contains, result.out, "5 frames transformed, 4 failed");
   }
 }
 
@@ -135,6 +137,19 @@ TEST(BadInput, NoResultReplacesAnotherOneOrAnInput) {
 
 #if !defined(_WIN32)
 // A limit on the size of files stands for a full disk: writes fail midway in the same manner.
+#if !defined(_WIN32)
+TEST(BadInput, OutputThatGoesNowhereIsToldOf) {
+  const Tool tool;
+  tool.write("frame.pgm", kFrame);
+  for (const char* arguments : {"info frame.pgm", "compare frame.pgm frame.pgm", "manual",
+                                "--version", "transform --help", "completion bash"}) {
+    const ToolResult result = tool.run(arguments, "", " >/dev/full");
+    EXPECT_EQ(result.status, 1) << arguments;
+    EXPECT_PRED2(contains, result.error, "standard output did not take") << arguments;
+  }
+}
+#endif
+
 TEST(BadInput, FilesThatCannotBeWrittenToTheirEndVanish) {
   const Tool tool;
   // Polarized at 0 degrees throughout, to very different degrees: in PNG a small plane of azimuth,

@@ -124,6 +124,9 @@ class InputFinder {
       refuse("the folder " + text_of(folder) +
              " has no frames of its own, but folders; -r takes the frames in them");
     }
+    // Whoever names a frame wants to be told that it is none.
+    if (files == 0 && relative.empty() && may_hold_frames(folder, false))
+      collector_.add_named(folder);
   }
 
   /// A word that is no file may stand for others.

@@ -37,7 +37,8 @@ std::optional<std::string> name_of_pipe(const Input& input) {
   if (input.is_standard_input()) return "standard input";
   std::error_code unknown;
   const std::filesystem::file_status status = std::filesystem::status(input.path, unknown);
-  if (!std::filesystem::exists(status) || std::filesystem::is_regular_file(status)) {
+  if (!std::filesystem::exists(status) || std::filesystem::is_regular_file(status) ||
+      std::filesystem::is_directory(status)) {
     return std::nullopt;
   }
   return text_of(input.path);
