@@ -313,9 +313,11 @@ class Trial {
     } catch (const Fault& fault) {
       kv_fail_allocation(0);
       if (fault.kind() == FaultKind::memory) return kMemoryFault;
-      // Such as of a C library that does not tell what it lacks.
+      // C libraries tell it in their own words.
       const std::string line = fault.what();
-      return line.find("memory") != std::string::npos ? kMemoryFault : tell("the line: " + line);
+      const bool told =
+          line.find("memory") != std::string::npos || line.find("alloc") != std::string::npos;
+      return told ? kMemoryFault : tell("the line: " + line);
     } catch (const std::exception& error) {
       kv_fail_allocation(0);
       return tell(error.what());

@@ -17,9 +17,9 @@ COMMANDS = {
     "simulate": ("--frames", "2", "--width", "8", "--height", "6", "--format", "npy", "-o", "out"),
     "transform": ("night", "--quiet", "--format", "npy", "--resume", "-o", "out"),
     "calibrate": ("--manifest", "stack/stack.csv", "-o", "out/camera.json"),
-    "measure": ("night", "--format", "csv", "-o", "out/table.csv"),
-    "view": ("night/frame_1.tiff", "-o", "out/sheet.png"),
-    "info": ("night/frame_1.tiff",),
+    "measure": ("night", "-o", "out/table.csv"),
+    "view": ("night/frame_0001.tiff", "-o", "out/sheet.png"),
+    "info": ("night/frame_0001.tiff",),
     "compare": ("night", "other"),
 }
 
@@ -37,6 +37,11 @@ def run(setting: Setting) -> str:
     return " ".join(done.stdout.split()) + " tool: " + of_tool(setting)
 
 
+def _on_one_core() -> None:
+    """So that the allocations of a run are always the same ones."""
+    os.sched_setaffinity(0, [min(os.sched_getaffinity(0))])
+
+
 class Forks:
     """The tool, held before main(); each run is a fork whose allocation of a number fails."""
 
@@ -44,7 +49,7 @@ class Forks:
         self.streams = setting.work / "streams"
         self.streams.mkdir(exist_ok=True)
         self.process = subprocess.Popen(
-            ["taskset", "-c", "0", setting.tool, *words], cwd=setting.work, text=True, bufsize=1,
+            [setting.tool, *words], preexec_fn=_on_one_core, cwd=setting.work, text=True, bufsize=1,
             stdin=subprocess.PIPE, stdout=subprocess.PIPE,
             env=setting.environment(LD_PRELOAD=setting.program("endurance_fork_server.so"),
                                     KV_FORK_STREAMS=str(self.streams)),

@@ -80,7 +80,7 @@ def full_for_others(setting: Setting) -> str:
         ("simulate", "--frames", "2", "--width", "64", "--height", "48", "-o", "disk/made"),
         ("calibrate", "--manifest", "stack/stack.csv", "-o", "disk/camera.json"),
         ("view", "night/frame_0001.tiff", "-o", "disk/sheet.png"),
-        ("measure", "night", "--format", "csv", "-o", "disk/table.csv"),
+        ("measure", "night", "-o", "disk/table.csv"),
     ]
     full = 0
     for words in commands:
@@ -116,7 +116,7 @@ def read_only(setting: Setting) -> str:
     mount(folder, "ro")
     for target in ("disk", "disk/out"):
         refused(setting, (*BATCH, "-o", target), (2,), "Read-only")
-    refused(setting, ("simulate", "-o", "disk/made"), (2,), "Read-only")
+    refused(setting, ("simulate", "--frames", "2", "-o", "disk/made"), (2,), "Read-only")
     refused(setting, ("view", "night/frame_0001.tiff", "-o", "disk/sheet.png"), (2,), "Read-only")
     subprocess.run(["umount", folder], check=True)
     return "read-only folders refused"
