@@ -64,7 +64,9 @@ bool InputRun::frame_failed() {
   const std::lock_guard lock(mutex_);
   const bool is_first = !failed_;
   failed_ = true;
-  for (auto& [plane, stack] : stacks_) stack.output->give_up();
+  for (auto& [plane, stack] : stacks_) {
+    if (stack.output != nullptr) stack.output->give_up();  // else it is what could not be made
+  }
   const ResultNames& names = context_.plan.names();
   return is_first && std::ranges::any_of(context_.plan.results(), [&](const Result& result) {
            return names.is_stacked(result, planned_.pages);
