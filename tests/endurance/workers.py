@@ -52,20 +52,19 @@ def main(kills: int) -> None:
         while killed < kills:
             array = da.from_array(frames, chunks=(4, -1, -1), name=f"frames-{computed}")
             planes = transform(array, processor, names)
-            future = client.compute(planes)
-            while not future.done() and killed < kills:
+            futures = client.compute([planes[name] for name in names])
+            while not all(future.done() for future in futures) and killed < kills:
                 time.sleep(random_place.uniform(0, 0.5))
                 alive = [nanny.pid for nanny in cluster.workers.values() if nanny.pid]
-                if not alive or future.done():
+                if not alive:
                     continue
                 try:
                     os.kill(random_place.choice(alive), signal.SIGKILL)
                     killed += 1
                 except ProcessLookupError:
                     pass
-            result = future.result(timeout=300)
-            for name in names:
-                assert result[name].tobytes() == expected[name].tobytes(), name
+            for name, future in zip(names, futures):
+                assert future.result(timeout=300).tobytes() == expected[name].tobytes(), name
             computed += 1
     print(f"{killed} kills of 4 workers in {computed} computations of {len(frames)} frames, "
           "each with the bytes of Processor.transform")  # fmt: skip
