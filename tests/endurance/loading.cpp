@@ -81,7 +81,7 @@ int main(int count, char** arguments) try {
   const std::size_t loads = std::strtoul(arguments[2], nullptr, 10);
   kv::endurance::Samples figures;
   figures.take();
-  for (std::size_t i = 0; i < 10; ++i) load_and_use(arguments[1], i);
+  for (std::size_t i = 0; i < loads / 2; ++i) load_and_use(arguments[1], i);
   const auto before = mapped_files();
   figures = {};
   for (std::size_t i = 0; i < loads; ++i) {
