@@ -3,7 +3,7 @@
 
 // The entries that libFuzzer calls, of programs in which allocations fail: the last two bytes of an
 // input say which. The linker puts the functions of this file in the place of malloc, calloc and
-// realloc; all forms of new and delete end in those below.
+// realloc; those of new and delete are replaced.
 #include <atomic>
 
 #include "fuzzing/fuzzing.h"
@@ -55,22 +55,51 @@ void* __wrap_realloc(void* memory, std::size_t size) {
 }
 // NOLINTEND(readability-identifier-naming, bugprone-reserved-identifier)
 
-void* operator new(std::size_t size) {
-  void* const memory = fails(size) ? nullptr : __real_malloc(std::max<std::size_t>(size, 1));
+namespace {
+
+void* allocate(std::size_t size) noexcept {
+  return fails(size) ? nullptr : __real_malloc(std::max<std::size_t>(size, 1));
+}
+void* allocate(std::size_t size, std::align_val_t alignment) noexcept {
+  void* memory = nullptr;
+  const bool failed =
+      fails(size) || posix_memalign(&memory, static_cast<std::size_t>(alignment), size) != 0;
+  return failed ? nullptr : memory;
+}
+void* or_throw(void* memory) {
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
+
+}  // namespace
+
+// All forms, as a sanitizer's own ones do not end in each other.
+void* operator new(std::size_t size) { return or_throw(allocate(size)); }
+void* operator new[](std::size_t size) { return or_throw(allocate(size)); }
 void* operator new(std::size_t size, std::align_val_t alignment) {
-  void* memory = nullptr;
-  if (fails(size) || posix_memalign(&memory, static_cast<std::size_t>(alignment), size) != 0) {
-    throw std::bad_alloc();
-  }
-  return memory;
+  return or_throw(allocate(size, alignment));
+}
+void* operator new[](std::size_t size, std::align_val_t alignment) {
+  return or_throw(allocate(size, alignment));
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+  return allocate(size, alignment);
+}
+void* operator new[](std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+  return allocate(size, alignment);
 }
 void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::align_val_t) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
 
 namespace kv::fuzzing {
 
