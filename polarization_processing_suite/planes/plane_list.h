@@ -56,7 +56,7 @@ inline constexpr std::array<PlaneTraits, 6> kPlanes{{
 /// The line of a plane, and its place in the list.
 constexpr std::size_t index_of(Plane plane) { return static_cast<std::size_t>(plane); }
 constexpr const PlaneTraits& traits_of(Plane plane) { return kPlanes[index_of(plane)]; }
-
+/// What index_of() rests upon.
 constexpr bool is_listed_in_order() {
   for (std::size_t index = 0; index < kPlanes.size(); ++index) {
     if (index_of(kPlanes[index].plane) != index) return false;
