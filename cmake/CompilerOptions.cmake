@@ -67,4 +67,6 @@ endif()
 # unrolled kernels, and their optimisation, would take most of the build.
 if(KV_BUILD_FUZZERS)
   set(KV_KERNEL_OPTIONS -O0 -g0 -fno-sanitize=all)
+  # libFuzzer reads the counters of modules after they were unloaded.
+  add_link_options(LINKER:-z,nodelete)
 endif()

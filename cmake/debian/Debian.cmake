@@ -41,10 +41,12 @@ function(describe_package component package)
   set(CPACK_DEBIAN_${key}_PACKAGE_SHLIBDEPS ON PARENT_SCOPE)
 endfunction()
 
-# Control files of the library: what programs that link it depend on, and the symbols since when.
+# Control files of the library: what programs that link it depend on, and the symbols since when: the
+# first version that was packaged has them all.
+set(first_version ${PROJECT_VERSION_MAJOR}.1.0)
 set(control ${PROJECT_BINARY_DIR}/debian)
 file(STRINGS ${library_dir}/exports.map symbols REGEX "kv_[a-z_]+;")
-list(TRANSFORM symbols REPLACE "^ *(kv_[a-z_]+);.*" " \\1@Base 0.1.0")
+list(TRANSFORM symbols REPLACE "^ *(kv_[a-z_]+);.*" " \\1@Base ${first_version}")
 list(SORT symbols)
 list(JOIN symbols "\n" symbols)
 set(soname lib${library}.so.${PROJECT_VERSION_MAJOR})

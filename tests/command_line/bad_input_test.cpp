@@ -87,10 +87,12 @@ TEST(BadInput, LogLinesNeedTheLogger) {
   const std::string forget_library_path = "unset LD_LIBRARY_PATH; ";
 #endif
   const TemporaryFolder place;
-  for (const std::filesystem::path file : {KV_PROCESSOR_PATH, KV_TOOL_PATH}) {
-    std::filesystem::copy_file(file, place / file.filename().string());
-  }
-  const Tool tool(place / std::filesystem::path(KV_TOOL_PATH).filename().string());
+  const auto copy = [&](const char* file, const std::string& name) {
+    std::filesystem::copy_file(file, place / name);
+    return place / name;
+  };
+  copy(KV_PROCESSOR_PATH, KV_PROCESSOR_NAME);
+  const Tool tool(copy(KV_TOOL_PATH, std::filesystem::path(KV_TOOL_PATH).filename().string()));
   tool.write("frame.pgm", kFrame);
   expect_refusal(tool, tool.run("transform frame.pgm -o out --log 7", forget_library_path),
                  "kevrinth_qrm_logger");

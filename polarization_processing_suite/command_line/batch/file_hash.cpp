@@ -27,10 +27,12 @@ std::string hex_of(const XXH128_hash_t& hash) {
 }
 
 [[noreturn]] void refuse(const std::filesystem::path& file) {
-  const bool exists = std::filesystem::exists(file);
-  throw Fault(FaultKind::file, exists ? "this file cannot be read; its permissions, or its disk, "
-                                        "are in the way"
-                                      : "there is no such file");
+  const char* const fault = std::filesystem::is_directory(file)
+                                ? "this is a folder; name the frame files in it"
+                            : std::filesystem::exists(file)
+                                ? "this file cannot be read; its permissions, or its disk, are in the way"
+                                : "there is no such file";
+  throw Fault(FaultKind::file, fault);
 }
 
 std::ifstream open(const std::filesystem::path& file) {

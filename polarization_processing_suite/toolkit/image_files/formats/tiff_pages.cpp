@@ -64,12 +64,16 @@ bool TiffPages::lies_in_one_piece(const TiffPage& page) const {
   return true;
 }
 
+// libtiff takes a deflate stream that ends early for a whole one, and leaves the rest of the strip as it
+// was: such pixels are to be 0, and not what the memory held before.
+
 void TiffPages::read_strips(const TiffPage& page, std::uint8_t* to) {
   const std::size_t size = std::size_t{page.width} * page.height * page.pixel_bytes();
   const std::size_t strip_size = std::size_t{page.width} * page.part_height * page.pixel_bytes();
   std::uint32_t strip = 0;
   for (std::size_t done = 0; done < size; done += strip_size, ++strip) {
     const auto wanted = static_cast<tmsize_t>(std::min(strip_size, size - done));
+    std::memset(to + done, 0, static_cast<std::size_t>(wanted));
     if (TIFFReadEncodedStrip(stream_.get(), strip, to + done, wanted) != wanted) fail_as_damaged();
   }
 }
@@ -83,6 +87,7 @@ void TiffPages::read_tiles(const TiffPage& page, std::uint8_t* to) {
   for (std::size_t top = 0; top < page.height; top += page.part_height) {
     const std::size_t rows = std::min<std::size_t>(page.part_height, page.height - top);
     for (std::size_t left = 0; left < row_size; left += tile_row, ++tile) {
+      std::ranges::fill(tile_, 0);
       if (TIFFReadEncodedTile(stream_.get(), tile, tile_.data(), wanted) != wanted) {
         fail_as_damaged();
       }
