@@ -27,12 +27,13 @@ std::string hex_of(const XXH128_hash_t& hash) {
 }
 
 [[noreturn]] void refuse(const std::filesystem::path& file) {
-  const char* const fault = std::filesystem::is_directory(file)
-                                ? "this is a folder; name the frame files in it"
-                            : std::filesystem::exists(file)
-                                ? "this file cannot be read; its permissions, or its disk, are in the way"
-                                : "there is no such file";
-  throw Fault(FaultKind::file, fault);
+  if (std::filesystem::is_directory(file)) {
+    throw Fault(FaultKind::file, "this is a folder; name the frame files in it");
+  }
+  const bool exists = std::filesystem::exists(file);
+  throw Fault(FaultKind::file, exists ? "this file cannot be read; its permissions, or its disk, "
+                                        "are in the way"
+                                      : "there is no such file");
 }
 
 std::ifstream open(const std::filesystem::path& file) {
