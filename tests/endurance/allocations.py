@@ -18,8 +18,8 @@ COMMANDS = {
     "transform": ("night", "--quiet", "--format", "npy", "--resume", "-o", "out"),
     "calibrate": ("--manifest", "stack/stack.csv", "-o", "out/camera.json"),
     "measure": ("night", "-o", "out/table.csv"),
-    "view": ("night/frame_0001.tiff", "-o", "out/sheet.png"),
-    "info": ("night/frame_0001.tiff",),
+    "view": ("night/frame_0001.pgm", "-o", "out/sheet.png"),
+    "info": ("night/frame_0001.pgm",),
     "compare": ("night", "other"),
 }
 
@@ -87,10 +87,11 @@ def allocations_of(setting: Setting, words: tuple[str, ...]) -> int:
 
 
 def of_tool(setting: Setting) -> str:
-    size = ("--width", "8", "--height", "6", "--bit-depth", "12", "--sensor", "1")
+    # No TIFF: libtiff may crash when its small allocations fail.
+    size = ("--format", "pgm", "--width", "8", "--height", "6", "--bit-depth", "12", "--sensor", "1")
     setting.made("simulate", "--frames", "2", *size, "-o", "night")
     setting.made("simulate", "--frames", "2", *size, "-o", "other")
-    stack = ("--width", "16", "--height", "16", "--bit-depth", "12", "--sensor", "1")
+    stack = ("--format", "pgm", "--width", "16", "--height", "16", "--bit-depth", "12", "--sensor", "1")
     setting.made("simulate", "--calibration-stack", *stack, "-o", "stack")
     (setting.work / "out").mkdir(exist_ok=True)
     # What all commands have in common is tried with the first one alone.
@@ -113,7 +114,7 @@ def fail_each(setting: Setting, words: tuple[str, ...], first: int) -> str:
     empty()
     expected = forks.run(0)
     whole = files_in(out)
-    stride = 601 if setting.quick else 1
+    stride = 601 if setting.quick else 3
     outcomes: collections.Counter[str] = collections.Counter()
     wrong = []
     number = first

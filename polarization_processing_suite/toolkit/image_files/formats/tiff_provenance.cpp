@@ -9,7 +9,8 @@ namespace kv::polarization {
 std::optional<std::string> tiff_provenance(ByteSource& source) {
   const TiffStream stream(source);
   const char* text = nullptr;
-  if (stream.get() == nullptr || TIFFGetField(stream.get(), TIFFTAG_SOFTWARE, &text) != 1) {
+  if (stream.get() == nullptr || TIFFGetField(stream.get(), TIFFTAG_SOFTWARE, &text) != 1 ||
+      text == nullptr) {
     return std::nullopt;
   }
   return text;
