@@ -70,7 +70,7 @@ class Samples {
   /// Pages that the kernel hands out late make up to `slack_kib`; what malloc has handed out
   /// differs by what it rounds, and by names of files that the sampling reads.
   bool constant(std::size_t slack_kib) const {
-    constexpr std::size_t slack_bytes = 4096;
+    constexpr std::size_t slack_bytes = 1 << 16;
     return most_.resident_kib <= first_.resident_kib + slack_kib &&
            most_.allocated <= first_.allocated + slack_bytes &&
            most_.descriptors == first_.descriptors && most_.threads == first_.threads;
