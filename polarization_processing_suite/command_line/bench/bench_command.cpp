@@ -98,7 +98,7 @@ class Bench {
                           copy_.obstacle());
     }
     if (machine_.kernels == Kernels::avx512) {
-      left_out_.push_back(
+      left_out_.emplace_back(
           "AVX2 module: the library takes the module of the processor's own tier alone");
     }
   }

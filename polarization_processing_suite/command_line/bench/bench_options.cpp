@@ -20,6 +20,7 @@ constexpr const char* kUsualPlanes =
 
 std::vector<std::string> plane_names() {
   std::vector<std::string> names;
+  names.reserve(kPlanes.size());
   for (const PlaneTraits& traits : kPlanes) names.emplace_back(traits.name);
   return names;
 }

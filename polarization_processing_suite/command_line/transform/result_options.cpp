@@ -16,6 +16,7 @@ namespace {
 
 std::vector<std::string> plane_names() {
   std::vector<std::string> names;
+  names.reserve(kPlanes.size() + 1);
   for (const PlaneTraits& traits : kPlanes) names.emplace_back(traits.name);
   names.emplace_back("mean");
   return names;
@@ -42,6 +43,7 @@ void parse_planes(const std::string& list, Recipe& recipe) {
 
 std::vector<std::string> picture_names() {
   std::vector<std::string> names;
+  names.reserve(kPictureKinds.size());
   for (const PictureTraits& traits : kPictureKinds) names.emplace_back(traits.name);
   return names;
 }

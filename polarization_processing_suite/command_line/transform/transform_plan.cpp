@@ -84,7 +84,7 @@ TransformPlan::TransformPlan(const TransformOptions& options, InputList list)
   }
 }
 
-void TransformPlan::find_pages(PlannedInput& planned, const TransformOptions& options) const {
+void TransformPlan::find_pages(PlannedInput& planned, const TransformOptions& options) {
   if (const auto name = name_of_pipe(planned.input)) {
     const auto& raw_shape = options.recipe.raw_shape;
     try {

@@ -50,7 +50,7 @@ class TransformPlan {
 
  private:
   TransformPlan(const TransformOptions& options, InputList list);
-  void find_pages(PlannedInput& planned, const TransformOptions& options) const;
+  static void find_pages(PlannedInput& planned, const TransformOptions& options);
   template <class Visit>
   void for_each_name_of(std::size_t input, Visit visit) const;
   template <class Visit>

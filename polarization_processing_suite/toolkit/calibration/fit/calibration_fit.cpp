@@ -19,7 +19,7 @@ class CalibrationFit::Implementation {
       : settings_(settings), pool_(WorkerPool::threads_of(settings.threads)), intake_(settings) {
     check(settings);
   }
-  Implementation(std::shared_ptr<const PlannedStack> plan, int threads)
+  Implementation(const std::shared_ptr<const PlannedStack>& plan, int threads)
       : settings_(plan->settings), pool_(WorkerPool::threads_of(threads)), intake_(plan) {}
   /// Of the bytes of a part.
   Implementation(std::span<const std::byte> bytes, int threads)
