@@ -56,6 +56,13 @@ void Journal::read() {
     ends_within_line_ = stream.eof();
     if (auto entry = entry_of(line)) take(std::move(*entry));
   }
+  std::error_code unknown;
+  const bool opened = stream.is_open() || !std::filesystem::exists(folder_ / kJournalName, unknown);
+  if (!opened || stream.bad()) {
+    throw Fault(FaultKind::file, "the journal " + (folder_ / kJournalName).string() +
+                                     " cannot be read to its end; its permissions, its disk, or a "
+                                     "lack of memory, are in the way");
+  }
 }
 
 void Journal::take(JournalEntry entry) {
