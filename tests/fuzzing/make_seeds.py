@@ -21,11 +21,12 @@ import zlib
 
 import numpy as np
 
-SEEDS = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).with_name("seeds"))
+SEEDS = pathlib.Path(
+    sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).with_name("seeds")
+)
 
 # Of targets that read choices: the bytes behind them are random, but the same each time.
 RANDOM = np.random.default_rng(1)
-
 
 
 def seed(target, name, content):
@@ -74,10 +75,14 @@ def png_seeds():
     seed("png", "interlaced", png(8, 8, 8, 0, interlace=1))
     seed("png", "significant_bits", png(4, 4, 16, 0, extra=chunk(b"sBIT", b"\x0c")))
     texts = chunk(b"tEXt", b"Title\0A frame") + chunk(b"tEXt", b"Provenance\0{}")
-    texts += chunk(b"iTXt", b"Provenance\0\0\0\0\0{\"version\": 1}")
+    texts += chunk(b"iTXt", b'Provenance\0\0\0\0\0{"version": 1}')
     texts += chunk(b"zTXt", b"Comment\0\0" + zlib.compress(b"text"))
     seed("png", "texts", png(4, 4, 8, 0, extra=texts + chunk(b"gAMA", b"\0\0\xb1\x8f")))
-    seed("png", "far_too_large", png(2, 2, 16, 0).replace(struct.pack(">II", 2, 2), b"\x7f\xff\xff\xff" * 2))
+    seed(
+        "png",
+        "far_too_large",
+        png(2, 2, 16, 0).replace(struct.pack(">II", 2, 2), b"\x7f\xff\xff\xff" * 2),
+    )
     seed("png", "truncated", png(9, 9, 16, 0)[:-30])
 
 
@@ -155,7 +160,11 @@ def tiff_seeds():
     seed("tiff", "colours", tiff([page(4, 4, 8, channels=3, kind=2)]))
     seed("tiff", "white_is_zero", tiff([page(4, 4, 8, kind=0)]))
     seed("tiff", "turned", tiff([page(4, 6, 16, extra=[(274, 3, [6])])]))
-    seed("tiff", "text", tiff([page(4, 4, 16, extra=[(270, 2, b'{"version": 1}\0'), (269, 2, b"Title\0")])]))
+    seed(
+        "tiff",
+        "text",
+        tiff([page(4, 4, 16, extra=[(270, 2, b'{"version": 1}\0'), (269, 2, b"Title\0")])]),
+    )
     seed("tiff", "far_too_large", tiff([page(2, 2, 16, content=b"abcdefgh", extra=[])]).replace(
         struct.pack("<HHIH", 257, 3, 1, 2), struct.pack("<HHIH", 257, 3, 1, 65535)))  # fmt: skip
     seed("tiff", "tiles", tiff([([(256, 3, [16]), (257, 3, [16]), (258, 3, [8]), (259, 3, [1]),
@@ -181,7 +190,11 @@ def npy(array, version=(1, 0)):
 
 def npy_seeds():
     for dtype in ["|u1", "<u2", ">u2", "<f4", "<f8", "<i2", "|b1"]:
-        seed("npy", f"frame_{dtype[1:]}_{'big' if dtype[0] == '>' else 'little'}", npy(samples(4, 6, dtype)))
+        seed(
+            "npy",
+            f"frame_{dtype[1:]}_{'big' if dtype[0] == '>' else 'little'}",
+            npy(samples(4, 6, dtype)),
+        )
     seed("npy", "stack", npy(samples(12, 5, "<u2").reshape(3, 4, 5)))
     seed("npy", "pictures", npy(samples(6, 4, "|u1", 3)))
     seed("npy", "pictures_of_images", npy(samples(6, 4, "|u1", 3).reshape(2, 3, 4, 3)))
@@ -225,7 +238,10 @@ def calibration_maps(rows, columns):
 
 def calibration(rows=4, columns=6, *, change=None, indent=2):
     """The JSON, and the bytes of the maps in their order."""
-    maps = {name: npy(values.astype(values.dtype)) for name, values in calibration_maps(rows, columns).items()}
+    maps = {
+        name: npy(values.astype(values.dtype))
+        for name, values in calibration_maps(rows, columns).items()
+    }
     measured = {"value": 1.0, "error": 0.001}
     record = {
         "format": "calibration of a polarization sensor", "version": 1, "units": "",
@@ -255,7 +271,11 @@ def calibration(rows=4, columns=6, *, change=None, indent=2):
 
 def calibration_seed(name, text, maps, sums=0):
     content = struct.pack("<BH", sums, len(text)) + text
-    seed("calibration", name, content + b"".join(struct.pack("<H", len(part)) + part for part in maps))
+    seed(
+        "calibration",
+        name,
+        content + b"".join(struct.pack("<H", len(part)) + part for part in maps),
+    )
 
 
 def calibration_seeds():
@@ -285,22 +305,40 @@ def calibration_seeds():
 
 def manifest_seeds():
     """The first byte chooses a manifest, 0, or a list of regions, 1."""
-    seed("manifest", "manifest", b"\0file,kind,angle\na.tiff,polarized,0\nb.tiff,dark,\n# no\n\n\"c,d.tiff\", flat ,\n")
-    seed("manifest", "other_columns", b"\0kind,exposure,angle,file\r\npolarized,3,2.5e1,\"a\"\"b\"\r\n")
+    seed(
+        "manifest",
+        "manifest",
+        b'\0file,kind,angle\na.tiff,polarized,0\nb.tiff,dark,\n# no\n\n"c,d.tiff", flat ,\n',
+    )
+    seed("manifest", "other_columns", b'\0kind,exposure,angle,file\r\npolarized,3,2.5e1,"a""b"\r\n')
     seed("manifest", "bad_angle", b"\0file,kind,angle\na,polarized,nan\n")
-    seed("manifest", "open_quote", b"\0file,kind,angle\n\"a,polarized,0\n")
-    seed("manifest", "regions", b"\1name,column,row,width,height\nfilm,1,2,3,4\nsky,0,0,99999999999,1\n")
-    seed("manifest", "regions_without_names", b"\1column,row,width,height\n1,2,3,4\n\xff\xfe,0,0,0\n")
+    seed("manifest", "open_quote", b'\0file,kind,angle\n"a,polarized,0\n')
+    seed(
+        "manifest",
+        "regions",
+        b"\1name,column,row,width,height\nfilm,1,2,3,4\nsky,0,0,99999999999,1\n",
+    )
+    seed(
+        "manifest", "regions_without_names", b"\1column,row,width,height\n1,2,3,4\n\xff\xfe,0,0,0\n"
+    )
 
 
 def choice_seeds():
     for number in range(24):
-        seed("transform", f"sound_{number}", bytes([RANDOM.integers(1, 64), 2 * (number % 4)]) + RANDOM.bytes(90))
+        seed(
+            "transform",
+            f"sound_{number}",
+            bytes([RANDOM.integers(1, 64), 2 * (number % 4)]) + RANDOM.bytes(90),
+        )
         seed("transform", f"faulty_{number}", bytes([RANDOM.integers(0, 64), 1]) + RANDOM.bytes(60))
     for kind in range(14):
         sides = struct.pack("<HH", 90, 150) if kind != 13 else b"\x14\x11"
         seed("pictures", f"kind_{kind}", bytes([kind]) + sides + RANDOM.bytes(160))
-        seed("pictures", f"small_{kind}", bytes([kind]) + struct.pack("<HH", 3, 1) + RANDOM.bytes(120))
+        seed(
+            "pictures",
+            f"small_{kind}",
+            bytes([kind]) + struct.pack("<HH", 3, 1) + RANDOM.bytes(120),
+        )
 
 
 def words(text, content=b"", table=None):
@@ -310,7 +348,9 @@ def words(text, content=b"", table=None):
              "identify", "compare", "manual", "completion"]  # fmt: skip
     line = bytes([0, names.index(command), len(rest)])
     for word in rest:
-        line += bytes([table.index(word)]) if word in table else bytes([255, len(word)]) + word.encode()
+        line += (
+            bytes([table.index(word)]) if word in table else bytes([255, len(word)]) + word.encode()
+        )
     return line + content
 
 

@@ -49,8 +49,8 @@ class Liar:
 
 
 def odd_value(c):
-    return c.one_of([None, -1, 1 << 31, 1 << 70, -(1 << 70), float("nan"), float("inf"), "", "dolp", b"\xff",
-                     (), [], {}, [1, "a"], object(), Liar(), np.uint16(3), True, np.zeros(0), "\ud800", "a\0b"])  # fmt: skip
+    return c.one_of([None, -1, 1 << 31, 1 << 70, -(1 << 70), float("nan"), float("inf"), "", "dolp",
+                     b"\xff", (), [], {}, [1, "a"], object(), Liar(), np.uint16(3), True, np.zeros(0), "\ud800", "a\0b"])  # fmt: skip
 
 
 def array(c, dtypes=FRAME_DTYPES):
@@ -90,7 +90,10 @@ def number(c, usual):
 def names(c, table):
     if c.once_in(16):
         return odd_value(c)
-    return [c.one_of([*table, "nothing"]) if c.once_in(16) else c.one_of(table) for _ in range(c.below(4) + 1)]
+    return [
+        c.one_of([*table, "nothing"]) if c.once_in(16) else c.one_of(table)
+        for _ in range(c.below(4) + 1)
+    ]
 
 
 def out(c):
@@ -143,7 +146,9 @@ def processor(c):
 def transform(c):
     made = processor(c)
     given = frames(c)
-    results = made.transform(given, names(c, kv.PLANES), out(c), threads(c), output_max=number(c, [65535, 255, 1]))
+    results = made.transform(
+        given, names(c, kv.PLANES), out(c), threads(c), output_max=number(c, [65535, 255, 1])
+    )
     for name, plane in results.asdict().items():
         assert plane.shape[: given.ndim] == given.shape, name
 
@@ -158,11 +163,17 @@ def region(c):
 
 def measures(c):
     made = processor(c)
-    getattr(made, c.one_of(["stokes", "dolp", "angle", "sigma", "flags"]))(frames(c), threads=threads(c))
+    getattr(made, c.one_of(["stokes", "dolp", "angle", "sigma", "flags"]))(
+        frames(c), threads=threads(c)
+    )
 
 
 def picture(c):
-    limits = {"dolp_white": numbers(None, 0.5), "ratio_limit": numbers(None, 1.0), "legend": numbers(False, True)}
+    limits = {
+        "dolp_white": numbers(None, 0.5),
+        "ratio_limit": numbers(None, 1.0),
+        "legend": numbers(False, True),
+    }
     kind = number(c, _core.PICTURE_KINDS)
     kv.pictures.picture(kind, frames(c), processor(c), **optional(c, limits))
 
@@ -181,7 +192,10 @@ def apply(c):
 
 
 def fit(c):
-    stack = [np.full((4, 4), 256 + c.byte(), "u2") if c.once_in(2) else frames(c) for _ in range(c.below(6))]
+    stack = [
+        np.full((4, 4), 256 + c.byte(), "u2") if c.once_in(2) else frames(c)
+        for _ in range(c.below(6))
+    ]
     angles = number(c, [[0, 45, 90, 135, 20, 70][: len(stack)], [0.0]])
     kv.Calibration.fit(stack, angles, **optional(c, {**KNOWN, "noise": noise, "threads": threads}))
 
@@ -189,7 +203,9 @@ def fit(c):
 def identify(c):
     options = {"angle_of_first": numbers(None, 10.0), "may_be_mirrored": numbers(True, False),
                "angle_error": numbers(3, 0), "region": REGION["region"], "bit_depth": KNOWN["bit_depth"]}  # fmt: skip
-    kv.identify_mosaic(frames(c), frames(c), turn=number(c, [20.0, 0.0, 360.0]), **optional(c, options))
+    kv.identify_mosaic(
+        frames(c), frames(c), turn=number(c, [20.0, 0.0, 360.0]), **optional(c, options)
+    )
 
 
 def state(c):
@@ -204,7 +220,9 @@ def state(c):
 
 
 def files(c):
-    path = os.path.join(FOLDER, "a" + c.one_of([".png", ".tiff", ".npy", ".pgm", ".raw", ".none", ""]))
+    path = os.path.join(
+        FOLDER, "a" + c.one_of([".png", ".tiff", ".npy", ".pgm", ".raw", ".none", ""])
+    )
     texts = {"title": numbers("", "text"), "provenance": numbers("", "{}"), "bit_depth": KNOWN["bit_depth"],
              "compression": numbers(None, "none", "fast", "small")}  # fmt: skip
     kv.write(path, frames(c), **optional(c, texts))
@@ -241,7 +259,9 @@ def calibration():
     stack = [np.uint16(np.rint(400 + 1200 * wobble * (1 + 0.98 * np.cos(np.radians(2 * (angle - nominal)))) / 2))
              for angle in angles]  # fmt: skip
     darks = [np.full((8, 8), 400, "u2"), np.full((8, 8), 402, "u2")]
-    return kv.Calibration.fit(stack, angles, darks=darks, bit_depth=12, noise=kv.SensorNoise(0.4, 2.5), threads=1)
+    return kv.Calibration.fit(
+        stack, angles, darks=darks, bit_depth=12, noise=kv.SensorNoise(0.4, 2.5), threads=1
+    )
 
 
 CALIBRATION = calibration()

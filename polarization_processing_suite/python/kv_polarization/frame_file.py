@@ -49,8 +49,8 @@ def open_frames(path: Path, *, raw: Optional[RawShape] = None) -> FrameFile:
     """The raw frames of a grey file, one at a time; with `raw`, of a headerless one.
 
     Errors: FileNotFoundError, PermissionError and IsADirectoryError; OSError for files that are
-    damaged, truncated or no frames; ValueError for a `raw` that no frame has, TypeError for one that is no
-    RawShape; RuntimeError for a pipe, whose frames cannot be chosen.
+    damaged, truncated or no frames; ValueError for a `raw` that no frame has, TypeError for one
+    that is no RawShape; RuntimeError for a pipe, whose frames cannot be chosen.
     """
     return FrameFile(path, raw)
 

@@ -64,8 +64,8 @@ bool TiffPages::lies_in_one_piece(const TiffPage& page) const {
   return true;
 }
 
-// libtiff takes a deflate stream that ends early for a whole one, and leaves the rest of the strip as it
-// was: such pixels are to be 0, and not what the memory held before.
+// libtiff takes a deflate stream that ends early for a whole one, and leaves the rest of the strip
+// as it was: such pixels are to be 0, and not what the memory held before.
 
 void TiffPages::read_strips(const TiffPage& page, std::uint8_t* to) {
   const std::size_t size = std::size_t{page.width} * page.height * page.pixel_bytes();
