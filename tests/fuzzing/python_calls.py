@@ -49,8 +49,9 @@ class Liar:
 
 
 def odd_value(c):
-    return c.one_of([None, -1, 1 << 31, 1 << 70, -(1 << 70), float("nan"), float("inf"), "", "dolp",
-                     b"\xff", (), [], {}, [1, "a"], object(), Liar(), np.uint16(3), True, np.zeros(0), "\ud800", "a\0b"])  # fmt: skip
+    numbers = [-1, 1 << 31, 1 << 70, -(1 << 70), float("nan"), float("inf"), np.uint16(3), True]
+    texts = ["", "dolp", b"\xff", "\ud800", "a\0b"]
+    return c.one_of([None, *numbers, *texts, (), [], {}, [1, "a"], object(), Liar(), np.zeros(0)])
 
 
 def array(c, dtypes=FRAME_DTYPES):
