@@ -78,6 +78,7 @@ bool CsvReader::next_line(std::string& line) {
     if (number_ == 1 && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);  // of spreadsheets
     if (!line.empty() && line[0] != '#') return true;
   }
+  if (stream_.bad()) refuse("cannot be read on; its disk, or a lack of memory, is in the way");
   return false;
 }
 

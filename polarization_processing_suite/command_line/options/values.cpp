@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <new>
 #include <sstream>
 
 namespace kv::polarization {
@@ -52,6 +53,7 @@ std::vector<std::string> split_list(const std::string& list) {
   std::vector<std::string> items;
   std::istringstream stream(list);
   for (std::string item; std::getline(stream, item, ',');) items.push_back(item);
+  if (stream.bad()) throw std::bad_alloc();  // which getline keeps to itself
   return items;
 }
 
