@@ -5,7 +5,7 @@
 // for: the process stops before main() and forks for each line of its standard input, N, a child
 // whose allocation N fails. The answer is a line `STATUS FAILED`: as waitpid tells it, and 1 if the
 // child came as far as that allocation. A child has the files `out` and `error` of the folder that
-// KV_FORK_STREAMS names as its streams, and a minute to end.
+// KV_FORK_STREAMS names as its streams, and ten seconds to end.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -29,7 +29,7 @@ void become_child(const std::string& streams, long number) {
   lead_into(STDIN_FILENO, "/dev/null", O_RDONLY);
   lead_into(STDOUT_FILENO, (streams + "/out").c_str(), O_WRONLY | O_CREAT | O_TRUNC);
   lead_into(STDERR_FILENO, (streams + "/error").c_str(), O_WRONLY | O_CREAT | O_TRUNC);
-  alarm(60);
+  alarm(10);
   kv_fail_allocation(number);
 }
 

@@ -88,13 +88,24 @@ def expect_whole(folder: pathlib.Path, whole: Files, what: str, partials: bool =
             expect(whole.get(name) == content, f"{what}: {name} is not as it should be")
 
 
-def expect_same(folder: pathlib.Path, whole: Files, what: str) -> None:
-    """The files of an undisturbed run and nothing else; lines of journals in any order."""
-    files = files_in(folder)
-    differing = sorted(
+def differing(files: Files, whole: Files) -> list[str]:
+    """Names of files that differ or are lacking; lines of journals may come in any order."""
+    return sorted(
         name
         for name in files.keys() | whole.keys()
-        if sorted(files.get(name, b"").splitlines()) != sorted(whole.get(name, b"").splitlines())
-        or (not name.endswith(JOURNAL) and files.get(name) != whole.get(name))
+        if files.get(name) != whole.get(name)
+        and not (
+            name.endswith(JOURNAL)
+            and sorted(files.get(name, b"").splitlines()) == sorted(whole.get(name, b"").splitlines())
+        )
     )
-    expect(not differing, f"{what}: these differ from an undisturbed run: {differing[:3]}")
+
+
+def same_files(files: Files, whole: Files) -> bool:
+    return not differing(files, whole)
+
+
+def expect_same(folder: pathlib.Path, whole: Files, what: str) -> None:
+    """The files of an undisturbed run and nothing else."""
+    names = differing(files_in(folder), whole)
+    expect(not names, f"{what}: these differ from an undisturbed run: {names[:3]}")

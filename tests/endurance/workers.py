@@ -55,7 +55,11 @@ def main(kills: int) -> None:
             futures = client.compute([planes[name] for name in names])
             while not all(future.done() for future in futures) and killed < kills:
                 time.sleep(random_place.uniform(0, 0.5))
-                alive = [nanny.pid for nanny in cluster.workers.values() if nanny.pid]
+                # One that dies before the scheduler knows it is taken for one that cannot start, and
+                # is not started again.
+                known = set(cluster.scheduler.workers)
+                alive = [nanny.pid for nanny in cluster.workers.values()
+                         if nanny.pid and nanny.worker_address in known]  # fmt: skip
                 if not alive:
                     continue
                 try:
