@@ -8,8 +8,7 @@ add_library(kv_build_facts INTERFACE)
 
 # Notes a library that the build takes in; an unknown version may be empty.
 function(note_library name version)
-  string(STRIP "${name} ${version}" entry)
-  set_property(TARGET kv_build_facts APPEND PROPERTY KV_LIBRARIES "${entry}")
+  set_property(TARGET kv_build_facts APPEND PROPERTY KV_LIBRARIES "${name}=${version}")
 endfunction()
 
 # The numbers of macros in a header, with points between them.

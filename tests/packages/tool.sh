@@ -7,7 +7,7 @@ source /test/tests/expect_same.sh
 mkdir -p /test/tour
 cd /test/tour
 
-sed -n '/<!-- tour/,/^[^ <]/s/^    \(kv-polarize .*\)/\1/p' /test/README.md >tour.sh
+sed -n '/^## From the shell/,/^`transform`/s/^    \(kv-polarize .*\)/\1/p' /test/README.md >tour.sh
 bash -e tour.sh >tour.log || { cat tour.log; exit 1; }
 for result in planes/frame_0020_dolp.png planes/frame_0001_angle_picture.png camera.html sheet.png; do
   expect_same "$result" there "$([[ -s $result ]] && echo there)"

@@ -10,12 +10,12 @@
 namespace kv::polarization {
 namespace {
 
-/// Of "name 1.2,other 3.4", each part cut at its last separator; what has none is a name alone.
-NamedTexts named_texts(std::string_view list, char separator) {
+/// Of "name=1.2,other=3.4"; what has no sign of equality is a name alone.
+NamedTexts named_texts(std::string_view list) {
   NamedTexts texts;
   while (!list.empty()) {
     const std::string_view entry = list.substr(0, list.find(','));
-    const std::size_t cut = std::min(entry.rfind(separator), entry.size());
+    const std::size_t cut = std::min(entry.rfind('='), entry.size());
     texts.emplace_back(entry.substr(0, cut), entry.substr(std::min(cut + 1, entry.size())));
     list.remove_prefix(std::min(entry.size() + 1, list.size()));
   }
@@ -31,8 +31,8 @@ const Build& this_build() {
       .flags = KV_BUILD_FLAGS,
       .instruction_sets = {traits_of(Kernels::sse2).name, traits_of(Kernels::sse41).name,
                            traits_of(Kernels::avx2).name, traits_of(Kernels::avx512).name},
-      .options = named_texts(KV_OPTIONS, '='),
-      .libraries = named_texts(KV_LIBRARIES, ' ')};
+      .options = named_texts(KV_OPTIONS),
+      .libraries = named_texts(KV_LIBRARIES)};
   return build;
 }
 
