@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "kv/polarization/fault.h"
+#include "toolkit/api/shown_text.h"
 
 namespace kv::polarization {
 namespace {
@@ -67,7 +68,7 @@ std::string CsvReader::field(const std::string& column) const {
 
 void CsvReader::refuse(const std::string& why) const {
   const std::string place = number_ == 0 ? "" : ", line " + std::to_string(number_);
-  throw Fault(FaultKind::file, form_.title + " " + file_.string() + place + ": " + why);
+  throw Fault(FaultKind::file, form_.title + " " + file_.string() + place + ": " + shown(why, 400));
 }
 
 /// The next line that is not left out.
