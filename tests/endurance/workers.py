@@ -26,9 +26,7 @@ def run(setting: Setting) -> str:
 
 
 def main(kills: int) -> None:
-    import os
     import random
-    import signal
     import time
 
     import dask
@@ -47,29 +45,37 @@ def main(kills: int) -> None:
     expected = processor.transform(frames, names)
     random_place = random.Random(1)
     killed = computed = 0
-    with LocalCluster(n_workers=4, threads_per_worker=1, processes=True, dashboard_address=None,
-                      silence_logs=50) as cluster, Client(cluster) as client:  # fmt: skip
-        while killed < kills:
-            array = da.from_array(frames, chunks=(4, -1, -1), name=f"frames-{computed}")
-            planes = transform(array, processor, names)
-            futures = client.compute([planes[name] for name in names])
-            while not all(future.done() for future in futures) and killed < kills:
-                time.sleep(random_place.uniform(0, 0.5))
-                # One that dies before the scheduler knows it is taken for one that cannot start, and
-                # is not started again.
-                known = set(cluster.scheduler.workers)
-                alive = [nanny.pid for nanny in cluster.workers.values()
-                         if nanny.pid and nanny.worker_address in known]  # fmt: skip
-                if not alive:
-                    continue
-                try:
-                    os.kill(random_place.choice(alive), signal.SIGKILL)
+    with LocalCluster(n_workers=0, dashboard_address=None, silence_logs=50) as cluster, Client(
+        cluster
+    ) as client:
+        command = [sys.executable, "-m", "distributed.cli.dask_worker", cluster.scheduler_address,
+                   "--no-nanny", "--nthreads", "1", "--no-dashboard"]  # fmt: skip
+
+        def start() -> subprocess.Popen[bytes]:
+            return subprocess.Popen(command, stderr=subprocess.DEVNULL)
+
+        workers = [start() for _ in range(4)]
+        try:
+            while killed < kills:
+                array = da.from_array(frames, chunks=(4, -1, -1), name=f"frames-{computed}")
+                planes = transform(array, processor, names)
+                futures = client.compute([planes[name] for name in names])
+                while killed < kills and not all(future.done() for future in futures):
+                    time.sleep(random_place.uniform(0, 0.3))
+                    if len(cluster.scheduler.workers) < 2:
+                        continue  # so that work goes on
+                    place = random_place.randrange(len(workers))
+                    workers[place].kill()
+                    workers[place].wait()
+                    workers[place] = start()
                     killed += 1
-                except ProcessLookupError:
-                    pass
-            for name, future in zip(names, futures):
-                assert future.result(timeout=300).tobytes() == expected[name].tobytes(), name
-            computed += 1
+                for name, future in zip(names, futures):
+                    assert future.result(timeout=300).tobytes() == expected[name].tobytes(), name
+                computed += 1
+        finally:
+            for worker in workers:
+                worker.kill()
+                worker.wait()
     print(f"{killed} kills of 4 workers in {computed} computations of {len(frames)} frames, "
           "each with the bytes of Processor.transform")  # fmt: skip
 
