@@ -11,6 +11,7 @@ Exit status: 0 all went well, 1 some case failed, 77 all were skipped.
 import argparse
 import pathlib
 import shutil
+import subprocess
 import sys
 import tempfile
 import time
@@ -71,7 +72,7 @@ def run_case(name: str, build: pathlib.Path, place: str | None, quick: bool) -> 
         figures, result = CASES[name][0](Setting(build, work, quick)), "ok"
     except Skipped as reason:
         figures, result = str(reason), "skipped"
-    except Failed as failure:
+    except (Failed, subprocess.TimeoutExpired) as failure:
         figures, result = str(failure), "FAILED"
     finally:
         shutil.rmtree(work, ignore_errors=True)
