@@ -37,6 +37,10 @@ void make_standard_input_binary();
 
 bool output_stream_is_terminal();
 
+/// Whether standard output is a pipe that nobody reads any more, as behind `| head`. Not told on
+/// Windows.
+bool output_reader_has_gone();
+
 /// Processor time of this process so far, of all its threads, user and system, in seconds.
 double processor_seconds();
 

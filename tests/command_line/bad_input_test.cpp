@@ -138,8 +138,6 @@ TEST(BadInput, NoResultReplacesAnotherOneOrAnInput) {
 }
 
 #if !defined(_WIN32)
-// A limit on the size of files stands for a full disk: writes fail midway in the same manner.
-#if !defined(_WIN32)
 TEST(BadInput, OutputThatGoesNowhereIsToldOf) {
   const Tool tool;
   tool.write("frame.pgm", kFrame);
@@ -149,9 +147,12 @@ TEST(BadInput, OutputThatGoesNowhereIsToldOf) {
     EXPECT_EQ(result.status, 1) << arguments;
     EXPECT_PRED2(contains, result.error, "standard output did not take") << arguments;
   }
+  const ToolResult unread =
+      tool.run("manual", "{ sleep 0.1; ", "; test $? = 0 || echo no >&2; } | true");
+  EXPECT_EQ(unread.error, "");
 }
-#endif
 
+// A limit on the size of files stands for a full disk: writes fail midway in the same manner.
 TEST(BadInput, FilesThatCannotBeWrittenToTheirEndVanish) {
   const Tool tool;
   // Polarized at 0 degrees throughout, to very different degrees: in PNG a small plane of azimuth,

@@ -4,6 +4,7 @@
 #include "platform/process.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <time.h>
 #include <unistd.h>
@@ -36,6 +37,11 @@ void fill_standard_streams() {
 void make_standard_input_binary() {}
 
 bool output_stream_is_terminal() { return isatty(STDOUT_FILENO) != 0; }
+
+bool output_reader_has_gone() {
+  pollfd output{.fd = STDOUT_FILENO, .events = 0, .revents = 0};
+  return poll(&output, 1, 0) == 1 && (output.revents & POLLERR) != 0;
+}
 
 int process_number() { return getpid(); }
 

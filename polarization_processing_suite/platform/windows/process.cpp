@@ -35,6 +35,8 @@ void make_standard_input_binary() { _setmode(_fileno(stdin), _O_BINARY); }
 
 bool output_stream_is_terminal() { return _isatty(_fileno(stdout)) != 0; }
 
+bool output_reader_has_gone() { return false; }
+
 int process_number() { return static_cast<int>(GetCurrentProcessId()); }
 
 double processor_seconds() {
