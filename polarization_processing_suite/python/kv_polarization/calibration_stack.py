@@ -99,7 +99,14 @@ class Stack:
 
 def angles_of(angles: npt.ArrayLike) -> Sequence[float]:
     """Throws ValueError for what is no list of degrees."""
-    values = np.atleast_1d(np.asarray(angles, np.float64))
-    if values.ndim != 1:
-        raise ValueError(f"angles must be a list of degrees, not of the shape {values.shape}")
-    return [float(value) for value in values]
+    # Number by number: numpy would believe an object that claims to lie in memory.
+    values: Any = angles
+    shape = getattr(values, "shape", None)
+    if isinstance(values, np.ndarray) and values.ndim > 1:
+        raise ValueError(f"angles must be a list of degrees, not of the shape {shape}")
+    try:
+        if shape == () or isinstance(values, (int, float)):
+            return [float(values)]
+        return [float(value) for value in values]
+    except (TypeError, ValueError, OverflowError) as error:
+        raise ValueError(f"angles must be a list of degrees: {error}") from None
