@@ -13,9 +13,9 @@
 TEST(CopyPastCaches, TakesAnyPlaceAndLeavesTheBytesAround) {
   std::vector<std::uint8_t> source(2048);
   std::iota(source.begin(), source.end(), std::uint8_t{0});
-  for (const std::size_t size : {0, 1, 63, 64, 65, 128, 1000}) {
+  for (const std::size_t size : {0u, 1u, 63u, 64u, 65u, 128u, 1000u}) {
     for (std::size_t to = 0; to < 70; to += 3) {
-      for (const std::size_t from : {0, 1, 8, 33}) {
+      for (const std::size_t from : {0u, 1u, 8u, 33u}) {
         std::vector<std::uint8_t> target(2048, 0xA5);
         std::vector<std::uint8_t> expected = target;
         std::copy_n(source.begin() + static_cast<std::ptrdiff_t>(from), size,
