@@ -3,33 +3,28 @@
 
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <memory>
-#include <utility>
 #include <vector>
 
 #include "command_line/options/help_text.h"
 #include "command_line/options/option_list.h"
-#include "command_line/options/text_layout.h"
+
+namespace CLI {
+class App;
+}
 
 namespace kv::polarization {
 
 /// A command of the tool: its page, its options, and what it does.
 class Command {
  public:
-  Command(CLI::App& app, CommandPage page)
-      : page_(std::move(page)),
-        command_(*app.add_subcommand(page_.name, page_.summary)),
-        options_(command_) {
-    command_.formatter_fn([this](const CLI::App*, const std::string&, CLI::AppFormatMode) {
-      return help_text(page_, options_.records(), text_width());
-    });
-  }
+  Command(CLI::App& app, CommandPage page);
   virtual ~Command() = default;
   Command(const Command&) = delete;
   Command& operator=(const Command&) = delete;
 
-  bool chosen() const { return command_.parsed(); }
+  /// Whether the command line names it.
+  bool chosen() const;
   const CommandPage& page() const { return page_; }
   const OptionList& options() const { return options_; }
 

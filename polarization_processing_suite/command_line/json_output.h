@@ -4,29 +4,22 @@
 #pragma once
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 namespace kv::polarization {
 
-/// Members in the order in which they were set.
+/// Members in the order in which they were set. Those who make or read some include
+/// nlohmann/json.hpp.
 using Json = nlohmann::ordered_json;
 
 /// Null for an empty path.
-inline Json json_of(const std::filesystem::path& path) {
-  if (path.empty()) return nullptr;
-  const std::u8string text = path.u8string();
-  return std::string(text.begin(), text.end());
-}
+Json json_of(const std::filesystem::path& path);
 
 /// In one line, without its end.
-inline std::string line_of(const Json& json) {
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
+std::string line_of(const Json& json);
 
 /// For a file or a stream. Bytes of file names that are no UTF-8 become replacement characters.
-inline std::string text_of(const Json& json) {
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-}
+std::string text_of(const Json& json);
 
 }  // namespace kv::polarization

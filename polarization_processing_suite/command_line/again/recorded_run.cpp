@@ -49,11 +49,11 @@ RecordedRun::RecordedRun(const std::filesystem::path& result) {
   const auto text = provenance_of(result);
   if (!text) throw Fault(FaultKind::unsupported, kUnknown);
   try {
-    record_ = nlohmann::json::parse(*text);
+    record_ = Json::parse(*text);
     record_.at("software").get<std::string>();
     record_.at("input").at("file").get<std::string>();
     command_ = record_.at("command").get<std::vector<std::string>>();
-  } catch (const nlohmann::json::exception&) {
+  } catch (const Json::exception&) {
     throw Fault(FaultKind::unsupported, kUnknown);
   }
   if (!is_harmless(command_)) throw Fault(FaultKind::unsupported, kUnknown);
@@ -66,7 +66,7 @@ void RecordedRun::check_input() const {
 
 void RecordedRun::check_file(const char* key, const char* what) const {
   if (!record_.contains(key)) return;
-  const nlohmann::json& recorded = record_[key];
+  const Json& recorded = record_[key];
   const std::string name = recorded.value("file", "");
   if (!recorded.contains("xxh3")) {
     throw Fault(FaultKind::unsupported,

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "command_line/json_output.h"
+
 namespace kv::polarization {
 
 /// What a result tells of how it was made.
@@ -28,7 +30,7 @@ class RecordedRun {
  private:
   void check_file(const char* key, const char* what) const;
 
-  nlohmann::json record_;
+  Json record_;
   std::vector<std::string> command_;
 };
 

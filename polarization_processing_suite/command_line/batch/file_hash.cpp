@@ -26,7 +26,7 @@ std::string hex_of(const XXH128_hash_t& hash) {
   return text;
 }
 
-[[noreturn]] void refuse(const std::filesystem::path& file) {
+[[noreturn]] void refuse_unreadable(const std::filesystem::path& file) {
   if (std::filesystem::is_directory(file)) {
     throw Fault(FaultKind::file, "this is a folder; name the frame files in it");
   }
@@ -38,7 +38,7 @@ std::string hex_of(const XXH128_hash_t& hash) {
 
 std::ifstream open(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  if (!stream || std::filesystem::is_directory(file)) refuse(file);
+  if (!stream || std::filesystem::is_directory(file)) refuse_unreadable(file);
   return stream;
 }
 
@@ -65,7 +65,7 @@ ContentIdentity identity_of(const std::filesystem::path& file) {
     XXH3_128bits_update(&state, piece.data(), count);
     size += count;
   } while (stream);
-  if (!stream.eof()) refuse(file);
+  if (!stream.eof()) refuse_unreadable(file);
   return {size, hex_of(XXH3_128bits_digest(&state))};
 }
 
@@ -74,7 +74,7 @@ void read_file(const std::filesystem::path& file, Buffer<std::uint8_t>& content)
   const std::uintmax_t size = std::filesystem::file_size(file);
   content.resize(static_cast<std::size_t>(size));
   stream.read(reinterpret_cast<char*>(content.data()), static_cast<std::streamsize>(size));
-  if (static_cast<std::uintmax_t>(stream.gcount()) != size) refuse(file);
+  if (static_cast<std::uintmax_t>(stream.gcount()) != size) refuse_unreadable(file);
 }
 
 }  // namespace kv::polarization

@@ -4,6 +4,7 @@
 #include "command_line/batch/provenance_record.h"
 
 #include <array>
+#include <nlohmann/json.hpp>
 
 #include "command_line/messages.h"
 #include "platform/cpu_features.h"

@@ -4,6 +4,7 @@
 #include "command_line/batch/run_reports.h"
 
 #include <iostream>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "command_line/batch/provenance_record.h"

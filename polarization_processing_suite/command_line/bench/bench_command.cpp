@@ -4,14 +4,15 @@
 #include "command_line/bench/bench_command.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iostream>
+#include <nlohmann/json.hpp>
 
 #include "command_line/bench/frame_ring.h"
 #include "command_line/bench/library_copy.h"
 #include "command_line/exit_status.h"
 #include "command_line/machine/machine_json.h"
 #include "command_line/messages.h"
+#include "command_line/number_text.h"
 #include "command_line/stopwatch.h"
 #include "kv/image_files/frame_reader.h"
 #include "kv/polarization/fault.h"
@@ -133,13 +134,6 @@ class Bench {
   std::vector<Cell> cells_;
   std::vector<std::string> left_out_;
 };
-
-template <class... Values>
-std::string formatted(const char* form, Values... values) {
-  char text[200];
-  std::snprintf(text, sizeof text, form, values...);
-  return text;
-}
 
 std::string Bench::table() const {
   std::string text = formatted("%s, %u cores; frames of %d x %d pixels with %d bits\n\n",

@@ -4,9 +4,10 @@
 #include "command_line/info/file_print.h"
 
 #include <cmath>
-#include <cstdio>
+#include <nlohmann/json.hpp>
 
 #include "command_line/messages.h"
+#include "command_line/number_text.h"
 #include "kv/image_files/image_format.h"
 
 namespace kv::polarization {
@@ -17,13 +18,6 @@ constexpr std::array kPlaceNames{"top left", "top right", "bottom left", "bottom
 /// A line with what it tells of in a column of its own.
 std::string line(const std::string& name, const std::string& text) {
   return "  " + name + std::string(name.size() < 14 ? 14 - name.size() : 1, ' ') + text + "\n";
-}
-
-template <class... Numbers>
-std::string formatted(const char* form, Numbers... numbers) {
-  char text[160];
-  std::snprintf(text, sizeof text, form, numbers...);
-  return text;
 }
 
 std::string counted(std::size_t count, const std::string& thing) {

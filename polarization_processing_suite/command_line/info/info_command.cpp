@@ -5,6 +5,7 @@
 
 #include <iostream>
 #include <new>
+#include <nlohmann/json.hpp>
 
 #include "command_line/exit_status.h"
 #include "command_line/info/file_print.h"

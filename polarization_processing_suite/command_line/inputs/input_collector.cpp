@@ -12,7 +12,7 @@ namespace {
 
 /// As patterns are held against it: / between names, and no ./ before them.
 std::string plain_text(const std::filesystem::path& path) {
-  return text_of(path.lexically_normal().generic_u8string());
+  return text_of(std::filesystem::path(path.lexically_normal().generic_u8string()));
 }
 
 }  // namespace

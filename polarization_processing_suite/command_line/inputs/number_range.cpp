@@ -14,18 +14,18 @@ namespace {
 
 constexpr std::size_t kMostNames = 10'000'000;
 
-[[noreturn]] void refuse(const std::string& range, const std::string& why) {
+[[noreturn]] void refuse_range(const std::string& range, const std::string& why) {
   throw Fault(FaultKind::argument, "the range " + range + " " + why);
 }
 
 std::int64_t number_of(const std::string& digits, const std::string& range) {
   std::int64_t number = 0;
   const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  if (result.ec != std::errc()) refuse(range, "has a number that is too large");
+  if (result.ec != std::errc()) refuse_range(range, "has a number that is too large");
   return number;
 }
 
-std::size_t width_of(const std::string& first, const std::string& last) {
+std::size_t padded_width(const std::string& first, const std::string& last) {
   const auto leads_with_zero = [](const std::string& digits) {
     return digits.size() > 1 && digits[0] == '0';
   };
@@ -45,16 +45,16 @@ std::optional<RangedName> RangedName::in(const std::string& text) {
     const std::int64_t first = number_of(found.str(1), range);
     const std::int64_t last = number_of(found.str(2), range);
     const std::int64_t step = found[3].matched ? number_of(found.str(3), range) : 1;
-    if (step == 0) refuse(range, "has a step of 0; it must be 1 or more");
+    if (step == 0) refuse_range(range, "has a step of 0; it must be 1 or more");
     const auto steps =
         static_cast<std::size_t>((std::max(first, last) - std::min(first, last)) / step);
     if (steps >= kMostNames / name.count_) {
-      refuse(range, "stands for too many names; at most " + std::to_string(kMostNames) +
-                        " are taken in one word");
+      refuse_range(range, "stands for too many names; at most " + std::to_string(kMostNames) +
+                              " are taken in one word");
     }
     name.count_ *= steps + 1;
     name.parts_.push_back({found.prefix(), first, last < first ? -step : step, steps + 1,
-                           width_of(found.str(1), found.str(2))});
+                           padded_width(found.str(1), found.str(2))});
     name.end_ = found.suffix();
   }
   if (name.parts_.empty()) return std::nullopt;

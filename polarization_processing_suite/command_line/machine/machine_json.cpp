@@ -3,6 +3,8 @@
 
 #include "command_line/machine/machine_json.h"
 
+#include <nlohmann/json.hpp>
+
 namespace kv::polarization {
 namespace {
 

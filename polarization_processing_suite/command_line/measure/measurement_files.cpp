@@ -5,23 +5,18 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
+#include <nlohmann/json.hpp>
 
 #include "command_line/json_output.h"
 #include "command_line/measure/measurement_columns.h"
 #include "command_line/measure/measurement_table.h"
+#include "command_line/number_text.h"
 
 namespace kv::polarization {
 namespace {
 
-constexpr std::array<std::string_view, 3> kForms = {"table", "csv", "json"};
-
-std::string shortest_text(double number) {
-  std::array<char, 32> text{};
-  const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
-  return {text.data(), end};
-}
+constexpr std::array<std::string_view, 3> kFormNames = {"table", "csv", "json"};
 
 std::string quoted(const std::string& text) {
   if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
@@ -72,12 +67,12 @@ std::string json_of(const std::vector<Measurement>& measurements) {
 
 }  // namespace
 
-std::vector<std::string> measurement_forms() { return {kForms.begin(), kForms.end()}; }
+std::vector<std::string> measurement_forms() { return {kFormNames.begin(), kFormNames.end()}; }
 
 std::optional<MeasurementForm> measurement_form_named(std::string_view name) {
-  const auto found = std::ranges::find(kForms, name);
-  if (found == kForms.end()) return std::nullopt;
-  return static_cast<MeasurementForm>(found - kForms.begin());
+  const auto found = std::ranges::find(kFormNames, name);
+  if (found == kFormNames.end()) return std::nullopt;
+  return static_cast<MeasurementForm>(found - kFormNames.begin());
 }
 
 std::string text_of(const std::vector<Measurement>& measurements, MeasurementForm form) {

@@ -3,6 +3,7 @@
 
 #include "command_line/options/option_list.h"
 
+#include <CLI/CLI.hpp>
 #include <utility>
 
 #include "command_line/options/values.h"

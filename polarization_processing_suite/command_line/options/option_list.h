@@ -3,12 +3,15 @@
 
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "command_line/options/option_record.h"
+
+namespace CLI {
+class App;
+}
 
 namespace kv::polarization {
 

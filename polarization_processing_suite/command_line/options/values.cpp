@@ -18,7 +18,7 @@ std::string short_text(double number) {
   return text.str();
 }
 
-[[noreturn]] void refuse(const std::string& text, const std::string& wanted) {
+[[noreturn]] void refuse_value(const std::string& text, const std::string& wanted) {
   throw BadValue("'" + text + "' is not " + wanted);
 }
 
@@ -30,7 +30,7 @@ double number_of(const std::string& text, double least, double most) {
   const auto [rest, error] = std::from_chars(text.data(), end, number);
   // Written so that a NaN is refused as well.
   if (error != std::errc() || rest != end || !(number >= least && number <= most)) {
-    refuse(text, "a number from " + short_text(least) + " to " + short_text(most));
+    refuse_value(text, "a number from " + short_text(least) + " to " + short_text(most));
   }
   return number;
 }
@@ -45,7 +45,8 @@ long long whole_number_of(const std::string& text, long long least, long long mo
   const bool is_whole =
       fraction.empty() || (fraction[0] == '.' && fraction.size() > 1 &&
                            fraction.find_first_not_of('0', 1) == std::string_view::npos);
-  if (error != std::errc() || !is_whole || number < least || number > most) refuse(text, wanted);
+  if (error != std::errc() || !is_whole || number < least || number > most)
+    refuse_value(text, wanted);
   return number;
 }
 
@@ -65,7 +66,7 @@ std::string comma_list(const std::vector<std::string>& words) {
 
 std::string choice_of(const std::string& text, const std::vector<std::string>& choices) {
   const auto found = std::ranges::find(choices, text);
-  if (found == choices.end()) refuse(text, "one of " + comma_list(choices));
+  if (found == choices.end()) refuse_value(text, "one of " + comma_list(choices));
   return *found;
 }
 

@@ -12,7 +12,7 @@
 namespace kv::polarization {
 namespace {
 
-std::uint64_t hash_of(const std::string& place) { return std::hash<std::string>{}(place); }
+std::uint64_t place_hash(const std::string& place) { return std::hash<std::string>{}(place); }
 
 }  // namespace
 
@@ -21,14 +21,14 @@ NameRegister::NameRegister(std::span<const Input> inputs, ResultsOf results_of)
   for (const Input& input : inputs) {
     if (input.is_standard_input()) continue;
     // A link to an input must not be replaced either.
-    input_hashes_.insert(hash_of(identity_.place_of(input.path)));
-    input_hashes_.insert(hash_of(identity_.file_of(input.path)));
+    input_hashes_.insert(place_hash(identity_.place_of(input.path)));
+    input_hashes_.insert(place_hash(identity_.file_of(input.path)));
   }
 }
 
 void NameRegister::add(const std::filesystem::path& result, std::size_t owner) {
   const std::string place = identity_.place_of(result);
-  const std::uint64_t hash = hash_of(place);
+  const std::uint64_t hash = place_hash(place);
   last_owner_ = std::max(last_owner_, owner);
   if (input_hashes_.contains(hash)) refuse_input(place, result, owner);
   if (!result_hashes_.insert(hash)) refuse_earlier(place, result, owner);

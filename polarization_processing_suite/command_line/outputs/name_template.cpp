@@ -83,7 +83,7 @@ void check_literal(const std::string& text, const std::string& literal) {
 }
 
 /// The width that the inside of a placeholder's braces asks for; 0 when it asks for none.
-std::size_t width_of(const std::string& text, const std::string& inside) {
+std::size_t width_asked_by(const std::string& text, const std::string& inside) {
   const std::size_t colon = inside.find(':');
   const std::string name = inside.substr(0, colon);
   const Placeholder* placeholder = placeholder_named(name);
@@ -124,7 +124,7 @@ NameTemplate::NameTemplate(const std::string& text) : text_(text) {
       if (end == std::string::npos) refuse(text, "it has a { without }");
       const std::string inside = text.substr(i + 1, end - i - 1);
       piece.placeholder = inside.substr(0, inside.find(':'));
-      piece.width = width_of(text, inside);
+      piece.width = width_asked_by(text, inside);
       check_literal(text, piece.before);
       pieces_.push_back(piece);
       piece = {};

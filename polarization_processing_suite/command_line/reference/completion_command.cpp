@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
 

@@ -12,7 +12,7 @@ namespace kv::polarization {
 namespace {
 
 /// The code point of the UTF-8 character at the text's start, and removes it from there.
-std::uint32_t take_character(std::string_view& text) {
+std::uint32_t take_code_point(std::string_view& text) {
   const auto first = static_cast<unsigned char>(text[0]);
   const std::size_t size = first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
   std::uint32_t point = size == 1 ? first : first & (0xFFU >> (size + 1));
@@ -35,7 +35,7 @@ std::string glyph(std::uint32_t point) {
 std::string escaped_roff(std::string_view text) {
   std::string roff;
   while (!text.empty()) {
-    const std::uint32_t point = take_character(text);
+    const std::uint32_t point = take_code_point(text);
     switch (point) {
       case '\\':
         roff += "\\e";

@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The kevrinth_qrm_polarization authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
 
 #include "command_line/exit_status.h"
+#include "command_line/options/text_layout.h"
 #include "command_line/options/values.h"
 #include "command_line/reference/manual.h"
 #include "command_line/tool_page.h"

@@ -14,7 +14,7 @@
 namespace kv::polarization {
 namespace {
 
-std::vector<std::string> plane_names() {
+std::vector<std::string> result_choices() {
   std::vector<std::string> names;
   names.reserve(kPlanes.size() + 1);
   for (const PlaneTraits& traits : kPlanes) names.emplace_back(traits.name);
@@ -33,7 +33,7 @@ void parse_planes(const std::string& list, Recipe& recipe) {
       recipe.planes.add(*plane);
     } else {
       throw BadValue("there is no plane '" + name + "'; the planes are " +
-                     comma_list(plane_names()));
+                     comma_list(result_choices()));
     }
   }
   if (recipe.planes.empty() && !recipe.mean) {
@@ -84,7 +84,7 @@ void add_planes(OptionList& options, Recipe& recipe) {
       {.names = "--planes",
        .value = "LIST",
        .summary = "Planes to write, of",
-       .choices = plane_names(),
+       .choices = result_choices(),
        .initial = "all but mean"},
       [&recipe](const std::string& list) { parse_planes(list, recipe); },
       [&recipe] {

@@ -3,10 +3,9 @@
 
 #include "command_line/transform/results.h"
 
-#include <array>
-#include <charconv>
 #include <utility>
 
+#include "command_line/number_text.h"
 #include "kv/image_files/pixel_format.h"
 
 namespace kv::polarization {
@@ -52,12 +51,6 @@ void add_frame(const Recipe& recipe, Arguments& arguments) {
     const std::u8string name = recipe.calibration->generic_u8string();
     arguments.add("--calibration", std::string(name.begin(), name.end()));
   }
-}
-
-/// The shortest text that reads as this very number.
-std::string shortest_text(double number) {
-  std::array<char, 32> text{};
-  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
 }
 
 }  // namespace

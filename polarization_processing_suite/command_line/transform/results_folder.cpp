@@ -13,7 +13,7 @@
 namespace kv::polarization {
 namespace {
 
-void make_folder(const std::filesystem::path& folder) {
+void make_results_folder(const std::filesystem::path& folder) {
   std::error_code failure;
   std::filesystem::create_directories(folder, failure);
   if (!std::filesystem::is_directory(folder)) {
@@ -28,8 +28,8 @@ void make_folder(const std::filesystem::path& folder) {
 ResultsFolder::ResultsFolder(const std::filesystem::path& folder,
                              const std::vector<std::filesystem::path>& folders, Journal& journal)
     : folder_(folder), journal_(journal) {
-  make_folder(folder);
-  for (const auto& one : folders) make_folder(one);
+  make_results_folder(folder);
+  for (const auto& one : folders) make_results_folder(one);
   if (lock(platform::FileLock::Mode::exclusive)) {
     remove_stale_partials(folder);
     for (const auto& one : folders) remove_stale_partials(one);
