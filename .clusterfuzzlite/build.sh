@@ -8,9 +8,9 @@ set -euo pipefail
 cd "$SRC/kevrinth_qrm_polarization"
 
 unset CFLAGS CXXFLAGS CC CXX
-scripts/build fuzz
+scripts/build asan --target fuzzers
 # The target python wants an interpreter and its packages, which are not where the fuzzers run.
-for program in build/fuzz/fuzz_*; do
+for program in build/asan/fuzz_*; do
   name=$(basename "$program")
   target=${name#fuzz_}
   target=${target%_failing_allocations}
@@ -24,4 +24,4 @@ for program in build/fuzz/fuzz_*; do
   ldd "$program" | awk '$2 == "=>" && /tiff|deflate|jpeg|webp|zstd|lzma|jbig|Lerc|kevrinth/ { print $3 }' |
     xargs -r cp -t "$OUT"
 done
-cp build/fuzz/*.so "$OUT/"
+cp build/asan/*.so "$OUT/"

@@ -63,10 +63,12 @@ if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=[a-z,]*undefined")
   set(KV_BLOCK_OPTIONS -fno-sanitize=undefined)
 endif()
 
-# Fuzzers look at kernels from outside, by guard pages around all memory: sanitizers in thousands of
-# unrolled kernels, and their optimisation, would take most of the build.
-if(KV_BUILD_FUZZERS)
-  set(KV_KERNEL_OPTIONS -O0 -g0 -fno-sanitize=all)
-  # libFuzzer reads the counters of modules after they were unloaded.
-  add_link_options(LINKER:-z,nodelete)
+# Thousands of unrolled kernels, which a sanitizer looks at all the better where they are not optimised:
+# optimising them would take most of its build. Fuzzers steer by what decides between kernels, and read
+# counters of modules even after those were unloaded, so that neither has any.
+if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  set(KV_KERNEL_OPTIONS -O0)
+  if(KV_BUILD_FUZZERS)
+    list(APPEND KV_KERNEL_OPTIONS -fno-sanitize=fuzzer-no-link)
+  endif()
 endif()

@@ -3,8 +3,9 @@
 
 # Headers of command lines, JSON, matrices and tests take seconds a file, and more under sanitizers. With
 # the sources of a folder compiled as one, all takes a third of the time; names within a folder have to
-# differ for it. PROGRAMS leaves out the toolkit's libraries, which can be installed: programs link of
-# them the files that they use.
+# differ for it, and within the tool. PROGRAMS leaves out the toolkit's libraries, which can be installed:
+# programs link of them the files that they use. ALL is for builds that are made once, to be tested: in
+# those the tool is a few pieces.
 set(KV_UNITY_BUILD OFF CACHE STRING "Compile the sources of a folder as one: OFF, PROGRAMS or ALL")
 
 # unite_by_folder(TARGET), after all sources of it are named.
@@ -19,7 +20,9 @@ function(unite_by_folder target)
 endfunction()
 
 function(unite_program target)
-  if(KV_UNITY_BUILD)
+  if(KV_UNITY_BUILD STREQUAL "ALL")
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE BATCH UNITY_BUILD_BATCH_SIZE 30)
+  elseif(KV_UNITY_BUILD)
     unite_by_folder(${target})
   endif()
 endfunction()

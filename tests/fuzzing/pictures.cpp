@@ -14,7 +14,7 @@ namespace {
 
 using namespace polarization;
 
-constexpr int kGreatestSide = 300;
+constexpr int kGreatestSide = 90;
 
 template <class Element>
 std::vector<Element> elements(Choices& choices, std::size_t count) {
@@ -98,7 +98,7 @@ void make_ticks(Choices& choices, const PictureMaps& maps, const PictureRanges& 
 void make_sheet(Choices& choices, const PictureMaps& maps, double dolp_white) {
   SheetLayout layout;
   succeeds([&] {
-    layout = layout_within(1 + static_cast<int>(choices.below(4000)), maps.width, maps.height);
+    layout = layout_within(1 + static_cast<int>(choices.below(700)), maps.width, maps.height);
   });
   const auto text = choices.take(20);
   layout.title.assign(text.begin(), text.end());
