@@ -27,7 +27,7 @@ expect_same 'run path' "[$run_path]" \
   "$(readelf -W -d "$library" | awk '$2 ~ /RUNPATH|RPATH/ { print $NF }')"
 
 # Debugging information names the folder of the compilation.
-if ! readelf -W -S "$library" | grep -q '\.debug_info'; then
+if ! readelf -W -S "$library" | grep '\.debug_info' >/dev/null; then
   for folder in "$source_folder" "$build_folder"; do
     expect_same 'folders of the build machine' '' "$(strings -a "$library" | grep -F "$folder" || true)"
   done

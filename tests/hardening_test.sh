@@ -44,7 +44,7 @@ entries=$(awk '$4 == "FUNC" && $7 ~ /^[0-9]+$/ { print "0x" $2 }' <<<"$symbols")
 [[ $kind == library ]] || entries=$("$readelf" -h "$file" | sed -n 's/.*Entry point address: *//p')
 [[ -n $entries ]] || fault 'no function to enter'
 for entry in $entries; do
-  "$objdump" -d --start-address="$entry" --stop-address=$((entry + 4)) "$file" | grep -qw endbr64 ||
+  "$objdump" -d --start-address="$entry" --stop-address=$((entry + 4)) "$file" | grep -w endbr64 >/dev/null ||
     fault "no landing pad at $entry (-fcf-protection)"
 done
 

@@ -3,8 +3,6 @@
 
 #include "command_line/json_output.h"
 
-#include <nlohmann/json.hpp>
-
 namespace kv::polarization {
 
 Json json_of(const std::filesystem::path& path) {

@@ -4,14 +4,12 @@
 #pragma once
 
 #include <filesystem>
-#include <nlohmann/json_fwd.hpp>
+#include <nlohmann/json.hpp>
 #include <string>
 
-namespace kv::polarization {
+#include "command_line/json_type.h"
 
-/// Members in the order in which they were set. Those who make or read some include
-/// nlohmann/json.hpp.
-using Json = nlohmann::ordered_json;
+namespace kv::polarization {
 
 /// Null for an empty path.
 Json json_of(const std::filesystem::path& path);

@@ -4,6 +4,8 @@
 // Help, manual and completion, as they follow from the records of the options.
 #include <gtest/gtest.h>
 
+#include <CLI/CLI.hpp>
+
 #include "command_line/command.h"
 #include "kv/image_files/image_format.h"
 #include "tool.h"

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "command_line/batch/provenance_record.h"
+#include "command_line/json_output.h"
 #include "command_line/options/values.h"
 #include "platform/files.h"
 

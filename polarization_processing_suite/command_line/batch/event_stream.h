@@ -7,7 +7,7 @@
 #include <memory>
 #include <optional>
 
-#include "command_line/json_output.h"
+#include "command_line/json_type.h"
 
 namespace kv::polarization {
 

@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 
 #include "command_line/batch/provenance_record.h"
+#include "command_line/json_output.h"
 #include "command_line/path_text.h"
 #include "kv/image_files/pending_file.h"
 #include "kv/polarization/fault.h"

@@ -4,8 +4,8 @@
 #include "command_line/batch/provenance_record.h"
 
 #include <array>
-#include <nlohmann/json.hpp>
 
+#include "command_line/json_output.h"
 #include "command_line/messages.h"
 #include "platform/cpu_features.h"
 #include "platform/reciprocals.h"

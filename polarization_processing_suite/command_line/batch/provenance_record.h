@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "command_line/batch/file_hash.h"
-#include "command_line/json_output.h"
+#include "command_line/json_type.h"
 #include "kv/polarization/mosaic.h"
 
 namespace kv::polarization {

@@ -4,11 +4,11 @@
 #include "command_line/batch/run_reports.h"
 
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "command_line/batch/provenance_record.h"
 #include "command_line/exit_status.h"
+#include "command_line/json_output.h"
 #include "command_line/messages.h"
 #include "command_line/path_text.h"
 #include "kv/polarization/fault.h"

@@ -4,7 +4,6 @@
 #include "command_line/batch/run_totals.h"
 
 #include <iomanip>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "command_line/json_output.h"

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "command_line/batch/frame_report.h"
-#include "command_line/json_output.h"
+#include "command_line/json_type.h"
 
 namespace kv::polarization {
 

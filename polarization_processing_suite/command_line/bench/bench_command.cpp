@@ -5,11 +5,11 @@
 
 #include <algorithm>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include "command_line/bench/frame_ring.h"
 #include "command_line/bench/library_copy.h"
 #include "command_line/exit_status.h"
+#include "command_line/json_output.h"
 #include "command_line/machine/machine_json.h"
 #include "command_line/messages.h"
 #include "command_line/number_text.h"

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstddef>
-#include <nlohmann/json.hpp>
 
 #include "command_line/compare/compare_command.h"
 #include "command_line/compare/folder_comparison.h"

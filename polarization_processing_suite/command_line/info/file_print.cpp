@@ -4,8 +4,8 @@
 #include "command_line/info/file_print.h"
 
 #include <cmath>
-#include <nlohmann/json.hpp>
 
+#include "command_line/json_output.h"
 #include "command_line/messages.h"
 #include "command_line/number_text.h"
 #include "kv/image_files/image_format.h"

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "command_line/info/file_report.h"
-#include "command_line/json_output.h"
+#include "command_line/json_type.h"
 #include "toolkit/machine/machine.h"
 
 namespace kv::polarization {

@@ -5,10 +5,10 @@
 
 #include <iostream>
 #include <new>
-#include <nlohmann/json.hpp>
 
 #include "command_line/exit_status.h"
 #include "command_line/info/file_print.h"
+#include "command_line/json_output.h"
 #include "command_line/machine/machine_json.h"
 #include "command_line/messages.h"
 #include "kv/image_files/image_format.h"

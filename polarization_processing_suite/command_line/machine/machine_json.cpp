@@ -3,7 +3,7 @@
 
 #include "command_line/machine/machine_json.h"
 
-#include <nlohmann/json.hpp>
+#include "command_line/json_output.h"
 
 namespace kv::polarization {
 namespace {

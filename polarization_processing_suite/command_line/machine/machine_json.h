@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "command_line/json_output.h"
+#include "command_line/json_type.h"
 #include "toolkit/machine/build.h"
 #include "toolkit/machine/machine.h"
 

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <nlohmann/json.hpp>
 
 #include "command_line/json_output.h"
 #include "command_line/measure/measurement_columns.h"

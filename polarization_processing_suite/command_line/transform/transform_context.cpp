@@ -3,8 +3,6 @@
 
 #include "command_line/transform/transform_context.h"
 
-#include <nlohmann/json.hpp>
-
 #include "command_line/json_output.h"
 #include "command_line/transform/page_list.h"
 #include "kv/calibration/calibration_file.h"
