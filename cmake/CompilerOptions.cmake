@@ -64,8 +64,7 @@ if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=[a-z,]*undefined")
 endif()
 
 # Thousands of unrolled kernels, which a sanitizer looks at all the better where they are not optimised:
-# optimising them would take most of its build. Fuzzers steer by what decides between kernels, and read
-# counters of modules even after those were unloaded, so that neither has any.
+# optimising them would take most of its build. Fuzzers steer by what chooses between them.
 if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   set(KV_KERNEL_OPTIONS -O0)
   if(KV_BUILD_FUZZERS)

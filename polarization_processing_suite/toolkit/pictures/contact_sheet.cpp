@@ -4,6 +4,7 @@
 #include "kv/pictures/contact_sheet.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "kv/polarization/fault.h"
 #include "toolkit/pictures/glyphs.h"
@@ -66,23 +67,25 @@ Picture enlarged(const Picture& picture, int factor) {
 }
 
 /// Of a sheet's picture of that size beside its legend, and the space between two.
-int column_width_of(int width, int height) {
-  return width + kPanelWidth * std::max(1, height / kRowsOfDot) + kSpace;
+std::int64_t column_width_of(std::int64_t width, std::int64_t height) {
+  return width + kPanelWidth * std::max<std::int64_t>(1, height / kRowsOfDot) + kSpace;
 }
 
 }  // namespace
 
 SheetLayout layout_within(int sheet_width, int picture_width, int picture_height) {
-  const auto fits = [sheet_width](int width, int height) {
+  // One without pixels would fit at any enlargement.
+  const std::int64_t wide = std::max(1, picture_width);
+  const std::int64_t high = std::max(1, picture_height);
+  const auto fits = [sheet_width](std::int64_t width, std::int64_t height) {
     return kColumns * column_width_of(width, height) + kSpace <= sheet_width;
   };
   SheetLayout layout{.reduction = 1};
-  while (layout.reduction < picture_width &&
-         !fits(picture_width / layout.reduction, picture_height / layout.reduction)) {
+  while (layout.reduction < wide && !fits(wide / layout.reduction, high / layout.reduction)) {
     ++layout.reduction;
   }
-  while (layout.reduction == 1 && fits(picture_width * (layout.enlargement + 1),
-                                       picture_height * (layout.enlargement + 1))) {
+  while (layout.reduction == 1 &&
+         fits(wide * (layout.enlargement + 1), high * (layout.enlargement + 1))) {
     ++layout.enlargement;
   }
   return layout;
