@@ -4,9 +4,10 @@
 # Headers of command lines, JSON, matrices and tests take seconds a file, and more under sanitizers. With
 # the sources of a folder compiled as one, all takes a third of the time; names within a folder have to
 # differ for it, and within the tool. PROGRAMS leaves out the toolkit's libraries, which can be installed:
-# programs link of them the files that they use. ALL is for builds that are made once, to be tested: in
-# those the tool is a few pieces.
-set(KV_UNITY_BUILD OFF CACHE STRING "Compile the sources of a folder as one: OFF, PROGRAMS or ALL")
+# programs link of them the files that they use. LIBRARIES leaves out the programs. ALL is for builds that
+# are made once, to be tested: in those the tool is a few pieces. Every file is compiled by itself in some
+# build of the checks, so that it includes what it needs.
+set(KV_UNITY_BUILD OFF CACHE STRING "Compile the sources of a folder as one: OFF, PROGRAMS, LIBRARIES or ALL")
 
 # unite_by_folder(TARGET), after all sources of it are named.
 function(unite_by_folder target)
@@ -22,13 +23,19 @@ endfunction()
 function(unite_program target)
   if(KV_UNITY_BUILD STREQUAL "ALL")
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE BATCH UNITY_BUILD_BATCH_SIZE 30)
-  elseif(KV_UNITY_BUILD)
+  elseif(KV_UNITY_BUILD STREQUAL "PROGRAMS")
     unite_by_folder(${target})
   endif()
 endfunction()
 
 function(unite_library target)
-  if(KV_UNITY_BUILD STREQUAL "ALL")
+  if(KV_UNITY_BUILD MATCHES "^(ALL|LIBRARIES)$")
     unite_by_folder(${target})
+  endif()
+endfunction()
+
+function(unite_tests target)
+  if(KV_UNITY_BUILD STREQUAL "ALL")
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE BATCH UNITY_BUILD_BATCH_SIZE 8)
   endif()
 endfunction()

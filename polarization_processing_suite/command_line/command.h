@@ -9,10 +9,6 @@
 #include "command_line/options/help_text.h"
 #include "command_line/options/option_list.h"
 
-namespace CLI {
-class App;
-}
-
 namespace kv::polarization {
 
 /// A command of the tool: its page, its options, and what it does.

@@ -16,8 +16,9 @@ namespace {
 
 /// pybind11 2.10 frees an object twice when there is no memory for the node, of 32 bytes, that
 /// registers it, and ends the process where there is none for its message on wrong arguments. Its
-/// records and texts are small; frames, planes and tables are not.
-constexpr std::size_t kRecords = 4096;
+/// records and texts are small, those of the inputs' bytes included; frames, planes and tables are
+/// not.
+constexpr std::size_t kRecords = 20'000;
 
 PyObject* run_calls = nullptr;
 

@@ -21,7 +21,7 @@ using namespace kv::polarization;
 namespace {
 
 // The mosaic that begins with each phase: top left, top right, bottom left, bottom right.
-constexpr int kMosaics[4][4] = {
+constexpr int kAnglesByPhase[4][4] = {
     {0, 135, 45, 90}, {45, 90, 0, 135}, {90, 45, 135, 0}, {135, 0, 90, 45}};
 
 Frame random_frame(int width, int height) {
@@ -110,7 +110,7 @@ struct Reference {
     for (const int r : {row, row + 1 < frame.height ? row + 1 : row - 1}) {
       for (const int c : {column, column + 1 < frame.width ? column + 1 : column - 1}) {
         const int place = 2 * ((r + mosaic.y_origin) % 2) + (c + mosaic.x_origin) % 2;
-        const int i = kMosaics[mosaic.phase][place] / 45;
+        const int i = kAnglesByPhase[mosaic.phase][place] / 45;
         const double counts = at(r, c) - double{settings.samples.black_level};
         cell.samples[i] = counts;
         cell.variances[i] = 0.4 * std::max(counts, 0.0) + 1 + 1.0 / 12;
@@ -292,7 +292,7 @@ TEST(Maps, HaveTheSameBytesHoweverTheyAreAskedFor) {
   }
 }
 
-struct Request {
+struct MapRequest {
   Frame frame = random_frame(8, 6);
   Mosaic mosaic{};
   MapSettings settings = noisy_settings();
@@ -305,23 +305,23 @@ struct Request {
 };
 
 TEST(Maps, RefuseWhatCannotBe) {
-  using Spoil = void (*)(Request&);
+  using Spoil = void (*)(MapRequest&);
   const std::pair<const char*, Spoil> refusals[] = {
-      {"1 x 6 pixels holds no", [](Request& r) { r.frame.width = 1; }},
-      {"no map", [](Request& r) { r.maps = {}; }},
-      {"s0 has room for 47", [](Request& r) { r.maps.s0 = r.maps.s0.first(47); }},
-      {"s1 overlaps that of s0", [](Request& r) { r.maps.s1 = std::span(r.values).last(49); }},
-      {"angle_sigma is made of the noise", [](Request& r) { r.settings.samples.noise = {}; }},
-      {"gain of 0", [](Request& r) { r.settings.samples.noise->gain = 0; }},
-      {"black level", [](Request& r) { r.settings.samples.black_level = std::nanf(""); }},
-      {"least mean", [](Request& r) { r.settings.compensation = {.least_mean = 0}; }},
-      {"8 x 6 pixels, has 47 bytes", [](Request& r) { r.tell_bad(47); }},
-      {"does not cover", [](Request& r) { r.tell_bad(48), r.mosaic.x_origin = 1; }},
-      {"does not cover", [](Request& r) { r.tell_bad(48), r.mosaic.y_origin = 1; }},
-      {"bad pixels overlaps", [](Request& r) { r.tell_bad(48), r.maps.quality = r.bytes; }},
+      {"1 x 6 pixels holds no", [](MapRequest& r) { r.frame.width = 1; }},
+      {"no map", [](MapRequest& r) { r.maps = {}; }},
+      {"s0 has room for 47", [](MapRequest& r) { r.maps.s0 = r.maps.s0.first(47); }},
+      {"s1 overlaps that of s0", [](MapRequest& r) { r.maps.s1 = std::span(r.values).last(49); }},
+      {"angle_sigma is made of the noise", [](MapRequest& r) { r.settings.samples.noise = {}; }},
+      {"gain of 0", [](MapRequest& r) { r.settings.samples.noise->gain = 0; }},
+      {"black level", [](MapRequest& r) { r.settings.samples.black_level = std::nanf(""); }},
+      {"least mean", [](MapRequest& r) { r.settings.compensation = {.least_mean = 0}; }},
+      {"8 x 6 pixels, has 47 bytes", [](MapRequest& r) { r.tell_bad(47); }},
+      {"does not cover", [](MapRequest& r) { r.tell_bad(48), r.mosaic.x_origin = 1; }},
+      {"does not cover", [](MapRequest& r) { r.tell_bad(48), r.mosaic.y_origin = 1; }},
+      {"bad pixels overlaps", [](MapRequest& r) { r.tell_bad(48), r.maps.quality = r.bytes; }},
   };
   for (const auto& [part_of_message, spoil] : refusals) {
-    Request r;
+    MapRequest r;
     spoil(r);
     EXPECT_PRED2(contains,
                  error_of([&] { MapMaker().fill(r.frame, r.mosaic, r.settings, r.maps); }),

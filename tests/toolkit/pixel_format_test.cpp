@@ -15,14 +15,14 @@ using namespace kv::polarization;
 
 namespace {
 
-using Samples = std::vector<std::uint16_t>;
+using Unpacked = std::vector<std::uint16_t>;
 
 std::span<const std::byte> bytes_of(const std::string& text) {
   return std::as_bytes(std::span(text));
 }
 
-Samples unpacked(const std::string& bytes, PixelFormat format, std::size_t count) {
-  Samples samples(count);
+Unpacked unpacked(const std::string& bytes, PixelFormat format, std::size_t count) {
+  Unpacked samples(count);
   unpack(bytes_of(bytes), format, samples);
   return samples;
 }
@@ -32,7 +32,7 @@ TEST(PixelFormats, LieInMemoryAsGenICamAndGigEVisionHaveThem) {
   struct Case {
     PixelFormat format;
     std::string bytes;
-    Samples samples;
+    Unpacked samples;
   };
   const Case cases[] = {
       {PixelFormat::mono8, text(0xFE, 1), {0xFE, 1}},
@@ -73,7 +73,7 @@ TEST(PixelFormats, AreUnpackedToTheLastSample) {
   for (const PixelFormatTraits& format : kPixelFormats) {
     for (std::size_t count = 0; count < 75; ++count) {
       SCOPED_TRACE(std::string(format.name) + ", samples: " + std::to_string(count));
-      Samples samples(count);
+      Unpacked samples(count);
       std::string bytes(stored_bytes(format.format, count), '\0');
       for (std::size_t i = 0; i < count; ++i) {
         samples[i] = static_cast<std::uint16_t>((i + 1) * 40503 % (1u << format.bit_depth));
@@ -85,7 +85,7 @@ TEST(PixelFormats, AreUnpackedToTheLastSample) {
       }
       std::vector<std::byte> moved(bytes.size() + 1);
       if (count > 0) std::memcpy(moved.data() + 1, bytes.data(), bytes.size());
-      Samples back(count + 1, 0xEEEE);
+      Unpacked back(count + 1, 0xEEEE);
       unpack(std::span(moved).subspan(1), format.format, std::span(back).first(count));
       EXPECT_EQ(back.back(), 0xEEEE);
       back.pop_back();

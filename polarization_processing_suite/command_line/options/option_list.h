@@ -9,6 +9,7 @@
 
 #include "command_line/options/option_record.h"
 
+// NOLINTNEXTLINE(readability-identifier-naming): CLI11's.
 namespace CLI {
 class App;
 }
