@@ -4,10 +4,10 @@
 # Headers of command lines, JSON, matrices and tests take seconds a file, and more under sanitizers. With
 # the sources of a folder compiled as one, all takes a third of the time; names within a folder have to
 # differ for it, and within the tool. PROGRAMS leaves out the toolkit's libraries, which can be installed:
-# programs link of them the files that they use. LIBRARIES leaves out the programs. ALL is for builds that
-# are made once, to be tested: in those the tool is a few pieces. Every file is compiled by itself in some
-# build of the checks, so that it includes what it needs.
-set(KV_UNITY_BUILD OFF CACHE STRING "Compile the sources of a folder as one: OFF, PROGRAMS, LIBRARIES or ALL")
+# programs link of them the files that they use. ALL is for builds that are made once, to be tested: in
+# those the tool is a few pieces. That every file includes what it needs, the release build tells of
+# libraries and tests, and scripts/tidy of the tool.
+set(KV_UNITY_BUILD OFF CACHE STRING "Compile the sources of a folder as one: OFF, PROGRAMS or ALL")
 
 # unite_by_folder(TARGET), after all sources of it are named.
 function(unite_by_folder target)
@@ -29,7 +29,7 @@ function(unite_program target)
 endfunction()
 
 function(unite_library target)
-  if(KV_UNITY_BUILD MATCHES "^(ALL|LIBRARIES)$")
+  if(KV_UNITY_BUILD STREQUAL "ALL")
     unite_by_folder(${target})
   endif()
 endfunction()
