@@ -37,5 +37,7 @@ endfunction()
 function(unite_tests target)
   if(KV_UNITY_BUILD STREQUAL "ALL")
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE BATCH UNITY_BUILD_BATCH_SIZE 8)
+    # A table's type within a test may have the name of one in the file before.
+    target_compile_options(${target} PRIVATE -Wno-shadow)
   endif()
 endfunction()
