@@ -71,8 +71,8 @@ void use(const Calibration& calibration, const WorkFolder& folder) {
 
 }  // namespace
 
-// nlohmann's JSON asks for memory where it lets nothing out, 16 bytes a member, and ends the process
-// when there is none.
+// nlohmann's JSON asks for memory where it lets nothing out, 16 bytes a member, and ends the
+// process when there is none.
 void set_up() { spare_allocations_below(1024); }
 
 /// A byte for the sums; the length of the JSON in two bytes, and the JSON; the length of each map's
