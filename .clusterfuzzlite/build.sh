@@ -8,7 +8,8 @@ set -euo pipefail
 cd "$SRC/kevrinth_qrm_polarization"
 
 unset CFLAGS CXXFLAGS CC CXX
-scripts/build asan --target fuzzers
+cmake --preset asan -DKV_COVERAGE=OFF
+cmake --build --preset asan --target fuzzers
 # The target python wants an interpreter and its packages, which are not where the fuzzers run.
 for program in build/asan/fuzz_*; do
   name=$(basename "$program")

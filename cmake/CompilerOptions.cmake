@@ -28,8 +28,10 @@ else()
   if(KV_WARNINGS_AS_ERRORS)
     add_compile_options(-Werror)
   endif()
-  # No path of the build machine in the binaries.
-  add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+  # No path of the build machine in the binaries; gcovr looks for sources by theirs.
+  if(NOT KV_COVERAGE)
+    add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+  endif()
 endif()
 
 if(UNIX OR MINGW)
@@ -70,4 +72,10 @@ if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   if(KV_BUILD_FUZZERS)
     list(APPEND KV_KERNEL_OPTIONS -fno-sanitize=fuzzer-no-link)
   endif()
+endif()
+
+# Tests are counted too: a function of a header is in many objects, and the linker takes any of them.
+if(KV_COVERAGE)
+  add_compile_options(--coverage -fprofile-update=atomic)
+  add_link_options(--coverage)
 endif()

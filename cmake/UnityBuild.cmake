@@ -6,7 +6,7 @@
 # differ for it, and within the tool. PROGRAMS leaves out the toolkit's libraries, which can be installed:
 # programs link of them the files that they use. ALL is for builds that are made once, to be tested: in
 # those the tool is a few pieces. That every file includes what it needs, the release build tells of
-# libraries and tests, and scripts/tidy of the tool.
+# libraries, scripts/tidy of the tool, and the preset debug of all.
 set(KV_UNITY_BUILD OFF CACHE STRING "Compile the sources of a folder as one: OFF, PROGRAMS or ALL")
 
 # unite_by_folder(TARGET), after all sources of it are named.
@@ -35,7 +35,7 @@ function(unite_library target)
 endfunction()
 
 function(unite_tests target)
-  if(KV_UNITY_BUILD STREQUAL "ALL")
+  if(KV_UNITY_BUILD)
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE BATCH UNITY_BUILD_BATCH_SIZE 8)
     # A table's type within a test may have the name of one in the file before.
     target_compile_options(${target} PRIVATE -Wno-shadow)
