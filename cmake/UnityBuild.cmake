@@ -6,7 +6,7 @@
 # differ for it, and within the tool. PROGRAMS leaves out the toolkit's libraries, which can be installed:
 # programs link of them the files that they use. ALL is for builds that are made once, to be tested: in
 # those the tool is a few pieces. That every file includes what it needs, the release build tells of
-# libraries, scripts/tidy of the tool, and the preset debug of all.
+# libraries, and the preset debug of all.
 set(KV_UNITY_BUILD OFF CACHE STRING "Compile the sources of a folder as one: OFF, PROGRAMS or ALL")
 
 # unite_by_folder(TARGET), after all sources of it are named.
