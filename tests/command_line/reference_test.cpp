@@ -23,7 +23,9 @@ TEST(Records, TellEveryOptionOfTheParser) {
   ASSERT_FALSE(commands.empty());
   for (const auto& command : commands) {
     const std::string& name = command->page().name;
-    const std::string help = tool.run(name + " --help").out;
+    const ToolResult result = tool.run(name + " --help");
+    EXPECT_EQ(result.status, 0) << name << ": " << result.error;
+    const std::string& help = result.out;
     EXPECT_FALSE(command->page().summary.empty()) << name;
     EXPECT_FALSE(command->page().examples.empty()) << name;
     for (const CLI::Option* option : app.get_subcommand(name)->get_options()) {
